@@ -1,0 +1,37 @@
+# Settings shared by every target of our own code.
+#   kelvarin_target(<target>) : warnings as errors, repository-root includes,
+#                               sanitizers when KELVARIN_SANITIZE is on.
+set(KELVARIN_ROOT ${CMAKE_CURRENT_LIST_DIR}/..)
+
+if(KELVARIN_SANITIZE)
+  add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all
+                      -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=address,undefined)
+endif()
+
+function(kelvarin_target target)
+  target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Werror)
+  get_target_property(type ${target} TYPE)
+  if(type STREQUAL "INTERFACE_LIBRARY")
+    return()
+  endif()
+  target_include_directories(${target} PUBLIC ${KELVARIN_ROOT})
+endfunction()
+
+# kelvarin_gtest(<name> SOURCES ... LIBS ...): one GoogleTest executable,
+# its cases registered with CTest.
+function(kelvarin_gtest name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LIBS" ${ARGN})
+  add_executable(${name} ${ARG_SOURCES})
+  kelvarin_target(${name})
+  target_link_libraries(${name} PRIVATE ${ARG_LIBS} GTest::gtest_main)
+  gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60)
+endfunction()
+
+# kelvarin_library(<name> <sources>...): a static library of the project,
+# recorded so that benchmarks and programs can link every layer.
+function(kelvarin_library name)
+  add_library(${name} STATIC ${ARGN})
+  kelvarin_target(${name})
+  set_property(GLOBAL APPEND PROPERTY KELVARIN_LIBS ${name})
+endfunction()

@@ -1,0 +1,20 @@
+// Base of the objects a Variant can refer to (fonts, pictures, controls).
+#pragma once
+
+#include <string>
+
+namespace kelvarin {
+
+class Object {
+public:
+    virtual ~Object() = default;
+    // The host's type name of the object ("Font", "Picture", "DateBox").
+    virtual std::string TypeName() const = 0;
+
+protected:
+    Object() = default;
+    Object(const Object&) = default;
+    Object& operator=(const Object&) = default;
+};
+
+}  // namespace kelvarin

@@ -1,0 +1,57 @@
+// OLE colours: 0x00BBGGRR for a plain colour, 0x80000000 + n for system
+// colour n, and TranslateSysColor to turn either into plain RGB.
+#pragma once
+
+#include <array>
+#include <cstdint>
+
+namespace kelvarin {
+
+using OLE_COLOR = std::uint32_t;
+
+inline constexpr OLE_COLOR kSysColorFlag = 0x80000000u;
+
+// Indices of the system colour table that the controls name.
+enum SysColor : int {
+    COLOR_WINDOW = 5,
+    COLOR_WINDOWTEXT = 8,
+    COLOR_HIGHLIGHT = 13,
+    COLOR_HIGHLIGHTTEXT = 14,
+    COLOR_BTNFACE = 15,
+    COLOR_BTNSHADOW = 16,
+    COLOR_GRAYTEXT = 17,
+    COLOR_BTNTEXT = 18,
+    COLOR_BTNHIGHLIGHT = 20,
+    COLOR_3DDKSHADOW = 21,
+    COLOR_3DLIGHT = 22,
+};
+
+inline constexpr int kSysColorCount = 31;  // entries 0 to 30
+using SysColorTable = std::array<OLE_COLOR, kSysColorCount>;
+
+constexpr OLE_COLOR RGB(int r, int g, int b) noexcept {
+    return static_cast<OLE_COLOR>((r & 255) | (g & 255) << 8 | (b & 255) << 16);
+}
+constexpr int RedOf(OLE_COLOR c) noexcept { return static_cast<int>(c & 255); }
+constexpr int GreenOf(OLE_COLOR c) noexcept { return static_cast<int>((c >> 8) & 255); }
+constexpr int BlueOf(OLE_COLOR c) noexcept { return static_cast<int>((c >> 16) & 255); }
+constexpr OLE_COLOR SystemColor(int index) noexcept {
+    return kSysColorFlag + static_cast<OLE_COLOR>(index);
+}
+
+// The fixed light theme used until a host supplies its own table.
+const SysColorTable& DefaultSysColors() noexcept;
+
+// The host's current table (the user-interface thread's; hosts set it once
+// at start and when the desktop theme changes).
+void SetSysColors(const SysColorTable& table) noexcept;
+const SysColorTable& CurrentSysColors() noexcept;
+
+// Colour n of the current table; 0 for an index outside it, as the system does.
+OLE_COLOR GetSysColor(std::uint32_t index) noexcept;
+
+// Plain values come back unchanged; a value with the high bit set is system
+// colour (value AND 0x7FFFFFFF).
+OLE_COLOR TranslateSysColor(OLE_COLOR color) noexcept;
+
+}  // namespace kelvarin

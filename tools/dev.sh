@@ -1,0 +1,57 @@
+#!/usr/bin/env bash
+# One entry point for set-up, build and run on Debian 12.
+#   tools/dev.sh test   install what is missing, build, run every test
+#                       (a normal build, then one under address and UB sanitizers)
+#   tools/dev.sh build  install what is missing and build, nothing else
+# Re-running only rebuilds what changed.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+packages=(g++ cmake ninja-build pkg-config libgtest-dev libgmock-dev libbenchmark-dev
+          nlohmann-json3-dev)
+
+install_missing() {
+    local missing=()
+    for p in "${packages[@]}"; do
+        dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed' ||
+            missing+=("$p")
+    done
+    [ ${#missing[@]} -eq 0 ] && return 0
+    echo "Installing: ${missing[*]}"
+    local sudo=()
+    [ "$(id -u)" -eq 0 ] || sudo=(sudo)
+    "${sudo[@]}" apt-get update -q
+    DEBIAN_FRONTEND=noninteractive "${sudo[@]}" apt-get install -y -q --no-install-recommends \
+        "${missing[@]}"
+}
+
+# build DIR [cmake options...]: configure once, then build incrementally.
+build() {
+    local dir=$1
+    shift
+    [ -f "$dir/CMakeCache.txt" ] || cmake -S . -B "$dir" -G Ninja "$@"
+    cmake --build "$dir" --parallel "$(nproc)"
+}
+
+run_tests() {
+    local dir=$1
+    ctest --test-dir "$dir" --output-on-failure --parallel "$(nproc)"
+}
+
+case "${1:-test}" in
+test)
+    install_missing
+    build build -DCMAKE_BUILD_TYPE=RelWithDebInfo
+    run_tests build
+    build build-san -DCMAKE_BUILD_TYPE=Debug -DKELVARIN_SANITIZE=ON -DKELVARIN_BENCH=OFF
+    run_tests build-san
+    ;;
+build)
+    install_missing
+    build build -DCMAKE_BUILD_TYPE=RelWithDebInfo
+    ;;
+*)
+    echo "usage: tools/dev.sh test|build" >&2
+    exit 2
+    ;;
+esac
