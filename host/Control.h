@@ -1,0 +1,115 @@
+// A control as a host drives it: life-cycle, input, dispatch by DISPID, and
+// the user-control surface properties every control has (colours, font,
+// border, enabled) that the host's frame keeps.
+//
+// Sections: surface state; life-cycle; input; dispatch; diagnostics.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "common/Font.h"
+#include "common/Numeric.h"
+#include "common/Object.h"
+#include "common/OleColor.h"
+#include "common/Variant.h"
+#include "host/ControlSite.h"
+#include "host/PropertyBag.h"
+
+namespace kelvarin::host {
+
+using DispId = std::int32_t;
+inline constexpr DispId DISPID_FONT = -512;
+
+// The user-control surface's own properties, kept by the frame.
+struct SurfaceProperties {
+    OLE_COLOR backColor = 0x8000000F;
+    OLE_COLOR foreColor = 0x80000012;
+    bool enabled = true;
+    std::shared_ptr<Font> font = std::make_shared<Font>();
+    Integer borderStyle = 0;  // 0 none, 1 fixed single
+    Integer appearance = 1;   // 0 flat, 1 3D
+    Integer mousePointer = 0;
+    std::shared_ptr<Object> mouseIcon;  // a Picture, or none
+};
+
+// Width of the border the frame draws around the client area, in pixels.
+int BorderWidth(const SurfaceProperties& surface) noexcept;
+// Paints that border on the whole-control surface (outer size w x h).
+void PaintBorder(Surface& whole, const SurfaceProperties& surface, int width, int height);
+
+class Control : public Object {
+public:
+    explicit Control(std::string className) : className_(std::move(className)) {}
+    ~Control() override = default;
+    Control(const Control&) = delete;
+    Control& operator=(const Control&) = delete;
+
+    std::string TypeName() const override { return className_; }
+
+    // ---- Surface state ------------------------------------------------------
+    void SetSite(ControlSite* site) noexcept { site_ = site; }
+    bool HasSite() const noexcept { return site_ != nullptr; }
+    ControlSite& Site() const;
+    SurfaceProperties& SurfaceState() noexcept { return surface_; }
+    const SurfaceProperties& SurfaceState() const noexcept { return surface_; }
+    // The client area's size in pixels (the control's scale width and height).
+    int ScaleWidth() const;
+    int ScaleHeight() const;
+
+    // ---- Life-cycle (called by the host) -------------------------------------
+    virtual void InitProperties() {}
+    virtual void ReadProperties(PropertyBag& bag) { (void)bag; }
+    virtual void WriteProperties(PropertyBag& bag) { (void)bag; }
+    virtual void Show() {}
+    virtual void Resize() {}
+    // Paints the whole client area on the site's client surface.
+    virtual void Paint() {}
+    virtual void AmbientChanged(std::string_view name) { (void)name; }
+    virtual void Terminate() {}
+
+    // ---- Input (client-area pixels) -------------------------------------------
+    virtual void KeyDown(Integer& keyCode, Integer shift) { (void)keyCode, (void)shift; }
+    virtual void KeyPress(Integer& keyAscii) { (void)keyAscii; }
+    virtual void KeyUp(Integer& keyCode, Integer shift) { (void)keyCode, (void)shift; }
+    virtual void MouseDown(Integer button, Integer shift, Single x, Single y) {
+        (void)button, (void)shift, (void)x, (void)y;
+    }
+    virtual void MouseMove(Integer button, Integer shift, Single x, Single y) {
+        (void)button, (void)shift, (void)x, (void)y;
+    }
+    virtual void MouseUp(Integer button, Integer shift, Single x, Single y) {
+        (void)button, (void)shift, (void)x, (void)y;
+    }
+    virtual void Click() {}
+    virtual void DblClick() {}
+    virtual void GotFocus() {}
+    // Asked before the focus leaves; false keeps it here.
+    virtual bool QueryLeaveFocus() { return true; }
+    virtual void LostFocus() {}
+
+    // ---- Dispatch (values already converted to the member's type) ------------
+    // Unknown DISPIDs raise Object doesn't support this property or method (438).
+    virtual Variant GetProperty(DispId id);
+    virtual void PutProperty(DispId id, const Variant& value);
+    virtual Variant CallMethod(DispId id, std::span<Variant> args);
+
+    // ---- Diagnostics ----------------------------------------------------------
+    // State as "key value" lines, for the script host's dump command.
+    virtual std::vector<std::string> Dump() const { return {}; }
+
+protected:
+    void PropertyChanged(std::string_view name);
+    void RaiseEvent(int number, std::string_view name, std::span<Variant> args);
+
+private:
+    std::string className_;
+    ControlSite* site_ = nullptr;
+    SurfaceProperties surface_;
+};
+
+}  // namespace kelvarin::host

@@ -1,0 +1,123 @@
+// The public surface of the library as data: classes, their dispatch and
+// event interfaces, members in type-library order, and the enumerations.
+// Hosts bind by name (case-insensitive) and by DISPID.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/Control.h"
+
+namespace kelvarin::library {
+
+using host::DispId;
+
+struct Guid {
+    std::uint32_t data1 = 0;
+    std::uint16_t data2 = 0;
+    std::uint16_t data3 = 0;
+    std::array<std::uint8_t, 8> data4{};
+
+    friend bool operator==(const Guid&, const Guid&) = default;
+    // "{XXXXXXXX-XXXX-XXXX-XXXX-XXXXXXXXXXXX}"
+    std::string ToString() const;
+};
+
+// The type of a member, argument or result at the boundary.
+enum class BaseType {
+    Void,
+    Boolean,
+    Integer,
+    Long,
+    Single,
+    Double,
+    Date,
+    String,
+    Variant,
+    OleColor,
+    Font,
+    Picture,
+    Enum,  // a Long whose values are named by an enumeration
+};
+
+struct TypeRef {
+    BaseType base = BaseType::Void;
+    std::string_view enumName = {};  // for BaseType::Enum
+};
+
+enum class MemberKind { Property, Method };
+
+// Property accessors a member has.
+enum Access : unsigned { kGet = 1, kLet = 2, kSet = 4 };
+
+struct MemberInfo {
+    std::string_view name;
+    MemberKind kind;
+    TypeRef type;  // property type, or method result (Void for none)
+    DispId dispid;
+    unsigned access;  // for properties: kGet | kLet | kSet
+    std::string_view help;
+    bool hidden = false;
+    std::vector<TypeRef> params = {};  // method parameters
+};
+
+struct ParamInfo {
+    std::string_view name;
+    TypeRef type;
+};
+
+struct EventInfo {
+    int number;  // position in the event interface, from 1
+    std::string_view name;
+    std::vector<ParamInfo> params;  // all passed by reference
+    std::string_view help;
+};
+
+struct EnumMemberInfo {
+    std::string_view name;
+    std::int32_t value;
+};
+
+struct EnumInfo {
+    std::string_view name;
+    std::vector<EnumMemberInfo> members;  // each member's help string equals its name
+};
+
+struct ClassInfo {
+    std::string_view name;  // "DateBox"
+    Guid clsid;
+    std::string_view interfaceName;  // "_DateBox"
+    Guid iid;
+    std::string_view eventInterfaceName;  // "__DateBox", empty when none
+    Guid eventIid;
+    std::vector<MemberInfo> members;
+    std::vector<EventInfo> events;
+
+    // Case-insensitive, as the host binds; null when there is none.
+    const MemberInfo* FindMember(std::string_view memberName) const;
+    const MemberInfo* FindMember(DispId id) const;
+    const EventInfo* FindEvent(std::string_view eventName) const;
+};
+
+struct TypeLibrary {
+    std::string_view name;  // "Kelvarin"
+    std::string_view help;
+    Guid libid;
+    int majorVersion;
+    int minorVersion;
+    std::vector<ClassInfo> classes;
+    std::vector<EnumInfo> enums;
+
+    // By class name ("DateBox") or programmatic name ("Kelvarin.DateBox").
+    const ClassInfo* FindClass(std::string_view className) const;
+    const ClassInfo* FindClass(const Guid& clsid) const;
+    const EnumInfo* FindEnum(std::string_view enumName) const;
+};
+
+// The library's type information.
+const TypeLibrary& Kelvarin();
+
+}  // namespace kelvarin::library
