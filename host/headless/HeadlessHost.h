@@ -1,0 +1,138 @@
+// A host without a display: controls draw into memory rasters, the clock
+// and timers move only when told, the pointer is wherever it is put. Used by
+// the script host and the tests.
+//
+// Sections: controls; clock and timers; input and focus; records.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "host/Control.h"
+#include "host/headless/Raster.h"
+
+namespace kelvarin::host::headless {
+
+class HeadlessHost;
+
+// What the host recorded for the script's "events" and "notified".
+struct EventRecord {
+    std::string control;
+    std::string name;
+    std::vector<Variant> args;
+};
+struct NotificationRecord {
+    std::string control;
+    std::string property;
+};
+
+// One control on the headless form, with its site.
+class Placed : public ControlSite {
+public:
+    Placed(HeadlessHost& host, std::string name, std::unique_ptr<Control> control);
+    ~Placed() override;
+
+    const std::string& Name() const noexcept { return name_; }
+    Control& Get() noexcept { return *control_; }
+    Point Position() const noexcept { return position_; }
+    Size OuterSize() const noexcept { return {raster_->width, raster_->height}; }
+    const Raster& Pixels() const noexcept { return *raster_; }
+    bool pointerOver = false;
+
+    void MoveTo(Point screen) noexcept { position_ = screen; }
+    // Sets the outer size, keeping what fits, and paints the border.
+    void SetOuterSize(Size size);
+    // Repaints the border (after the surface properties change).
+    void PaintFrame();
+
+    // ---- ControlSite
+    void PropertyChanged(std::string_view name) override;
+    void RaiseEvent(int number, std::string_view name, std::span<Variant> args) override;
+    std::shared_ptr<Font> AmbientFont() override;
+    bool AmbientDisplayAsDefault() override;
+    std::string ExtenderName() override { return name_; }
+    double ExtenderLeft() override;
+    double ExtenderTop() override;
+    double ExtenderWidth() override;
+    double ContainerUnitsPerPixel() override;
+    Surface& ClientSurface() override { return client_; }
+    void Refresh() override {}
+    std::unique_ptr<Timer> CreateTimer(TimerCallback onTick) override;
+    std::uint32_t TickCount() override;
+    Date Now() override;
+    bool IsPointerOver() override { return pointerOver; }
+    Size ScreenSize() override;
+    Point ClientToScreen(Point client) override;
+    void DoEvents() override {}
+    void ShowModal(Popup& popup, Point screen) override;
+    const Locale& UserLocale() override;
+
+private:
+    HeadlessHost& host_;
+    std::string name_;
+    std::unique_ptr<Control> control_;
+    std::shared_ptr<Raster> raster_;
+    RasterSurface client_;
+    Point position_;
+};
+
+class HeadlessHost {
+public:
+    HeadlessHost();
+    ~HeadlessHost();
+    HeadlessHost(const HeadlessHost&) = delete;
+    HeadlessHost& operator=(const HeadlessHost&) = delete;
+
+    // ---- Controls
+    // Sites a new control under NAME at the given outer size; the caller
+    // then runs InitProperties or ReadProperties and Show.
+    Placed& Add(std::string name, std::unique_ptr<Control> control, Size size);
+    Placed* Find(std::string_view name);
+    // Terminates and removes one control, or all of them.
+    void Remove(std::string_view name);
+    void Clear();
+    std::vector<Placed*> Controls();
+
+    // ---- Settings
+    double unitsPerPixel = 1.0;  // 15 when the container measures in twips
+    Size screen = {1024, 768};
+    std::shared_ptr<Font> ambientFont = std::make_shared<Font>("Sans Serif", 8.0);
+    bool displayAsDefault = false;
+    Date today;  // 2026-11-22 until the script says otherwise
+    const Locale* locale;
+    // Runs while a popup is modal; without one, the popup loses activation at once.
+    std::function<void(Popup&, Point)> modalLoop;
+    Popup* openPopup = nullptr;
+
+    // ---- Clock and timers
+    std::uint32_t TickCount() const noexcept { return tick_; }
+    void SetTickCount(std::uint32_t tick) noexcept { tick_ = tick; }
+    // Moves the clock on, firing due timers in time order (ties: oldest timer first).
+    void Advance(std::uint32_t milliseconds);
+
+    // ---- Input and focus
+    Placed* Focused() noexcept { return focused_; }
+    // Moves the focus; false when the focused control keeps it.
+    bool SetFocus(Placed* target);
+
+    // ---- Records for the script
+    std::vector<EventRecord> events;
+    std::vector<NotificationRecord> notifications;
+
+private:
+    friend class Placed;
+    friend class ManualTimer;
+    struct TimerSlot;
+    std::vector<std::unique_ptr<Placed>> placed_;
+    Placed* focused_ = nullptr;
+    std::uint32_t tick_ = 1000;
+    std::uint64_t elapsed_ = 0;  // milliseconds since the host started, never wraps
+    std::vector<TimerSlot*> timers_;
+    std::uint64_t timerSerial_ = 0;
+};
+
+}  // namespace kelvarin::host::headless

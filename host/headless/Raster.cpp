@@ -1,0 +1,161 @@
+#include "host/headless/Raster.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+#include "common/Numeric.h"
+#include "host/TextLayout.h"
+
+namespace kelvarin::host::headless {
+
+void Raster::Resize(int w, int h, OLE_COLOR fill) {
+    width = std::max(w, 0);
+    height = std::max(h, 0);
+    bgr.assign(static_cast<std::size_t>(width) * height * 3, 0);
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width; ++x) Put(x, y, fill);
+}
+
+OLE_COLOR Raster::Get(int x, int y) const {
+    const std::size_t i = (static_cast<std::size_t>(y) * width + x) * 3;
+    return RGB(bgr[i + 2], bgr[i + 1], bgr[i]);
+}
+
+void Raster::Put(int x, int y, OLE_COLOR color) {
+    const std::size_t i = (static_cast<std::size_t>(y) * width + x) * 3;
+    bgr[i] = static_cast<std::uint8_t>(BlueOf(color));
+    bgr[i + 1] = static_cast<std::uint8_t>(GreenOf(color));
+    bgr[i + 2] = static_cast<std::uint8_t>(RedOf(color));
+}
+
+int CharWidth(const Font& font) {
+    return static_cast<int>(RoundHalfEven(font.size * 7.0 / 8.0)) + (font.bold ? 1 : 0);
+}
+
+int LineHeight(const Font& font) { return static_cast<int>(RoundHalfEven(font.size * 15.0 / 8.0)); }
+
+bool RasterSurface::Inside(int x, int y) const noexcept {
+    const int ax = x + view_.left;
+    const int ay = y + view_.top;
+    return x >= 0 && y >= 0 && ax < view_.right && ay < view_.bottom && ax >= 0 && ay >= 0 &&
+           ax < raster_->width && ay < raster_->height;
+}
+
+void RasterSurface::SetPixel(Point p, OLE_COLOR color) {
+    if (Inside(p.x, p.y)) raster_->Put(p.x + view_.left, p.y + view_.top, color);
+}
+
+OLE_COLOR RasterSurface::GetPixel(Point p) const {
+    return Inside(p.x, p.y) ? raster_->Get(p.x + view_.left, p.y + view_.top) : 0;
+}
+
+void RasterSurface::FillRect(const Rect& rect, OLE_COLOR color) {
+    const int l = std::max(rect.left, 0), t = std::max(rect.top, 0);
+    const int r = std::min(rect.right, Width()), b = std::min(rect.bottom, Height());
+    for (int y = t; y < b; ++y)
+        for (int x = l; x < r; ++x) SetPixel({x, y}, color);
+}
+
+void RasterSurface::DrawLine(Point from, Point to, OLE_COLOR color) {
+    // Bresenham, leaving out the end point as the platform does.
+    int x = from.x, y = from.y;
+    const int dx = std::abs(to.x - x), dy = -std::abs(to.y - y);
+    const int sx = x < to.x ? 1 : -1, sy = y < to.y ? 1 : -1;
+    int err = dx + dy;
+    while (x != to.x || y != to.y) {
+        SetPixel({x, y}, color);
+        const int e2 = 2 * err;
+        if (e2 >= dy) {
+            err += dy;
+            x += sx;
+        }
+        if (e2 <= dx) {
+            err += dx;
+            y += sy;
+        }
+    }
+}
+
+Size RasterSurface::MeasureText(std::string_view text, const Font& font) {
+    return {CharacterCount(text) * CharWidth(font), LineHeight(font)};
+}
+
+int RasterSurface::DrawText(std::string_view text, Rect& rect, unsigned format, const Font& font,
+                            OLE_COLOR color) {
+    const int cw = CharWidth(font);
+    const int lh = LineHeight(font);
+    const TextLayout layout = LayoutText(
+        text, rect, format, [cw](std::string_view s) { return CharacterCount(s) * cw; }, lh);
+    if (format & DT_CALCRECT) {
+        rect.right = rect.left + layout.width;
+        rect.bottom = rect.top + layout.height;
+        return layout.height;
+    }
+    for (const TextLine& line : layout.lines) {
+        int x = line.x;
+        std::size_t i = 0;
+        while (i < line.text.size()) {
+            const unsigned char c = static_cast<unsigned char>(line.text[i]);
+            std::size_t len = 1;
+            while (i + len < line.text.size() &&
+                   (static_cast<unsigned char>(line.text[i + len]) & 0xC0) == 0x80)
+                ++len;
+            if (c != ' ') FillRect({x, line.y + 2, x + cw - 1, line.y + lh - 2}, color);
+            if (static_cast<int>(i) == line.accessIndex)
+                FillRect({x, line.y + lh - 1, x + cw, line.y + lh}, color);
+            x += cw;
+            i += len;
+        }
+    }
+    return layout.height;
+}
+
+void RasterSurface::DrawFocusRect(const Rect& rect) {
+    // A dotted outline drawn by inverting every other pixel.
+    const auto invert = [&](int x, int y) {
+        if ((x + y) % 2 == 0) SetPixel({x, y}, GetPixel({x, y}) ^ 0x00FFFFFF);
+    };
+    for (int x = rect.left; x < rect.right; ++x) {
+        invert(x, rect.top);
+        if (rect.bottom - 1 > rect.top) invert(x, rect.bottom - 1);
+    }
+    for (int y = rect.top + 1; y < rect.bottom - 1; ++y) {
+        invert(rect.left, y);
+        if (rect.right - 1 > rect.left) invert(rect.right - 1, y);
+    }
+}
+
+void RasterSurface::BlitBGR(const std::uint8_t* bits, int width, int height, int stride,
+                            Point dest, Rect source) {
+    // Clip the source to the bitmap, then the destination to the view and raster.
+    source.left = std::max(source.left, 0);
+    source.top = std::max(source.top, 0);
+    source.right = std::min(source.right, width);
+    source.bottom = std::min(source.bottom, height);
+    int dx = dest.x + view_.left, dy = dest.y + view_.top;
+    const int clipLeft = std::max(view_.left, 0), clipTop = std::max(view_.top, 0);
+    const int clipRight = std::min(view_.right, raster_->width);
+    const int clipBottom = std::min(view_.bottom, raster_->height);
+    if (dx < clipLeft) {
+        source.left += clipLeft - dx;
+        dx = clipLeft;
+    }
+    if (dy < clipTop) {
+        source.top += clipTop - dy;
+        dy = clipTop;
+    }
+    const int w = std::min(source.Width(), clipRight - dx);
+    const int h = std::min(source.Height(), clipBottom - dy);
+    if (w <= 0 || h <= 0) return;
+    // Both sides hold blue, green, red: each row is one copy.
+    for (int r = 0; r < h; ++r) {
+        const int sy = source.top + r;
+        const std::uint8_t* from =
+            bits + static_cast<std::ptrdiff_t>(height - 1 - sy) * stride + source.left * 3;
+        std::uint8_t* to =
+            raster_->bgr.data() + (static_cast<std::size_t>(dy + r) * raster_->width + dx) * 3;
+        std::copy(from, from + static_cast<std::ptrdiff_t>(w) * 3, to);
+    }
+}
+
+}  // namespace kelvarin::host::headless

@@ -1,0 +1,59 @@
+// The headless host's pixels: a 24-bit image, top-down rows of blue, green,
+// red bytes, and a Surface that draws into a rectangle of it.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "host/Surface.h"
+
+namespace kelvarin::host::headless {
+
+struct Raster {
+    int width = 0;
+    int height = 0;
+    std::vector<std::uint8_t> bgr;  // width * 3 bytes a row, top row first
+
+    void Resize(int w, int h, OLE_COLOR fill);
+    OLE_COLOR Get(int x, int y) const;
+    void Put(int x, int y, OLE_COLOR color);
+};
+
+// The headless font metrics: every character is round-half-even(S * 7 / 8)
+// pixels wide (one more when bold) and every line round-half-even(S * 15 / 8)
+// pixels high, for a font of S points, whatever the face.
+int CharWidth(const Font& font);
+int LineHeight(const Font& font);
+
+// Draws into `view` of the raster (coordinates relative to its top-left,
+// everything clipped to it). Text shows as one solid block per visible
+// character, so that scripts can find it by its pixels.
+class RasterSurface : public Surface {
+public:
+    RasterSurface(std::shared_ptr<Raster> raster, Rect view)
+        : raster_(std::move(raster)), view_(view) {}
+
+    void SetView(Rect view) noexcept { view_ = view; }
+    Rect View() const noexcept { return view_; }
+
+    int Width() const override { return view_.Width(); }
+    int Height() const override { return view_.Height(); }
+    void FillRect(const Rect& rect, OLE_COLOR color) override;
+    void DrawLine(Point from, Point to, OLE_COLOR color) override;
+    void SetPixel(Point p, OLE_COLOR color) override;
+    OLE_COLOR GetPixel(Point p) const override;
+    int DrawText(std::string_view text, Rect& rect, unsigned format, const Font& font,
+                 OLE_COLOR color) override;
+    Size MeasureText(std::string_view text, const Font& font) override;
+    void DrawFocusRect(const Rect& rect) override;
+    void BlitBGR(const std::uint8_t* bits, int width, int height, int stride, Point dest,
+                 Rect source) override;
+
+private:
+    bool Inside(int x, int y) const noexcept;
+    std::shared_ptr<Raster> raster_;
+    Rect view_;
+};
+
+}  // namespace kelvarin::host::headless
