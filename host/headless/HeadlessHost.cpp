@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cctype>
 #include <exception>
+#include <utility>
 
 #include "common/HostError.h"
 
@@ -182,6 +183,16 @@ void HeadlessHost::Clear() {
     focused_ = nullptr;
     for (auto& p : placed_) p->Get().Terminate();
     placed_.clear();
+}
+
+std::vector<std::unique_ptr<Placed>> HeadlessHost::DetachAll() {
+    focused_ = nullptr;
+    return std::exchange(placed_, {});
+}
+
+void HeadlessHost::AttachAll(std::vector<std::unique_ptr<Placed>> controls) {
+    Clear();
+    placed_ = std::move(controls);
 }
 
 std::vector<Placed*> HeadlessHost::Controls() {

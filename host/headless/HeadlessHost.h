@@ -96,6 +96,10 @@ public:
     void Remove(std::string_view name);
     void Clear();
     std::vector<Placed*> Controls();
+    // Takes every control off the form without terminating it, and puts
+    // such a set back: a form load builds the new set beside the old one.
+    std::vector<std::unique_ptr<Placed>> DetachAll();
+    void AttachAll(std::vector<std::unique_ptr<Placed>> controls);
 
     // ---- Settings
     double unitsPerPixel = 1.0;  // 15 when the container measures in twips

@@ -1,0 +1,344 @@
+#include "host/FormFile.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cmath>
+#include <cstdio>
+#include <fstream>
+#include <sstream>
+
+#include <nlohmann/json.hpp>
+
+#include "common/DateTime.h"
+#include "common/Font.h"
+
+namespace kelvarin::host {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+constexpr std::size_t kMaxText = 64u << 20;
+constexpr int kMaxDepth = 32;
+constexpr std::size_t kMaxControls = 10000;
+constexpr int kMaxCoordinate = 1000000;
+constexpr int kMaxSize = 32767;
+
+std::vector<ObjectCodec>& Codecs() {
+    static std::vector<ObjectCodec> codecs;
+    return codecs;
+}
+
+[[noreturn]] void Fail(const std::string& place, const std::string& what) {
+    throw FormError(place + ": " + what);
+}
+
+const char* KindOf(const Variant& v) {
+    if (v.IsNumeric()) return "a number";
+    switch (v.Type()) {
+        case VarType::String: return "a text";
+        case VarType::Object: return "an object";
+        case VarType::Null: return "Null";
+        default: return "a value";
+    }
+}
+
+// ---- Writing ------------------------------------------------------------------
+
+std::string IsoText(Date d) {
+    const DateParts p = SplitDate(d);
+    char buf[32];
+    std::snprintf(buf, sizeof buf, "%04d-%02d-%02dT%02d:%02d:%02d", p.year, p.month, p.day,
+                  p.hour, p.minute, p.second);
+    return buf;
+}
+
+Json Encode(const Variant& v, const std::string& place) {
+    switch (v.Type()) {
+        case VarType::Empty: return Json{{"empty", true}};
+        case VarType::Null: return nullptr;
+        case VarType::Boolean: return v.ToBoolean();
+        case VarType::Integer:
+        case VarType::Long: return v.ToLong();
+        case VarType::Single:
+        case VarType::Double: return v.ToDouble();
+        case VarType::Date: return Json{{"date", IsoText(v.ToDate())}};
+        case VarType::String: return v.ToString();
+        case VarType::Object: {
+            const auto object = v.ToObject();
+            if (!object) return Json{{"nothing", true}};
+            if (const auto* font = dynamic_cast<const Font*>(object.get())) {
+                return Json{{"font",
+                             {{"name", font->name},
+                              {"size", font->size},
+                              {"bold", font->bold},
+                              {"italic", font->italic},
+                              {"underline", font->underline},
+                              {"strikethrough", font->strikethrough}}}};
+            }
+            for (const ObjectCodec& codec : Codecs())
+                if (codec.typeName == object->TypeName()) return Json{{codec.key, codec.encode(*object)}};
+            Fail(place, "cannot store an object of type " + object->TypeName());
+        }
+    }
+    Fail(place, "cannot store this value");
+}
+
+// ---- Reading ------------------------------------------------------------------
+
+// Refuses nesting deeper than the limit before the parser sees the text.
+void CheckDepth(std::string_view text, std::string_view source) {
+    int depth = 0;
+    bool inString = false;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const char c = text[i];
+        if (inString) {
+            if (c == '\\') ++i;
+            else if (c == '"') inString = false;
+        } else if (c == '"') {
+            inString = true;
+        } else if (c == '{' || c == '[') {
+            if (++depth > kMaxDepth)
+                Fail(std::string(source), "nested more than " + std::to_string(kMaxDepth) + " deep");
+        } else if (c == '}' || c == ']') {
+            --depth;
+        }
+    }
+}
+
+const Json& Member(const Json& object, const char* key, const std::string& place) {
+    const auto it = object.find(key);
+    if (it == object.end()) Fail(place, std::string("missing \"") + key + "\"");
+    return *it;
+}
+
+std::string Text(const Json& j, const std::string& place, std::size_t maxLength = 1u << 20) {
+    if (!j.is_string()) Fail(place, "expected a text");
+    const auto& s = j.get_ref<const std::string&>();
+    if (s.size() > maxLength) Fail(place, "text too long");
+    return s;
+}
+
+bool Flag(const Json& j, const std::string& place) {
+    if (!j.is_boolean()) Fail(place, "expected true or false");
+    return j.get<bool>();
+}
+
+double Number(const Json& j, const std::string& place) {
+    if (!j.is_number()) Fail(place, "expected a number");
+    const double v = j.get<double>();
+    if (!std::isfinite(v)) Fail(place, "number out of range");
+    return v;
+}
+
+int Whole(const Json& j, const std::string& place, int min, int max) {
+    const double v = Number(j, place);
+    if (v != std::floor(v)) Fail(place, "expected a whole number");
+    if (v < min || v > max)
+        Fail(place, "out of range " + std::to_string(min) + " to " + std::to_string(max));
+    return static_cast<int>(v);
+}
+
+Date ParseIso(const std::string& s, const std::string& place) {
+    int y, mo, d, h = 0, mi = 0, se = 0;
+    char tail = 0;
+    const int n = std::sscanf(s.c_str(), "%5d-%2d-%2dT%2d:%2d:%2d%c", &y, &mo, &d, &h, &mi, &se, &tail);
+    if ((n != 3 && n != 6) || y < 100 || y > 9999 || mo < 1 || mo > 12 || d < 1 ||
+        d > DaysInMonth(y, mo) || h < 0 || h > 23 || mi < 0 || mi > 59 || se < 0 || se > 59) {
+        Fail(place, "expected a date as YYYY-MM-DD or YYYY-MM-DDTHH:MM:SS");
+    }
+    return CombineDateTime(DateSerial(y, mo, d), (h * 3600 + mi * 60 + se) / 86400.0);
+}
+
+Variant Decode(const Json& j, const std::string& place) {
+    switch (j.type()) {
+        case Json::value_t::null: return Variant::Null();
+        case Json::value_t::boolean: return Variant(j.get<bool>());
+        case Json::value_t::number_integer:
+        case Json::value_t::number_unsigned:
+        case Json::value_t::number_float: {
+            const double v = Number(j, place);
+            if (v == std::floor(v) && v >= -2147483648.0 && v <= 2147483647.0)
+                return Variant(static_cast<Long>(v));
+            return Variant(v);
+        }
+        case Json::value_t::string: return Variant(Text(j, place));
+        case Json::value_t::object: {
+            if (j.size() != 1) Fail(place, "expected an object with one key");
+            const auto& [key, value] = *j.items().begin();
+            const std::string inner = place + "." + key;
+            if (key == "date") return Variant::FromDate(ParseIso(Text(value, inner), inner));
+            if (key == "nothing") return Variant::Nothing();
+            if (key == "empty") return Variant();
+            if (key == "font") {
+                if (!value.is_object()) Fail(inner, "expected an object");
+                auto font = std::make_shared<Font>();
+                font->name = Text(Member(value, "name", inner), inner + ".name", 256);
+                font->size = Number(Member(value, "size", inner), inner + ".size");
+                if (font->size <= 0 || font->size > 2048) Fail(inner + ".size", "out of range");
+                for (auto [flag, field] : {std::pair{"bold", &font->bold}, {"italic", &font->italic},
+                                           {"underline", &font->underline},
+                                           {"strikethrough", &font->strikethrough}}) {
+                    const auto it = value.find(flag);
+                    if (it != value.end()) *field = Flag(*it, inner + "." + flag);
+                }
+                return Variant(std::shared_ptr<Object>(font));
+            }
+            for (const ObjectCodec& codec : Codecs()) {
+                if (codec.key != key) continue;
+                try {
+                    return Variant(codec.decode(Text(value, inner, kMaxText)));
+                } catch (const FormError&) {
+                    throw;
+                } catch (const std::exception& e) {
+                    Fail(inner, e.what());
+                }
+            }
+            Fail(place, "unknown kind of value \"" + key + "\"");
+        }
+        case Json::value_t::array:
+        case Json::value_t::binary:
+        case Json::value_t::discarded:
+            break;
+    }
+    Fail(place, "unexpected value");
+}
+
+bool IsName(const std::string& s) {
+    if (s.empty() || s.size() > 64 || !(std::isalpha(static_cast<unsigned char>(s[0])) || s[0] == '_'))
+        return false;
+    for (char c : s)
+        if (!std::isalnum(static_cast<unsigned char>(c)) && c != '_') return false;
+    return true;
+}
+
+std::string Lower(std::string s) {
+    for (char& c : s) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    return s;
+}
+
+}  // namespace
+
+void RegisterObjectCodec(ObjectCodec codec) {
+    for (ObjectCodec& c : Codecs()) {
+        if (c.typeName == codec.typeName) {
+            c = std::move(codec);
+            return;
+        }
+    }
+    Codecs().push_back(std::move(codec));
+}
+
+Variant FormPropertyBag::ReadProperty(std::string_view name, const Variant& defaultValue) {
+    Variant v = stored_.ReadProperty(name, defaultValue);
+    const bool fits = defaultValue.IsEmpty() || v.IsNull() ||
+                      (defaultValue.IsNumeric() ? v.IsNumeric() : v.Type() == defaultValue.Type());
+    if (!fits) {
+        throw FormError(place_ + "." + std::string(name) + ": expected " + KindOf(defaultValue) +
+                        ", found " + KindOf(v));
+    }
+    return v;
+}
+
+void FormPropertyBag::WriteProperty(std::string_view name, const Variant& value,
+                                    const Variant& defaultValue) {
+    stored_.WriteProperty(name, value, defaultValue);
+}
+
+std::string WriteForm(const Form& form) {
+    Json controls = Json::array();
+    for (std::size_t i = 0; i < form.controls.size(); ++i) {
+        const FormControl& c = form.controls[i];
+        Json properties = Json::object();
+        for (const auto& [name, value] : c.properties.Entries())
+            properties[name] = Encode(value, "controls[" + std::to_string(i) + "]." + name);
+        controls.push_back({{"class", c.className},
+                            {"name", c.name},
+                            {"left", c.left},
+                            {"top", c.top},
+                            {"width", c.width},
+                            {"height", c.height},
+                            {"properties", std::move(properties)}});
+    }
+    Json root = {{"format", "kelvarin-form"}, {"version", 1}, {"controls", std::move(controls)}};
+    return root.dump(2) + "\n";
+}
+
+Form ReadForm(std::string_view text, std::string_view source,
+              const std::function<bool(std::string_view)>& classExists) {
+    const std::string file(source);
+    if (text.size() > kMaxText) Fail(file, "file larger than 64 MiB");
+    CheckDepth(text, source);
+    Json root;
+    try {
+        root = Json::parse(text.begin(), text.end());
+    } catch (const Json::exception& e) {
+        Fail(file, std::string("not a form file: ") + e.what());
+    }
+    if (!root.is_object()) Fail(file, "expected an object");
+    if (Text(Member(root, "format", file), file + ".format") != "kelvarin-form")
+        Fail(file + ".format", "not a Kelvarin form");
+    if (Whole(Member(root, "version", file), file + ".version", 0, 1000) != 1)
+        Fail(file + ".version", "unsupported version");
+    const Json& controls = Member(root, "controls", file);
+    if (!controls.is_array()) Fail(file + ".controls", "expected a list");
+    if (controls.size() > kMaxControls) Fail(file + ".controls", "too many controls");
+
+    Form form;
+    std::vector<std::string> seen;
+    for (std::size_t i = 0; i < controls.size(); ++i) {
+        const std::string place = file + ": controls[" + std::to_string(i) + "]";
+        const Json& c = controls[i];
+        if (!c.is_object()) Fail(place, "expected an object");
+        FormControl fc;
+        fc.className = Text(Member(c, "class", place), place + ".class", 256);
+        if (!classExists(fc.className)) Fail(place + ".class", "unknown class \"" + fc.className + "\"");
+        fc.name = Text(Member(c, "name", place), place + ".name", 256);
+        if (!IsName(fc.name)) Fail(place + ".name", "not a control name: \"" + fc.name + "\"");
+        const std::string key = Lower(fc.name);
+        if (std::find(seen.begin(), seen.end(), key) != seen.end())
+            Fail(place + ".name", "a second control named \"" + fc.name + "\"");
+        seen.push_back(key);
+        fc.left = Whole(Member(c, "left", place), place + ".left", -kMaxCoordinate, kMaxCoordinate);
+        fc.top = Whole(Member(c, "top", place), place + ".top", -kMaxCoordinate, kMaxCoordinate);
+        fc.width = Whole(Member(c, "width", place), place + ".width", 0, kMaxSize);
+        fc.height = Whole(Member(c, "height", place), place + ".height", 0, kMaxSize);
+        const auto props = c.find("properties");
+        if (props != c.end()) {
+            if (!props->is_object()) Fail(place + ".properties", "expected an object");
+            for (const auto& [name, value] : props->items()) {
+                if (name.empty() || name.size() > 64) Fail(place + ".properties", "bad property name");
+                fc.properties.Set(name, Decode(value, place + ".properties." + name));
+            }
+        }
+        form.controls.push_back(std::move(fc));
+    }
+    return form;
+}
+
+void SaveFormFile(const std::filesystem::path& path, const Form& form) {
+    const std::string text = WriteForm(form);
+    // Write beside the target, then rename, so a failed save keeps the old file.
+    std::filesystem::path temp = path;
+    temp += ".tmp";
+    {
+        std::ofstream out(temp, std::ios::binary | std::ios::trunc);
+        if (!out) throw FormError(path.string() + ": cannot write");
+        out << text;
+        if (!out.flush()) throw FormError(path.string() + ": cannot write");
+    }
+    std::error_code ec;
+    std::filesystem::rename(temp, path, ec);
+    if (ec) throw FormError(path.string() + ": " + ec.message());
+}
+
+Form LoadFormFile(const std::filesystem::path& path,
+                  const std::function<bool(std::string_view)>& classExists) {
+    std::ifstream in(path, std::ios::binary);
+    if (!in) throw FormError(path.string() + ": cannot open");
+    std::ostringstream buffer;
+    buffer << in.rdbuf();
+    return ReadForm(buffer.str(), path.filename().string(), classExists);
+}
+
+}  // namespace kelvarin::host
