@@ -1,0 +1,157 @@
+#include "host/FormFile.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "common/Font.h"
+
+namespace kelvarin::host {
+namespace {
+
+bool KnownClass(std::string_view c) { return c == "ProgressBox" || c == "DateBox"; }
+
+std::string ErrorOf(std::string_view text) {
+    try {
+        ReadForm(text, "form.json", KnownClass);
+    } catch (const FormError& e) {
+        return e.what();
+    }
+    return "";
+}
+
+TEST(PropertyBag, DefaultsAreNotStoredAndTheLastWriteWins) {
+    MemoryPropertyBag bag;
+    bag.WriteProperty("Value", Variant(0.0), Variant(Long(0)));  // same number, other type
+    EXPECT_TRUE(bag.Entries().empty());
+    bag.WriteProperty("Value", Variant(5.5), Variant(0.0));
+    bag.WriteProperty("Text", Variant("a"), Variant(""));
+    bag.WriteProperty("Value", Variant(7.0), Variant(0.0));
+    ASSERT_EQ(bag.Entries().size(), 2u);
+    EXPECT_EQ(bag.Entries()[0].first, "Value");
+    EXPECT_EQ(bag.ReadProperty("Value", Variant(0.0)).ToDouble(), 7.0);
+    bag.WriteProperty("Value", Variant(0.0), Variant(0.0));  // back to the default
+    EXPECT_EQ(bag.ReadProperty("Value", Variant(1.0)).ToDouble(), 1.0);
+    auto font = std::make_shared<Font>("Sans Serif", 8.0);
+    bag.WriteProperty("Font", Variant(std::shared_ptr<Object>(font->Clone())),
+                      Variant(std::shared_ptr<Object>(font)));
+    EXPECT_EQ(bag.Entries().size(), 1u);  // an equal font is the default
+}
+
+TEST(FormFile, EveryKindOfValueSurvivesARoundTrip) {
+    Form form;
+    FormControl c;
+    c.className = "DateBox";
+    c.name = "when1";
+    c.left = -5;
+    c.top = 7;
+    c.width = 120;
+    c.height = 21;
+    c.properties.Set("Value", Variant::FromDate(-1.25));
+    c.properties.Set("MaxDate", Variant::FromDate(DateSerial(9999, 12, 31)));
+    c.properties.Set("Nullable", Variant(false));
+    c.properties.Set("Text", Variant("quote \" and è"));
+    c.properties.Set("BackColor", Variant(static_cast<Long>(0x8000000F)));
+    c.properties.Set("Ratio", Variant(0.1));
+    c.properties.Set("Empty", Variant::Null());
+    c.properties.Set("Icon", Variant::Nothing());
+    c.properties.Set("Font", Variant(std::shared_ptr<Object>(
+                                 std::make_shared<Font>("DejaVu Sans", 9.75, true, false, true))));
+    form.controls.push_back(c);
+
+    const Form back = ReadForm(WriteForm(form), "form.json", KnownClass);
+    ASSERT_EQ(back.controls.size(), 1u);
+    const FormControl& b = back.controls[0];
+    EXPECT_EQ(b.className, "DateBox");
+    EXPECT_EQ(b.name, "when1");
+    EXPECT_EQ(b.left, -5);
+    EXPECT_EQ(b.height, 21);
+    const auto& in = c.properties.Entries();
+    const auto& out = b.properties.Entries();
+    ASSERT_EQ(out.size(), in.size());
+    for (std::size_t i = 0; i < in.size(); ++i) {
+        EXPECT_EQ(out[i].first, in[i].first);
+        EXPECT_TRUE(SameValue(out[i].second, in[i].second)) << in[i].first;
+    }
+    EXPECT_EQ(out[0].second.Type(), VarType::Date);
+}
+
+TEST(FormFile, HostileFilesAreRefusedNamingThePlace) {
+    const std::string head = R"({"format":"kelvarin-form","version":1,"controls":[)";
+    const std::string ok = R"({"class":"ProgressBox","name":"bar1","left":0,"top":0,"width":10,"height":10)";
+    const struct {
+        std::string text;
+        std::string expected;
+    } rows[] = {
+        {"", "not a form file"},
+        {head + ok, "not a form file"},  // truncated
+        {"[1,2]", "expected an object"},
+        {R"({"format":"other","version":1,"controls":[]})", "form.json.format: not a Kelvarin form"},
+        {R"({"format":"kelvarin-form","version":2,"controls":[]})", "unsupported version"},
+        {head + ok + R"(,"properties":{"Value":"x"}}, 5]})", "controls[1]: expected an object"},
+        {head + R"({"class":"Nope","name":"a","left":0,"top":0,"width":1,"height":1}]})",
+         "controls[0].class: unknown class \"Nope\""},
+        {head + R"({"class":"DateBox","name":"a b","left":0,"top":0,"width":1,"height":1}]})",
+         "controls[0].name: not a control name"},
+        {head + R"({"class":"DateBox","name":"a","left":0,"top":0,"width":"1","height":1}]})",
+         "controls[0].width: expected a number"},
+        {head + R"({"class":"DateBox","name":"a","left":0,"top":0,"width":-1,"height":1}]})",
+         "controls[0].width: out of range"},
+        {head + R"({"class":"DateBox","name":"a","left":1e300,"top":0,"width":1,"height":1}]})",
+         "controls[0].left: out of range"},
+        {head + ok + R"(},)" + R"({"class":"DateBox","name":"BAR1","left":0,"top":0,"width":1,"height":1}]})",
+         "controls[1].name: a second control named"},
+        {head + ok + R"(,"properties":{"Value":{"date":"2007-02-30"}}}]})",
+         "controls[0].properties.Value.date: expected a date"},
+        {head + ok + R"(,"properties":{"Font":{"font":{"name":"A","size":-3}}}}]})",
+         "controls[0].properties.Font.font.size: out of range"},
+        {head + ok + R"(,"properties":{"Value":[1]}}]})", "controls[0].properties.Value: unexpected value"},
+        {head + ok + R"(,"properties":{"Value":{"blob":"x"}}}]})", "unknown kind of value \"blob\""},
+        {std::string(40, '[') + std::string(40, ']'), "nested more than 32 deep"},
+        {std::string(100000, '{'), "nested more than 32 deep"},
+    };
+    for (const auto& row : rows) {
+        const std::string error = ErrorOf(row.text);
+        EXPECT_NE(error.find(row.expected), std::string::npos)
+            << "input: " << row.text.substr(0, 120) << "\nerror: " << error;
+    }
+}
+
+TEST(FormFile, ReadingAValueOfTheWrongKindNamesIt) {
+    MemoryPropertyBag stored;
+    stored.Set("Value", Variant("fifty"));
+    stored.Set("Text", Variant(Long(3)));
+    FormPropertyBag bag(stored, "bar1");
+    EXPECT_EQ(bag.ReadProperty("Missing", Variant(2.0)).ToDouble(), 2.0);
+    EXPECT_THROW(
+        {
+            try {
+                bag.ReadProperty("Value", Variant(0.0));
+            } catch (const FormError& e) {
+                EXPECT_STREQ(e.what(), "bar1.Value: expected a number, found a text");
+                throw;
+            }
+        },
+        FormError);
+    EXPECT_THROW(bag.ReadProperty("Text", Variant("")), FormError);
+    EXPECT_TRUE(bag.ReadProperty("Value", Variant()).Type() == VarType::String);
+}
+
+TEST(FormFile, SavingReplacesTheFileWhole) {
+    const auto dir = std::filesystem::temp_directory_path() / "kelvarin-form-test";
+    std::filesystem::create_directories(dir);
+    const auto path = dir / "form.json";
+    Form form;
+    form.controls.push_back({"ProgressBox", "bar1", 1, 2, 3, 4, {}});
+    SaveFormFile(path, form);
+    const Form back = LoadFormFile(path, KnownClass);
+    ASSERT_EQ(back.controls.size(), 1u);
+    EXPECT_EQ(back.controls[0].width, 3);
+    EXPECT_FALSE(std::filesystem::exists(dir / "form.json.tmp"));
+    EXPECT_THROW(LoadFormFile(dir / "missing.json", KnownClass), FormError);
+    std::filesystem::remove_all(dir);
+}
+
+}  // namespace
+}  // namespace kelvarin::host

@@ -1,0 +1,168 @@
+#include "host/headless/HeadlessHost.h"
+
+#include <gtest/gtest.h>
+
+#include "common/HostError.h"
+
+namespace kelvarin::host::headless {
+namespace {
+
+// A control that counts its timer's ticks and keeps the focus when asked to.
+class Ticker : public Control {
+public:
+    Ticker(std::vector<std::string>& log, std::string tag) : Control("Ticker"), log_(log), tag_(tag) {}
+    void Show() override {
+        timer_ = Site().CreateTimer([this] {
+            log_.push_back(tag_ + "@" + std::to_string(Site().TickCount()));
+            if (failOnTick) RaiseHostError(HostErrorCode::Overflow);
+        });
+    }
+    Timer& Clock() { return *timer_; }
+    bool QueryLeaveFocus() override { return !keepFocus; }
+    void GotFocus() override { log_.push_back(tag_ + " got focus"); }
+    void LostFocus() override { log_.push_back(tag_ + " lost focus"); }
+    bool keepFocus = false;
+    bool failOnTick = false;
+
+private:
+    std::vector<std::string>& log_;
+    std::string tag_;
+    std::unique_ptr<Timer> timer_;
+};
+
+TEST(HeadlessHost, TimersFireInTimeOrderAndTheTickWraps) {
+    HeadlessHost host;
+    std::vector<std::string> log;
+    auto* a = new Ticker(log, "a");
+    auto* b = new Ticker(log, "b");
+    host.Add("a", std::unique_ptr<Control>(a), {10, 10});
+    host.Add("b", std::unique_ptr<Control>(b), {10, 10});
+    a->Show();
+    b->Show();
+    a->Clock().SetInterval(250);
+    b->Clock().SetInterval(100);
+    a->Clock().SetEnabled(true);
+    b->Clock().SetEnabled(true);
+    host.Advance(300);
+    EXPECT_EQ(log, (std::vector<std::string>{"b@1100", "b@1200", "a@1250", "b@1300"}));
+    EXPECT_EQ(host.TickCount(), 1300u);
+
+    log.clear();
+    b->Clock().SetEnabled(false);
+    a->Clock().SetInterval(50);  // a new interval counts from now
+    host.Advance(120);
+    EXPECT_EQ(log, (std::vector<std::string>{"a@1350", "a@1400"}));
+    EXPECT_THROW(a->Clock().SetInterval(-1), HostError);
+
+    host.SetTickCount(0xFFFFFFF0u);
+    log.clear();
+    a->Clock().SetInterval(10);
+    host.Advance(25);
+    EXPECT_EQ(log, (std::vector<std::string>{"a@4294967290", "a@4"}));
+    EXPECT_EQ(host.TickCount(), 9u);
+
+    // A failing tick is reported once the clock has moved, and others still fire.
+    a->failOnTick = true;
+    b->Clock().SetInterval(10);
+    b->Clock().SetEnabled(true);
+    log.clear();
+    EXPECT_THROW(host.Advance(10), HostError);
+    EXPECT_EQ(log, (std::vector<std::string>{"a@14", "b@19"}));
+    EXPECT_EQ(host.TickCount(), 19u);
+}
+
+TEST(HeadlessHost, FocusMovesUnlessTheFocusedControlKeepsIt) {
+    HeadlessHost host;
+    std::vector<std::string> log;
+    auto* a = new Ticker(log, "a");
+    Placed& pa = host.Add("a", std::unique_ptr<Control>(a), {10, 10});
+    Placed& pb = host.Add("b", std::make_unique<Ticker>(log, "b"), {10, 10});
+    EXPECT_TRUE(host.SetFocus(&pa));
+    a->keepFocus = true;
+    EXPECT_FALSE(host.SetFocus(&pb));
+    EXPECT_EQ(host.Focused(), &pa);
+    a->keepFocus = false;
+    EXPECT_TRUE(host.SetFocus(&pb));
+    EXPECT_EQ(log, (std::vector<std::string>{"a got focus", "a lost focus", "b got focus"}));
+    EXPECT_EQ(host.Find("B"), &pb);
+    host.Remove("b");
+    EXPECT_EQ(host.Focused(), nullptr);
+}
+
+TEST(HeadlessHost, TheBorderShrinksTheClientAreaAndSitesReportGeometry) {
+    HeadlessHost host;
+    host.unitsPerPixel = 15;
+    std::vector<std::string> log;
+    auto control = std::make_unique<Ticker>(log, "t");
+    Control& c = *control;
+    c.SurfaceState().borderStyle = 1;
+    Placed& p = host.Add("t", std::move(control), {50, 20});
+    p.MoveTo({100, 200});
+    EXPECT_EQ(c.ScaleWidth(), 46);  // a 3D border is two pixels wide
+    EXPECT_EQ(c.ScaleHeight(), 16);
+    EXPECT_EQ(p.ExtenderWidth(), 750);
+    EXPECT_EQ(p.ExtenderLeft(), 1500);
+    EXPECT_EQ(p.ClientToScreen({1, 1}), (Point{103, 203}));
+    EXPECT_EQ(p.Pixels().Get(0, 0), TranslateSysColor(SystemColor(COLOR_BTNSHADOW)));
+    EXPECT_EQ(p.Pixels().Get(49, 19), TranslateSysColor(SystemColor(COLOR_BTNHIGHLIGHT)));
+    EXPECT_EQ(p.Pixels().Get(1, 1), TranslateSysColor(SystemColor(COLOR_3DDKSHADOW)));
+    c.SurfaceState().appearance = 0;
+    p.PaintFrame();
+    EXPECT_EQ(c.ScaleWidth(), 48);
+    // The client surface draws inside the border only.
+    c.Site().ClientSurface().FillRect({-5, -5, 100, 100}, RGB(1, 2, 3));
+    EXPECT_EQ(p.Pixels().Get(1, 1), RGB(1, 2, 3));
+    EXPECT_NE(p.Pixels().Get(0, 0), RGB(1, 2, 3));
+    EXPECT_NE(p.Pixels().Get(49, 10), RGB(1, 2, 3));
+}
+
+TEST(RasterSurface, LinesBlitsAndFocusRectangles) {
+    auto raster = std::make_shared<Raster>();
+    raster->Resize(8, 6, RGB(255, 255, 255));
+    RasterSurface s(raster, {1, 1, 7, 5});  // a 6 x 4 view
+    s.DrawLine({0, 0}, {3, 0}, 0);
+    EXPECT_EQ(s.GetPixel({2, 0}), 0u);
+    EXPECT_EQ(s.GetPixel({3, 0}), RGB(255, 255, 255));  // the end point is left out
+    EXPECT_EQ(raster->Get(1, 1), 0u);
+
+    // A 3 x 2 bottom-up source: its last row in memory is its top row.
+    const std::uint8_t bits[] = {1, 1, 1, 2, 2, 2, 3, 3, 3, 0, 0, 0,  // bottom row (+pad)
+                                 4, 4, 4, 5, 5, 5, 6, 6, 6, 0, 0, 0};
+    s.BlitBGR(bits, 3, 2, 12, {4, 2}, {0, 0, 3, 2});
+    EXPECT_EQ(s.GetPixel({4, 2}), RGB(4, 4, 4));
+    EXPECT_EQ(s.GetPixel({5, 3}), RGB(2, 2, 2));
+    EXPECT_EQ(raster->Get(7, 3), RGB(255, 255, 255));  // clipped at the view
+    s.BlitBGR(bits, 3, 2, 12, {-2, -1}, {0, 0, 3, 2});
+    EXPECT_EQ(s.GetPixel({0, 0}), RGB(3, 3, 3));
+
+    s.FillRect({0, 0, 6, 4}, RGB(0, 0, 0));
+    s.DrawFocusRect({0, 0, 4, 3});
+    EXPECT_EQ(s.GetPixel({0, 0}), RGB(255, 255, 255));
+    EXPECT_EQ(s.GetPixel({1, 0}), RGB(0, 0, 0));
+    EXPECT_EQ(s.GetPixel({1, 1}), RGB(0, 0, 0));  // inside stays
+    s.DrawFocusRect({0, 0, 4, 3});  // drawing it twice removes it
+    EXPECT_EQ(s.GetPixel({0, 0}), RGB(0, 0, 0));
+}
+
+TEST(RasterSurface, HeadlessFontMetrics) {
+    auto raster = std::make_shared<Raster>();
+    raster->Resize(100, 40, 0);
+    RasterSurface s(raster, {0, 0, 100, 40});
+    EXPECT_EQ(s.MeasureText("abc", Font("Any", 8)), (Size{21, 15}));
+    EXPECT_EQ(s.MeasureText("è!", Font("Any", 12, true)), (Size{2 * 11, 22}));
+    EXPECT_EQ(CharWidth(Font("Any", 4)), 4);  // 3.5 rounds to even
+    EXPECT_EQ(CharWidth(Font("Any", 20)), 18);  // 17.5 rounds to even
+    Rect r{0, 0, 100, 40};
+    EXPECT_EQ(s.DrawText("ab", r, DT_CALCRECT, Font("Any", 8), 0), 15);
+    EXPECT_EQ(r, (Rect{0, 0, 14, 15}));
+    r = {0, 0, 100, 40};
+    s.DrawText("a", r, DT_SINGLELINE | DT_CENTER | DT_VCENTER, Font("Any", 8), RGB(9, 9, 9));
+    // One block for the one character, at x = (100 - 7) / 2, a pixel apart from the next.
+    EXPECT_EQ(s.GetPixel({46, 14}), RGB(9, 9, 9));
+    EXPECT_EQ(s.GetPixel({51, 24}), RGB(9, 9, 9));
+    EXPECT_EQ(s.GetPixel({45, 14}), 0u);
+    EXPECT_EQ(s.GetPixel({52, 14}), 0u);
+}
+
+}  // namespace
+}  // namespace kelvarin::host::headless
