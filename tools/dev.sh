@@ -2,6 +2,8 @@
 # One entry point for set-up, build and run on Debian 12.
 #   tools/dev.sh test   install what is missing, build, run every test
 #                       (a normal build, then one under address and UB sanitizers)
+#   tools/dev.sh run    install what is missing, build, run the main program
+#                       (the script host on its sample script; more arguments go to it)
 #   tools/dev.sh build  install what is missing and build, nothing else
 # Re-running only rebuilds what changed.
 set -euo pipefail
@@ -46,12 +48,19 @@ test)
     build build-san -DCMAKE_BUILD_TYPE=Debug -DKELVARIN_SANITIZE=ON -DKELVARIN_BENCH=OFF
     run_tests build-san
     ;;
+run)
+    install_missing
+    build build -DCMAKE_BUILD_TYPE=RelWithDebInfo
+    shift
+    if [ $# -eq 0 ]; then set -- apps/host/samples/welcome.khs; fi
+    exec build/apps/host/kelvarin-host "$@"
+    ;;
 build)
     install_missing
     build build -DCMAKE_BUILD_TYPE=RelWithDebInfo
     ;;
 *)
-    echo "usage: tools/dev.sh test|build" >&2
+    echo "usage: tools/dev.sh test|run [SCRIPT]|build" >&2
     exit 2
     ;;
 esac

@@ -1,0 +1,49 @@
+// Runs the script language against the headless host: one command a line.
+#pragma once
+
+#include <istream>
+#include <ostream>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/headless/HeadlessHost.h"
+
+namespace kelvarin::script {
+
+class ScriptHost {
+public:
+    explicit ScriptHost(std::ostream& out);
+
+    // Runs every line of the stream; false when any command failed.
+    bool Run(std::istream& in);
+    // Runs one line (used by Run and by the modal loop of a popup).
+    void Execute(std::string_view line);
+
+    host::headless::HeadlessHost& Host() noexcept { return host_; }
+    bool Failed() const noexcept { return failed_; }
+
+private:
+    void Dispatch(const std::vector<std::string>& words, std::string_view line);
+    void RunModal(host::Popup& popup, host::Point screen);
+    host::headless::Placed& Control(std::string_view name);
+    // "NAME.MEMBER" -> placed control and member name.
+    std::pair<host::headless::Placed*, std::string> Target(std::string_view word);
+    void Save(const std::string& path);
+    void Load(const std::string& path);
+    void Create(const std::string& className, const std::string& name, host::Size size);
+    void SendKey(std::string_view action, int code, int shift);
+    void SendMouse(std::string_view target, std::string_view action, int button, int shift,
+                   double x, double y);
+    void PrintEvents(std::string_view name);
+    void PrintNotifications(std::string_view name);
+    void AfterWrite(host::headless::Placed& placed, int borderBefore);
+
+    std::ostream& out_;
+    host::headless::HeadlessHost host_;
+    std::istream* in_ = nullptr;
+    bool failed_ = false;
+    host::Point popupPosition_;
+};
+
+}  // namespace kelvarin::script

@@ -1,0 +1,219 @@
+#include "apps/host/ScriptHost.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "library/ClassFactory.h"
+
+namespace kelvarin::script {
+namespace {
+
+using library::Access;
+using library::BaseType;
+using library::MemberKind;
+
+// A small control that exercises the frame: a few typed properties, a
+// method, events, a timer, persistence and a focus it can keep.
+class Gauge : public host::Control {
+public:
+    Gauge() : Control("Gauge") {}
+
+    void InitProperties() override { caption_ = Site().ExtenderName(); }
+    void ReadProperties(host::PropertyBag& bag) override {
+        caption_ = bag.ReadProperty("Caption", Variant("")).ToString();
+        count_ = bag.ReadProperty("Count", Variant(Long(0))).ToLong();
+        color_ = static_cast<OLE_COLOR>(bag.ReadProperty("Color", Variant(Long(255))).ToLong());
+    }
+    void WriteProperties(host::PropertyBag& bag) override {
+        bag.WriteProperty("Caption", Variant(caption_), Variant(""));
+        bag.WriteProperty("Count", Variant(count_), Variant(Long(0)));
+        bag.WriteProperty("Color", Variant(static_cast<Long>(color_)), Variant(Long(255)));
+    }
+    void Show() override {
+        timer_ = Site().CreateTimer([this] { Bump(); });
+    }
+    void Paint() override {
+        host::Surface& s = Site().ClientSurface();
+        s.FillRect({0, 0, s.Width(), s.Height()}, TranslateSysColor(color_));
+    }
+    void KeyDown(Integer& keyCode, Integer shift) override {
+        Variant args[] = {Variant(keyCode), Variant(shift)};
+        RaiseEvent(2, "KeyDown", args);
+    }
+    void KeyPress(Integer& keyAscii) override {
+        Variant args[] = {Variant(keyAscii)};
+        RaiseEvent(3, "KeyPress", args);
+    }
+    bool QueryLeaveFocus() override { return caption_ != "stay"; }
+
+    Variant GetProperty(host::DispId id) override {
+        switch (id) {
+            case 1: return Variant(caption_);
+            case 2: return Variant(count_);
+            case 3: return Variant(static_cast<Long>(color_));
+            case 4: return Variant::FromDate(when_);
+            case 6: return Variant(timer_ ? timer_->Interval() : Long(0));
+        }
+        return Control::GetProperty(id);
+    }
+    void PutProperty(host::DispId id, const Variant& v) override {
+        switch (id) {
+            case 1: caption_ = v.ToString(); break;
+            case 2: count_ = v.ToLong(); break;
+            case 3: color_ = static_cast<OLE_COLOR>(v.ToLong()); Paint(); break;
+            case 4: when_ = v.ToDate(); break;
+            case 6:
+                timer_->SetInterval(v.ToLong());
+                timer_->SetEnabled(v.ToLong() > 0);
+                break;
+            default: Control::PutProperty(id, v); return;
+        }
+        PropertyChanged(id == 1 ? "Caption" : id == 2 ? "Count" : id == 3 ? "Color" : "Other");
+    }
+    Variant CallMethod(host::DispId id, std::span<Variant> args) override {
+        if (id == 5) {
+            count_ += args.empty() ? 1 : args[0].ToLong();
+            return Variant(count_);
+        }
+        return Control::CallMethod(id, args);
+    }
+    std::vector<std::string> Dump() const override { return {"count " + std::to_string(count_)}; }
+
+private:
+    void Bump() {
+        ++count_;
+        RaiseEvent(1, "Changed", {});
+    }
+    std::string caption_;
+    Long count_ = 0;
+    OLE_COLOR color_ = 255;
+    Date when_ = 0;
+    std::unique_ptr<host::Timer> timer_;
+};
+
+const library::ClassInfo& GaugeClass() {
+    static const library::ClassInfo info = {
+        "Gauge", {}, "_Gauge", {}, "__Gauge", {},
+        {
+            {"Caption", MemberKind::Property, {BaseType::String}, 1, library::kGet | library::kLet, ""},
+            {"Count", MemberKind::Property, {BaseType::Long}, 2, library::kGet | library::kLet, ""},
+            {"Color", MemberKind::Property, {BaseType::OleColor}, 3, library::kGet | library::kLet, ""},
+            {"When", MemberKind::Property, {BaseType::Date}, 4, library::kGet | library::kLet, ""},
+            {"Bump", MemberKind::Method, {BaseType::Long}, 5, 0, "", false, {{BaseType::Long}}},
+            {"Interval", MemberKind::Property, {BaseType::Long}, 6, library::kGet | library::kLet, ""},
+        },
+        {{1, "Changed", {}, ""},
+         {2, "KeyDown", {{"KeyCode", {BaseType::Integer}}, {"Shift", {BaseType::Integer}}}, ""},
+         {3, "KeyPress", {{"KeyAscii", {BaseType::Integer}}}, ""}},
+    };
+    return info;
+}
+
+std::string Run(const std::string& script, bool* ok = nullptr) {
+    library::ClassRegistry::Instance().Register(GaugeClass(),
+                                                [] { return std::make_unique<Gauge>(); });
+    std::ostringstream out;
+    ScriptHost host(out);
+    std::istringstream in(script);
+    const bool result = host.Run(in);
+    if (ok) *ok = result;
+    return out.str();
+}
+
+TEST(ScriptHost, PropertiesMethodsAndErrors) {
+    bool ok = true;
+    EXPECT_EQ(Run(R"(# a comment
+create Gauge g1 40 10
+get g1.Caption
+let G1.count "12"
+get g1.COUNT
+let g1.Color &H8000000F
+get g1.Color
+let g1.When "2007-12-25"
+get g1.When
+call g1.Bump 3
+let g1.Count abc
+let g1.Count "abc"
+let g1.Nope 1
+get g2.Count
+create Gauge g1
+frobnicate
+echo still "here"
+notified
+)", &ok),
+              R"(g1.Caption = "g1"
+g1.Count = 12
+g1.Color = &H8000000F
+g1.When = #2007-12-25#
+g1.Bump = 15
+error: 0 not a value: abc
+error: 13 Type mismatch
+error: 438 Object doesn't support this property or method
+error: 0 no control named g2
+error: 0 usage: create CLASS NAME [WIDTH HEIGHT]
+error: 0 unknown command frobnicate
+still "here"
+g1 notified Count
+g1 notified Color
+g1 notified Other
+)");
+    EXPECT_FALSE(ok);
+    EXPECT_TRUE((Run("echo fine\n", &ok), ok));
+}
+
+TEST(ScriptHost, KeysFocusTimersAndPixels) {
+    EXPECT_EQ(Run(R"(create Gauge a 4 4
+create Gauge b 4 4
+key down 13
+focus a
+stroke 65 1
+stroke 37
+type 7x
+let a.Caption "stay"
+focus b
+let a.Interval 100
+tick 250
+dump a
+events
+pixel a 0 0
+let a.Color &H00123456
+pixel a 3 3
+)"),
+              R"(error: 0 no control has the focus
+focus refused
+count 2
+a.KeyDown(65, 1)
+a.KeyPress(65)
+a.KeyDown(37, 0)
+a.KeyDown(55, 0)
+a.KeyPress(55)
+a.KeyDown(88, 0)
+a.KeyPress(120)
+a.Changed()
+a.Changed()
+&H000000FF
+&H00123456
+)");
+}
+
+TEST(ScriptHost, SaveAndLoadKeepTheOldFormWhenAFileIsBad) {
+    const auto dir = std::filesystem::temp_directory_path() / "kelvarin-script-test";
+    std::filesystem::create_directories(dir);
+    const std::string good = (dir / "good.json").string();
+    const std::string bad = (dir / "bad.json").string();
+    std::ofstream(bad) << R"({"format":"kelvarin-form","version":1,"controls":[)"
+                          R"({"class":"Gauge","name":"x","left":0,"top":0,"width":5,"height":5,)"
+                          R"("properties":{"Count":"many"}}]})";
+    EXPECT_EQ(Run("create Gauge g1 10 10\nlet g1.Count 7\nmove g1 3 4\nsave " + good +
+                  "\ndestroy g1\ncreate Gauge other 5 5\nload " + good +
+                  "\nget g1.Count\nget other.Count\nload " + bad + "\nget g1.Count\n"),
+              "g1.Count = 7\nerror: 0 no control named other\nerror: 0 " + bad +
+                  ": x.properties.Count: expected a number, found a text\ng1.Count = 7\n");
+    std::filesystem::remove_all(dir);
+}
+
+}  // namespace
+}  // namespace kelvarin::script

@@ -1,0 +1,18 @@
+# Runs one acceptance script and compares what it prints with NAME.out.
+# A script may end with status 1 (a command failed on purpose); a crash fails.
+file(REMOVE_RECURSE ${WORKDIR})
+file(MAKE_DIRECTORY ${WORKDIR})
+execute_process(COMMAND ${HOST} ${SCRIPT}
+                WORKING_DIRECTORY ${WORKDIR}
+                OUTPUT_VARIABLE actual
+                ERROR_VARIABLE errors
+                RESULT_VARIABLE status)
+if(NOT status MATCHES "^[01]$")
+  message(FATAL_ERROR "kelvarin-host ended with ${status}\n${errors}")
+endif()
+file(READ ${EXPECTED} expected)
+if(NOT actual STREQUAL expected)
+  file(WRITE ${WORKDIR}/actual.out "${actual}")
+  execute_process(COMMAND diff -u ${EXPECTED} ${WORKDIR}/actual.out OUTPUT_VARIABLE difference)
+  message(FATAL_ERROR "output differs from ${EXPECTED}:\n${difference}")
+endif()
