@@ -19,6 +19,8 @@ const char* HostError::Text(HostErrorCode code) noexcept {
         case HostErrorCode::InvalidPropertyValue: return "Invalid property value";
         case HostErrorCode::ObjectDoesNotSupport:
             return "Object doesn't support this property or method";
+        case HostErrorCode::WrongNumberOfArguments:
+            return "Wrong number of arguments or invalid property assignment";
     }
     return "Application-defined or object-defined error";
 }

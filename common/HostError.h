@@ -16,6 +16,7 @@ enum class HostErrorCode : int {
     InvalidUseOfNull = 94,
     InvalidPropertyValue = 380,
     ObjectDoesNotSupport = 438,
+    WrongNumberOfArguments = 450,
 };
 
 class HostError : public std::runtime_error {
