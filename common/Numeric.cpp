@@ -67,10 +67,7 @@ Long IntDiv(Long a, Long b) {
 }
 
 double Divide(double a, double b) {
-    if (b == 0.0) {
-        RaiseHostError(a == 0.0 || std::isnan(a) ? HostErrorCode::Overflow
-                                                  : HostErrorCode::DivisionByZero);
-    }
+    if (b == 0.0) RaiseHostError(HostErrorCode::DivisionByZero);
     return CheckFinite(a / b);
 }
 

@@ -33,8 +33,8 @@ Long CheckedMul(Long a, Long b);
 // Integer division truncating towards zero; Division by zero (11) for b = 0.
 Long IntDiv(Long a, Long b);
 
-// Floating division as the runtime does it: x / 0 raises Division by zero
-// (11), 0 / 0 and a result too large for a Double raise Overflow (6).
+// Floating division: a zero divisor raises Division by zero (11), a result
+// too large for a Double raises Overflow (6).
 double Divide(double a, double b);
 // A Double result that left the finite range is an Overflow (6).
 double CheckFinite(double x);

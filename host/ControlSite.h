@@ -42,6 +42,9 @@ public:
     // Container units per pixel: 1 for a container measuring in pixels, 15 in twips.
     virtual double ContainerUnitsPerPixel() = 0;
 
+    // The control window's handle as the host numbers windows (the hWnd property).
+    virtual Long WindowHandle() = 0;
+
     // ---- Drawing
     // The control's client area (inside the border the host draws).
     virtual Surface& ClientSurface() = 0;

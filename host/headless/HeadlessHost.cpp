@@ -78,7 +78,8 @@ Placed::Placed(HeadlessHost& host, std::string name, std::unique_ptr<Control> co
       name_(std::move(name)),
       control_(std::move(control)),
       raster_(std::make_shared<Raster>()),
-      client_(raster_, {}) {
+      client_(raster_, {}),
+      handle_(host.nextHandle_ += 2) {
     control_->SetSite(this);
 }
 

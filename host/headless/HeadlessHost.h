@@ -59,6 +59,7 @@ public:
     double ExtenderTop() override;
     double ExtenderWidth() override;
     double ContainerUnitsPerPixel() override;
+    Long WindowHandle() override { return handle_; }
     Surface& ClientSurface() override { return client_; }
     void Refresh() override {}
     std::unique_ptr<Timer> CreateTimer(TimerCallback onTick) override;
@@ -78,6 +79,7 @@ private:
     std::shared_ptr<Raster> raster_;
     RasterSurface client_;
     Point position_;
+    Long handle_;
 };
 
 class HeadlessHost {
@@ -137,6 +139,7 @@ private:
     std::uint64_t elapsed_ = 0;  // milliseconds since the host started, never wraps
     std::vector<TimerSlot*> timers_;
     std::uint64_t timerSerial_ = 0;
+    Long nextHandle_ = 0x10010;
 };
 
 }  // namespace kelvarin::host::headless

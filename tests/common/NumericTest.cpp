@@ -59,7 +59,7 @@ TEST(Numeric, CheckedArithmeticRaisesInsteadOfWrapping) {
     EXPECT_EQ(ErrorOf([&] { IntDiv(kMin, -1); }), 6);
     EXPECT_EQ(Divide(1, 4), 0.25);
     EXPECT_EQ(ErrorOf([] { Divide(1, 0); }), 11);
-    EXPECT_EQ(ErrorOf([] { Divide(0, 0); }), 6);
+    EXPECT_EQ(ErrorOf([] { Divide(0, 0); }), 11);
     EXPECT_EQ(ErrorOf([] { Divide(1e308, 1e-308); }), 6);
 }
 
