@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -22,8 +23,10 @@ struct Guid {
     std::array<std::uint8_t, 8> data4{};
 
     friend bool operator==(const Guid&, const Guid&) = default;
-    // "{XXXXXXXX-XXXX-XXXX-XXXX-XXXXXXXXXXXX}"
+    // "{XXXXXXXX-XXXX-XXXX-XXXX-XXXXXXXXXXXX}", upper-case hexadecimal.
     std::string ToString() const;
+    // Reads that form in either case, braces optional; nothing otherwise.
+    static std::optional<Guid> Parse(std::string_view text);
 };
 
 // The type of a member, argument or result at the boundary.
@@ -84,6 +87,10 @@ struct EnumMemberInfo {
 struct EnumInfo {
     std::string_view name;
     std::vector<EnumMemberInfo> members;  // each member's help string equals its name
+
+    // Case-insensitive; null when there is none.
+    const EnumMemberInfo* FindMember(std::string_view memberName) const;
+    const EnumMemberInfo* FindValue(std::int32_t value) const;
 };
 
 struct ClassInfo {
@@ -100,6 +107,9 @@ struct ClassInfo {
     const MemberInfo* FindMember(std::string_view memberName) const;
     const MemberInfo* FindMember(DispId id) const;
     const EventInfo* FindEvent(std::string_view eventName) const;
+    const EventInfo* FindEvent(int number) const;
+    // "Kelvarin.DateBox"
+    std::string ProgId() const;
 };
 
 struct TypeLibrary {
@@ -119,5 +129,8 @@ struct TypeLibrary {
 
 // The library's type information.
 const TypeLibrary& Kelvarin();
+
+// ASCII case-insensitive equality, the way the host compares names.
+bool NameEquals(std::string_view a, std::string_view b) noexcept;
 
 }  // namespace kelvarin::library
