@@ -1,0 +1,249 @@
+#include "library/Dispatch.h"
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+#include "common/HostError.h"
+#include "host/headless/HeadlessHost.h"
+#include "library/ClassFactory.h"
+#include "tests/library/Probe.h"
+
+namespace kelvarin::library {
+namespace {
+
+using test::Probe;
+
+// Runs `action` and returns the host error number it raised (0 for none).
+template <typename Action>
+int ErrorOf(Action action) {
+    try {
+        action();
+    } catch (const HostError& e) {
+        return e.Number();
+    }
+    return 0;
+}
+
+class PictureStandIn : public Object {
+public:
+    std::string TypeName() const override { return "Picture"; }
+};
+
+class DispatchTest : public ::testing::Test {
+protected:
+    void SetUp() override { test::RegisterProbe(); }
+    Probe probe;
+};
+
+TEST_F(DispatchTest, BindsByNameInAnyCaseAndByDispId) {
+    Let(probe, "Number", Variant(Long{5}));
+    EXPECT_EQ(Get(probe, "NUMBER"), Variant(Long{5}));
+    EXPECT_EQ(Get(probe, "number"), Variant(Long{5}));
+    EXPECT_EQ(Get(probe, DispId{test::kNumber}), Variant(Long{5}));
+
+    Let(probe, DispId{test::kCaption}, Variant("hello"));
+    EXPECT_EQ(Get(probe, "cApTiOn"), Variant("hello"));
+
+    std::vector<Variant> args{Variant(Long{2}), Variant(Long{3})};
+    EXPECT_EQ(Call(probe, "ADD", args), Variant(Long{5}));
+    EXPECT_EQ(Call(probe, DispId{test::kAdd}, args), Variant(Long{5}));
+}
+
+TEST_F(DispatchTest, ConvertsArgumentsToTheMembersType) {
+    Let(probe, "Number", Variant("12"));
+    EXPECT_EQ(probe.values[test::kNumber], Variant(Long{12}));
+
+    Let(probe, "Small", Variant(2.5));  // ties go to even
+    EXPECT_EQ(probe.values[test::kSmall], Variant(Integer{2}));
+    Let(probe, "Small", Variant(3.5));
+    EXPECT_EQ(probe.values[test::kSmall], Variant(Integer{4}));
+
+    Let(probe, "Flag", Variant("True"));
+    EXPECT_EQ(probe.values[test::kFlag], Variant(true));
+    Let(probe, "Flag", Variant(Integer{0}));
+    EXPECT_EQ(probe.values[test::kFlag], Variant(false));
+
+    Let(probe, "Ratio", Variant(0.5));
+    EXPECT_EQ(probe.values[test::kRatio], Variant(Single{0.5f}));
+    Let(probe, "Amount", Variant(Integer{-3}));
+    EXPECT_EQ(probe.values[test::kAmount], Variant(-3.0));
+
+    Let(probe, "When", Variant(Long{2}));
+    EXPECT_EQ(probe.values[test::kWhen], Variant::FromDate(2.0));
+
+    Let(probe, "Caption", Variant(Long{42}));
+    EXPECT_EQ(probe.values[test::kCaption], Variant("42"));
+
+    // An enumeration is a Long by another name; its range is the control's business.
+    Let(probe, "Mode", Variant("7"));
+    EXPECT_EQ(probe.values[test::kMode], Variant(Long{7}));
+}
+
+TEST_F(DispatchTest, VariantMembersTakeTheValueAsItIs) {
+    Let(probe, "Data", Variant::Null());
+    EXPECT_TRUE(probe.values[test::kData].IsNull());
+    Let(probe, "Data", Variant(Integer{3}));
+    EXPECT_EQ(probe.values[test::kData], Variant(Integer{3}));
+    Let(probe, "Data", Variant());
+    EXPECT_TRUE(probe.values[test::kData].IsEmpty());
+}
+
+TEST_F(DispatchTest, ColoursTakeTheirBitsFromALong) {
+    // &H8000000F reads as a negative Long; it is the button-face system colour.
+    Let(probe, "Colour", Variant("&H8000000F"));
+    EXPECT_EQ(static_cast<OLE_COLOR>(probe.values[test::kColour].ToLong()), 0x8000000Fu);
+    Let(probe, "Colour", Variant(Long{-1}));
+    EXPECT_EQ(static_cast<OLE_COLOR>(probe.values[test::kColour].ToLong()), 0xFFFFFFFFu);
+    // The same colour written as an unsigned number.
+    Let(probe, "Colour", Variant(2147483663.0));
+    EXPECT_EQ(static_cast<OLE_COLOR>(probe.values[test::kColour].ToLong()), 0x8000000Fu);
+    Let(probe, "Colour", Variant(Long{0x00FF8000}));
+    EXPECT_EQ(probe.values[test::kColour], Variant(Long{0x00FF8000}));
+
+    EXPECT_EQ(ErrorOf([&] { Let(probe, "Colour", Variant(4294967296.0)); }), 6);
+    EXPECT_EQ(ErrorOf([&] { Let(probe, "Colour", Variant(-2147483649.0)); }), 6);
+    EXPECT_EQ(ErrorOf([&] { Let(probe, "Colour", Variant("red")); }), 13);
+}
+
+TEST_F(DispatchTest, WrongValuesRaiseTheHostsErrors) {
+    EXPECT_EQ(ErrorOf([&] { Let(probe, "Number", Variant("twelve")); }), 13);
+    EXPECT_EQ(ErrorOf([&] { Let(probe, "Number", Variant::Null()); }), 94);
+    EXPECT_EQ(ErrorOf([&] { Let(probe, "Caption", Variant::Null()); }), 94);
+    EXPECT_EQ(ErrorOf([&] { Let(probe, "Small", Variant(Long{40000})); }), 6);
+    EXPECT_EQ(ErrorOf([&] { Let(probe, "When", Variant("not a date")); }), 13);
+    EXPECT_EQ(ErrorOf([&] { Let(probe, "Number", Variant(std::make_shared<Font>())); }), 13);
+    // Nothing reached the control.
+    EXPECT_TRUE(probe.puts.empty());
+
+    try {
+        Let(probe, "Number", Variant("twelve"));
+        FAIL() << "no error";
+    } catch (const HostError& e) {
+        EXPECT_STREQ(e.what(), "Type mismatch");
+    }
+}
+
+TEST_F(DispatchTest, ObjectPropertiesNeedAnObjectOfTheirType) {
+    auto font = std::make_shared<Font>("Serif", 12.0, true);
+    Set(probe, "font", Variant(font));
+    EXPECT_EQ(probe.SurfaceState().font, font);
+
+    // The standard font DISPID reaches the same member.
+    auto other = std::make_shared<Font>("Mono", 9.0);
+    Set(probe, DispId{-512}, Variant(other));
+    EXPECT_EQ(probe.SurfaceState().font, other);
+
+    Set(probe, "Icon", Variant(std::make_shared<PictureStandIn>()));
+    EXPECT_EQ(probe.values[test::kIcon].ToObject()->TypeName(), "Picture");
+    Set(probe, "Icon", Variant::Nothing());
+    EXPECT_EQ(probe.values[test::kIcon].ToObject(), nullptr);
+
+    const std::size_t before = probe.puts.size();
+    EXPECT_EQ(ErrorOf([&] { Set(probe, "Font", Variant(std::make_shared<PictureStandIn>())); }), 13);
+    EXPECT_EQ(ErrorOf([&] { Set(probe, "Icon", Variant(font)); }), 13);
+    EXPECT_EQ(ErrorOf([&] { Set(probe, "Font", Variant("Serif")); }), 13);
+    EXPECT_EQ(ErrorOf([&] { Set(probe, "Font", Variant()); }), 13);
+    EXPECT_EQ(probe.puts.size(), before);
+}
+
+TEST_F(DispatchTest, MissingMembersAndAccessorsRaise438) {
+    std::vector<Variant> none;
+    const auto unsupported = [](auto action) { return ErrorOf(action) == 438; };
+    EXPECT_TRUE(unsupported([&] { Get(probe, "Nonsense"); }));
+    EXPECT_TRUE(unsupported([&] { Get(probe, DispId{999}); }));
+    EXPECT_TRUE(unsupported([&] { Let(probe, "Handle", Variant(Long{1})); }));  // read-only
+    EXPECT_TRUE(unsupported([&] { Get(probe, "Ring"); }));                      // a method
+    EXPECT_TRUE(unsupported([&] { Let(probe, "Ring", Variant()); }));
+    EXPECT_TRUE(unsupported([&] { Set(probe, "Number", Variant(std::make_shared<Font>())); }));
+    EXPECT_TRUE(unsupported([&] { Let(probe, "Font", Variant(std::make_shared<Font>())); }));
+    EXPECT_TRUE(unsupported([&] { Call(probe, "Number", none); }));  // a property
+    EXPECT_TRUE(unsupported([&] { Call(probe, "Nonsense", none); }));
+    EXPECT_TRUE(probe.puts.empty());
+    EXPECT_EQ(Get(probe, "hANDLE"), Variant(Long{0x1234}));
+
+    try {
+        Get(probe, "Nonsense");
+        FAIL() << "no error";
+    } catch (const HostError& e) {
+        EXPECT_STREQ(e.what(), "Object doesn't support this property or method");
+    }
+}
+
+TEST_F(DispatchTest, AControlOfAnUnregisteredClassHasNoMembers) {
+    class Stranger : public host::Control {
+    public:
+        Stranger() : Control("Stranger") {}
+    } stranger;
+    EXPECT_EQ(ErrorOf([&] { ClassOf(stranger); }), 438);
+    EXPECT_EQ(ErrorOf([&] { Get(stranger, "Number"); }), 438);
+}
+
+TEST_F(DispatchTest, MethodsCheckTheirArgumentCount) {
+    std::vector<Variant> one{Variant(Long{1})};
+    std::vector<Variant> three{Variant(Long{1}), Variant(Long{2}), Variant(Long{3})};
+    std::vector<Variant> none;
+    try {
+        Call(probe, "Add", one);
+        FAIL() << "no error";
+    } catch (const HostError& e) {
+        EXPECT_EQ(e.Number(), 450);
+        EXPECT_STREQ(e.what(), "Wrong number of arguments or invalid property assignment");
+    }
+    EXPECT_EQ(ErrorOf([&] { Call(probe, "Add", three); }), 450);
+    EXPECT_EQ(ErrorOf([&] { Call(probe, "Add", none); }), 450);
+    EXPECT_EQ(ErrorOf([&] { Call(probe, "Ring", one); }), 450);
+
+    std::vector<Variant> mixed{Variant("2"), Variant(2.5)};
+    EXPECT_EQ(Call(probe, "Add", mixed), Variant(Long{4}));
+    std::vector<Variant> wrong{Variant("x"), Variant(Long{1})};
+    EXPECT_EQ(ErrorOf([&] { Call(probe, "Add", wrong); }), 13);
+}
+
+TEST_F(DispatchTest, MethodsWithoutAResultReturnEmpty) {
+    std::vector<Variant> none;
+    EXPECT_TRUE(Call(probe, "Ring", none).IsEmpty());
+}
+
+TEST_F(DispatchTest, ArgumentsOfTheRightTypeArePassedByReference) {
+    std::vector<Variant> exact{Variant(Integer{41})};
+    Call(probe, "Bump", exact);
+    EXPECT_EQ(exact[0], Variant(Integer{42}));
+
+    // A value that had to be converted went in as a copy, as with the host.
+    std::vector<Variant> converted{Variant(Long{41})};
+    Call(probe, "Bump", converted);
+    EXPECT_EQ(converted[0], Variant(Long{41}));
+}
+
+// A site that answers key events by cancelling the key, as a form's handler does.
+class CancellingSite : public host::headless::Placed {
+public:
+    using Placed::Placed;
+    void RaiseEvent(int number, std::string_view name, std::span<Variant> args) override {
+        Placed::RaiseEvent(number, name, args);
+        if (name == "Typed") args[0] = Variant(Integer{0});
+    }
+};
+
+TEST_F(DispatchTest, EventsReachTheContainerByNumberAndName) {
+    host::headless::HeadlessHost host;
+    host::headless::Placed& placed = host.Add("P1", std::make_unique<Probe>(), {40, 20});
+    std::vector<Variant> none;
+    Call(placed.Get(), "Ring", none);
+    ASSERT_EQ(host.events.size(), 1u);
+    EXPECT_EQ(host.events[0].name, "Rang");
+    EXPECT_EQ(host.events[0].args, std::vector<Variant>{Variant(Long{3})});
+    const ClassInfo& info = ClassOf(placed.Get());
+    ASSERT_NE(info.FindEvent(1), nullptr);
+    EXPECT_EQ(info.FindEvent(1)->name, "Rang");
+    EXPECT_EQ(info.FindEvent("typed")->number, 2);
+
+    // The container changes a by-reference argument and the control sees it.
+    CancellingSite site(host, "P2", std::make_unique<Probe>());
+    std::vector<Variant> key{Variant(Integer{65})};
+    EXPECT_EQ(Call(site.Get(), "Type", key), Variant(Integer{0}));
+}
+
+}  // namespace
+}  // namespace kelvarin::library

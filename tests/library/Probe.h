@@ -1,0 +1,67 @@
+// A small control for the library tests: one property of every boundary
+// type, a read-only one, methods with and without arguments, and events.
+#pragma once
+
+#include <filesystem>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "host/Control.h"
+#include "library/TypeLib.h"
+
+namespace kelvarin::library::test {
+
+// DISPIDs of the probe's members.
+enum ProbeId : DispId {
+    kNumber = 1,   // Long
+    kSmall,        // Integer
+    kFlag,         // Boolean
+    kRatio,        // Single
+    kAmount,       // Double
+    kWhen,         // Date
+    kCaption,      // String
+    kData,         // Variant
+    kColour,       // OLE_COLOR
+    kMode,         // eAlignment
+    kHandle,       // Long, get only
+    kIcon,         // Picture
+    kAdd,          // method Add(A As Long, B As Long) As Long
+    kBump,         // method Bump(N As Integer): adds one to N
+    kRing,         // method Ring(): raises Rang, returns nothing
+    kType,         // method Type(KeyAscii As Integer) As Integer: raises Typed
+};
+
+class Probe : public host::Control {
+public:
+    Probe() : Control("Probe") {}
+
+    Variant GetProperty(DispId id) override;
+    void PutProperty(DispId id, const Variant& value) override;
+    Variant CallMethod(DispId id, std::span<Variant> args) override;
+
+    std::map<DispId, Variant> values;
+    std::vector<DispId> puts;  // every PutProperty, in order
+};
+
+// The probe's class information, registered in the process's ClassRegistry
+// under "Probe" (again on every call: tests may run in any order).
+const ClassInfo& RegisterProbe();
+
+// A fresh directory, removed with everything in it when the object goes.
+class TempDir {
+public:
+    TempDir();
+    ~TempDir();
+    TempDir(const TempDir&) = delete;
+    TempDir& operator=(const TempDir&) = delete;
+    const std::filesystem::path& Path() const noexcept { return path_; }
+
+private:
+    std::filesystem::path path_;
+};
+
+std::string ReadFile(const std::filesystem::path& file);
+void WriteFile(const std::filesystem::path& file, const std::string& text);
+
+}  // namespace kelvarin::library::test

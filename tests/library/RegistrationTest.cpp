@@ -1,0 +1,204 @@
+#include "library/Registration.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <cstdlib>
+#include <optional>
+
+#include <nlohmann/json.hpp>
+
+#include "library/TypeLib.h"
+#include "tests/library/Probe.h"
+
+namespace kelvarin::library {
+namespace {
+
+namespace fs = std::filesystem;
+using nlohmann::json;
+using test::ReadFile;
+using test::WriteFile;
+
+json Records(const fs::path& file) { return json::parse(ReadFile(file)).at("classes"); }
+
+const json* RecordOf(const json& records, std::string_view progId) {
+    for (const json& r : records)
+        if (r.value("progId", "") == progId) return &r;
+    return nullptr;
+}
+
+// Files in the folder other than the registry: a temporary file left behind.
+std::size_t StrayFiles(const fs::path& dir, const fs::path& registry) {
+    std::size_t n = 0;
+    for (const auto& entry : fs::directory_iterator(dir))
+        if (entry.path() != registry) ++n;
+    return n;
+}
+
+class RegistrationTest : public ::testing::Test {
+protected:
+    test::TempDir dir;
+    fs::path file = dir.Path() / "data" / "kelvarin" / "registry.json";
+};
+
+TEST_F(RegistrationTest, WritesOneRecordPerClass) {
+    RegisterClasses(file, "/opt/kelvarin/libkelvarin.so");
+    const json records = Records(file);
+    ASSERT_EQ(records.size(), Kelvarin().classes.size());
+    const json* dateBox = RecordOf(records, "Kelvarin.DateBox");
+    ASSERT_NE(dateBox, nullptr);
+    EXPECT_EQ(dateBox->at("clsid"), Kelvarin().FindClass("DateBox")->clsid.ToString());
+    EXPECT_EQ(dateBox->at("library"), "/opt/kelvarin/libkelvarin.so");
+    EXPECT_EQ(dateBox->at("version"), "1.0");
+    EXPECT_EQ(dateBox->at("OLESelfRegister"), true);
+    EXPECT_EQ(dateBox->at("typeLibrary"), Kelvarin().libid.ToString());
+    EXPECT_NE(RecordOf(records, "Kelvarin.General"), nullptr);
+    EXPECT_EQ(StrayFiles(file.parent_path(), file), 0u);
+}
+
+TEST_F(RegistrationTest, KeepsOtherRecordsAndReplacesItsOwn) {
+    fs::create_directories(file.parent_path());
+    WriteFile(file, R"({"owner": "desktop", "classes": [
+        {"progId": "Other.Grid", "clsid": "{11111111-2222-3333-4444-555555555555}", "extra": [1, 2]},
+        {"progId": "Kelvarin.DateBox", "clsid": "{8F327F32-38FC-43ED-B211-4F716C314DD9}",
+         "library": "/old/libkelvarin.so"}]})");
+    RegisterClasses(file, "/new/libkelvarin.so");
+    RegisterClasses(file, "/new/libkelvarin.so");  // again: still one record per class
+
+    const json registry = json::parse(ReadFile(file));
+    EXPECT_EQ(registry.at("owner"), "desktop");
+    const json& records = registry.at("classes");
+    EXPECT_EQ(records.size(), Kelvarin().classes.size() + 1);
+    ASSERT_NE(RecordOf(records, "Other.Grid"), nullptr);
+    EXPECT_EQ(RecordOf(records, "Other.Grid")->at("extra"), json::array({1, 2}));
+    EXPECT_EQ(RecordOf(records, "Kelvarin.DateBox")->at("library"), "/new/libkelvarin.so");
+}
+
+TEST_F(RegistrationTest, UnregisterRemovesExactlyItsOwnRecords) {
+    fs::create_directories(file.parent_path());
+    // A record that only borrows our name, under another class identifier, is not ours.
+    WriteFile(file, R"({"classes": [
+        {"progId": "Other.Grid", "clsid": "{11111111-2222-3333-4444-555555555555}"},
+        {"progId": "Kelvarin.DateBox", "clsid": "{AAAAAAAA-2222-3333-4444-555555555555}"},
+        {"note": "no identifier at all"}]})");
+    RegisterClasses(file, "/x/libkelvarin.so");
+    UnregisterClasses(file);
+    const json records = Records(file);
+    ASSERT_EQ(records.size(), 3u);
+    EXPECT_EQ(records[0].at("progId"), "Other.Grid");
+    EXPECT_EQ(records[1].at("clsid"), "{AAAAAAAA-2222-3333-4444-555555555555}");
+    EXPECT_EQ(records[2].at("note"), "no identifier at all");
+}
+
+TEST_F(RegistrationTest, UnregisterMatchesIdentifiersInAnyCase) {
+    fs::create_directories(file.parent_path());
+    WriteFile(file, R"({"classes": [{"progId": "Kelvarin.DateBox",
+                                     "clsid": "8f327f32-38fc-43ed-b211-4f716c314dd9"}]})");
+    UnregisterClasses(file);
+    EXPECT_TRUE(Records(file).empty());
+}
+
+TEST_F(RegistrationTest, UnregisterWithoutARegistryCreatesNothing) {
+    UnregisterClasses(file);
+    EXPECT_FALSE(fs::exists(file.parent_path()));
+}
+
+TEST_F(RegistrationTest, AMalformedFileIsReportedAndLeftUntouched) {
+    fs::create_directories(file.parent_path());
+    for (const std::string& text : {std::string("{\"classes\": [ {\"progId\": "), std::string(""),
+                                   std::string("[1, 2, 3]"), std::string("{\"classes\": 5}"),
+                                   std::string("{\"classes\": [\"Kelvarin.DateBox\"]}"),
+                                   std::string("\xFF\xFE garbage")}) {
+        WriteFile(file, text);
+        for (bool registering : {true, false}) {
+            try {
+                if (registering) RegisterClasses(file, "/x/libkelvarin.so");
+                else UnregisterClasses(file);
+                ADD_FAILURE() << "accepted: " << text;
+            } catch (const RegistryError& e) {
+                EXPECT_NE(std::string(e.what()).find(file.string()), std::string::npos) << e.what();
+            }
+            EXPECT_EQ(ReadFile(file), text);
+            EXPECT_EQ(StrayFiles(file.parent_path(), file), 0u);
+        }
+    }
+}
+
+TEST_F(RegistrationTest, ANonFileIsReported) {
+    fs::create_directories(file);  // a folder where the file should be
+    EXPECT_THROW(RegisterClasses(file, "/x/libkelvarin.so"), RegistryError);
+}
+
+TEST_F(RegistrationTest, KeepsThePermissionsOfTheFileItReplaces) {
+    fs::create_directories(file.parent_path());
+    WriteFile(file, R"({"classes": []})");
+    fs::permissions(file, fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read);
+    RegisterClasses(file, "/x/libkelvarin.so");
+    EXPECT_EQ(fs::status(file).permissions(),
+              fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read);
+}
+
+TEST_F(RegistrationTest, AFolderThatCannotBeWrittenFailsCleanly) {
+    if (::geteuid() == 0) GTEST_SKIP() << "permissions do not bind the superuser";
+    fs::create_directories(file.parent_path());
+    const std::string text = R"({"classes": []})";
+    WriteFile(file, text);
+    fs::permissions(file.parent_path(), fs::perms::owner_read | fs::perms::owner_exec);
+    EXPECT_THROW(RegisterClasses(file, "/x/libkelvarin.so"), RegistryError);
+    fs::permissions(file.parent_path(), fs::perms::owner_all);
+    EXPECT_EQ(ReadFile(file), text);
+}
+
+// Sets or clears an environment variable for one test and restores it.
+class ScopedEnv {
+public:
+    ScopedEnv(const char* name, const char* value) : name_(name) {
+        if (const char* old = std::getenv(name)) old_ = old;
+        if (value) ::setenv(name, value, 1);
+        else ::unsetenv(name);
+    }
+    ~ScopedEnv() {
+        if (old_) ::setenv(name_, old_->c_str(), 1);
+        else ::unsetenv(name_);
+    }
+    ScopedEnv(const ScopedEnv&) = delete;
+    ScopedEnv& operator=(const ScopedEnv&) = delete;
+
+private:
+    const char* name_;
+    std::optional<std::string> old_;
+};
+
+TEST(RegistryFilePathTest, ChoosesTheFileFromTheEnvironment) {
+    ScopedEnv home("HOME", "/home/ada");
+    {
+        ScopedEnv explicitPath("KELVARIN_REGISTRY", "/tmp/reg.json");
+        ScopedEnv data("XDG_DATA_HOME", "/data");
+        EXPECT_EQ(RegistryFilePath(), fs::path("/tmp/reg.json"));
+    }
+    {
+        ScopedEnv explicitPath("KELVARIN_REGISTRY", "");
+        ScopedEnv data("XDG_DATA_HOME", "/data");
+        EXPECT_EQ(RegistryFilePath(), fs::path("/data/kelvarin/registry.json"));
+    }
+    {
+        ScopedEnv explicitPath("KELVARIN_REGISTRY", nullptr);
+        ScopedEnv data("XDG_DATA_HOME", "relative/data");  // not absolute: ignored
+        EXPECT_EQ(RegistryFilePath(), fs::path("/home/ada/.local/share/kelvarin/registry.json"));
+    }
+    {
+        ScopedEnv explicitPath("KELVARIN_REGISTRY", nullptr);
+        ScopedEnv data("XDG_DATA_HOME", nullptr);
+        ScopedEnv noHome("HOME", nullptr);
+        EXPECT_THROW(RegistryFilePath(), RegistryError);
+    }
+}
+
+TEST(LoadedLibraryPathTest, NamesAnAbsoluteExistingFile) {
+    const fs::path path = LoadedLibraryPath();
+    EXPECT_TRUE(path.is_absolute()) << path;
+    EXPECT_TRUE(fs::is_regular_file(path)) << path;
+}
+
+}  // namespace
+}  // namespace kelvarin::library

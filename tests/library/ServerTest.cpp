@@ -1,0 +1,172 @@
+#include "library/Server.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "library/ClassFactory.h"
+#include "library/Dispatch.h"
+#include "tests/library/Probe.h"
+
+namespace kelvarin::library {
+namespace {
+
+KelvarinGuid ClassId(std::string_view name) {
+    const ClassInfo* info = ClassRegistry::Instance().Find(name);
+    if (info == nullptr) throw std::logic_error("no class " + std::string(name));
+    return ToKelvarinGuid(info->clsid);
+}
+
+class ServerTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        test::RegisterProbe();
+        ASSERT_EQ(CanUnloadNow(), KELVARIN_S_OK) << "a previous test leaked an object";
+    }
+    void TearDown() override { EXPECT_EQ(CanUnloadNow(), KELVARIN_S_OK); }
+
+    KelvarinClassFactory* Factory(std::string_view name) {
+        void* object = nullptr;
+        const KelvarinGuid id = ClassId(name);
+        EXPECT_EQ(GetClassObject(&id, &KELVARIN_IID_ICLASSFACTORY, &object), KELVARIN_S_OK);
+        return static_cast<KelvarinClassFactory*>(object);
+    }
+};
+
+TEST(ClassRegistryTest, KnowsTheLibrarysClassesBeforeTheyCanBeMade) {
+    const ClassRegistry& registry = ClassRegistry::Instance();
+    for (const ClassInfo& c : Kelvarin().classes) {
+        EXPECT_EQ(registry.Find(c.name), &c);
+        EXPECT_EQ(registry.Find(c.ProgId()), &c);
+        EXPECT_EQ(registry.Find(c.clsid), &c);
+    }
+    EXPECT_EQ(registry.Find("kelvarin.progressbox"), Kelvarin().FindClass("ProgressBox"));
+    EXPECT_EQ(registry.Find("Nonsense"), nullptr);
+    // No control of the library is built in yet, and the page is never a control.
+    EXPECT_EQ(registry.Create("General"), nullptr);
+    EXPECT_FALSE(registry.IsCreatable(Kelvarin().FindClass("General")->clsid));
+    EXPECT_EQ(registry.Create("Nonsense"), nullptr);
+}
+
+TEST(ClassRegistryTest, CreatesARegisteredControlByAnyName) {
+    const ClassInfo& probe = test::RegisterProbe();
+    ClassRegistry& registry = ClassRegistry::Instance();
+    for (std::string_view name : {"Probe", "probe", "Kelvarin.Probe"}) {
+        std::unique_ptr<host::Control> control = registry.Create(name);
+        ASSERT_NE(control, nullptr) << name;
+        EXPECT_EQ(control->TypeName(), "Probe");
+        EXPECT_EQ(&ClassOf(*control), &probe);
+    }
+    EXPECT_NE(registry.Create(probe.clsid), nullptr);
+    EXPECT_TRUE(registry.IsCreatable(probe.clsid));
+}
+
+TEST_F(ServerTest, FactoryMakesControlsAndCountsThemAlive) {
+    KelvarinClassFactory* factory = Factory("Probe");
+    ASSERT_NE(factory, nullptr);
+    EXPECT_EQ(CanUnloadNow(), KELVARIN_S_FALSE);
+
+    void* object = nullptr;
+    ASSERT_EQ(factory->vtbl->CreateInstance(factory, nullptr, &KELVARIN_IID_CONTROL, &object),
+              KELVARIN_S_OK);
+    auto* control = static_cast<KelvarinControl*>(object);
+    EXPECT_STREQ(control->vtbl->ClassName(control), "Probe");
+    auto* native = static_cast<host::Control*>(control->vtbl->NativeControl(control));
+    Let(*native, "Number", Variant("5"));
+    EXPECT_EQ(Get(*native, "Number"), Variant(Long{5}));
+
+    factory->vtbl->Release(factory);
+    EXPECT_EQ(CanUnloadNow(), KELVARIN_S_FALSE);  // the control still lives
+    control->vtbl->Release(control);
+    EXPECT_EQ(CanUnloadNow(), KELVARIN_S_OK);
+}
+
+TEST_F(ServerTest, ReferencesAreCounted) {
+    KelvarinClassFactory* factory = Factory("Probe");
+    void* object = nullptr;
+    ASSERT_EQ(factory->vtbl->CreateInstance(factory, nullptr, &KELVARIN_IID_IUNKNOWN, &object),
+              KELVARIN_S_OK);
+    factory->vtbl->Release(factory);
+    auto* control = static_cast<KelvarinControl*>(object);
+
+    void* again = nullptr;
+    ASSERT_EQ(control->vtbl->QueryInterface(control, &KELVARIN_IID_CONTROL, &again), KELVARIN_S_OK);
+    EXPECT_EQ(again, control);
+    EXPECT_EQ(control->vtbl->AddRef(control), 3u);
+    EXPECT_EQ(control->vtbl->Release(control), 2u);
+    EXPECT_EQ(control->vtbl->Release(control), 1u);
+    EXPECT_EQ(CanUnloadNow(), KELVARIN_S_FALSE);
+    EXPECT_EQ(control->vtbl->Release(control), 0u);
+}
+
+TEST_F(ServerTest, UnknownInterfacesAreRefused) {
+    KelvarinClassFactory* factory = Factory("Probe");
+    void* object = &object;
+    EXPECT_EQ(factory->vtbl->QueryInterface(factory, &KELVARIN_IID_CONTROL, &object),
+              KELVARIN_E_NOINTERFACE);
+    EXPECT_EQ(object, nullptr);
+    EXPECT_EQ(factory->vtbl->QueryInterface(factory, nullptr, &object), KELVARIN_E_INVALIDARG);
+    EXPECT_EQ(factory->vtbl->QueryInterface(factory, &KELVARIN_IID_IUNKNOWN, nullptr),
+              KELVARIN_E_POINTER);
+    EXPECT_EQ(factory->vtbl->CreateInstance(factory, nullptr, &KELVARIN_IID_ICLASSFACTORY, &object),
+              KELVARIN_E_NOINTERFACE);
+    int outer = 0;
+    EXPECT_EQ(factory->vtbl->CreateInstance(factory, &outer, &KELVARIN_IID_CONTROL, &object),
+              KELVARIN_CLASS_E_NOAGGREGATION);
+    EXPECT_EQ(object, nullptr);
+    EXPECT_EQ(factory->vtbl->CreateInstance(factory, nullptr, &KELVARIN_IID_CONTROL, nullptr),
+              KELVARIN_E_POINTER);
+    factory->vtbl->Release(factory);
+
+    const KelvarinGuid probe = ClassId("Probe");
+    EXPECT_EQ(GetClassObject(&probe, &KELVARIN_IID_CONTROL, &object), KELVARIN_E_NOINTERFACE);
+    EXPECT_EQ(object, nullptr);
+    EXPECT_EQ(GetClassObject(&probe, nullptr, &object), KELVARIN_E_INVALIDARG);
+    EXPECT_EQ(GetClassObject(nullptr, &KELVARIN_IID_ICLASSFACTORY, &object), KELVARIN_E_INVALIDARG);
+    EXPECT_EQ(GetClassObject(&probe, &KELVARIN_IID_ICLASSFACTORY, nullptr), KELVARIN_E_POINTER);
+}
+
+TEST_F(ServerTest, ClassesThatCannotBeMadeAreRefusedWithAReason) {
+    void* object = &object;
+    const KelvarinGuid general = ClassId("General");
+    EXPECT_EQ(GetClassObject(&general, &KELVARIN_IID_ICLASSFACTORY, &object),
+              KELVARIN_CLASS_E_CLASSNOTAVAILABLE);
+    EXPECT_EQ(object, nullptr);
+    EXPECT_NE(std::string(LastError()).find("General"), std::string::npos) << LastError();
+
+    const KelvarinGuid unknown{0x01234567, 0x89AB, 0xCDEF, {1, 2, 3, 4, 5, 6, 7, 8}};
+    EXPECT_EQ(GetClassObject(&unknown, &KELVARIN_IID_ICLASSFACTORY, &object),
+              KELVARIN_CLASS_E_CLASSNOTAVAILABLE);
+    EXPECT_NE(std::string(LastError()).find("{01234567-89AB-CDEF-0102-030405060708}"),
+              std::string::npos)
+        << LastError();
+
+    KelvarinClassFactory* factory = Factory("Probe");
+    EXPECT_STREQ(LastError(), "");  // a success clears the reason
+    factory->vtbl->Release(factory);
+}
+
+TEST_F(ServerTest, ServerLocksKeepTheLibraryLoaded) {
+    KelvarinClassFactory* factory = Factory("Probe");
+    EXPECT_EQ(factory->vtbl->LockServer(factory, 1), KELVARIN_S_OK);
+    factory->vtbl->Release(factory);
+    EXPECT_EQ(CanUnloadNow(), KELVARIN_S_FALSE);
+
+    factory = Factory("Probe");
+    EXPECT_EQ(factory->vtbl->LockServer(factory, 0), KELVARIN_S_OK);
+    // One unlock too many does not release another object's count.
+    EXPECT_EQ(factory->vtbl->LockServer(factory, 0), KELVARIN_E_UNEXPECTED);
+    EXPECT_EQ(CanUnloadNow(), KELVARIN_S_FALSE);
+    factory->vtbl->Release(factory);
+}
+
+TEST(GuidConversionTest, RoundTripsThroughTheCForm) {
+    const Guid& g = Kelvarin().FindClass("CommandBox")->clsid;
+    const KelvarinGuid c = ToKelvarinGuid(g);
+    EXPECT_EQ(c.data1, 0x47FD0707u);
+    EXPECT_EQ(c.data4[7], 0x94);
+    EXPECT_EQ(FromKelvarinGuid(c), g);
+}
+
+}  // namespace
+}  // namespace kelvarin::library

@@ -1,0 +1,165 @@
+// libkelvarin.so as a host program sees it: loaded with dlopen, registered
+// into a registry file of its own, classes found by programmatic name.
+#include <dlfcn.h>
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <optional>
+#include <string>
+
+#include <nlohmann/json.hpp>
+
+#include "library/Kelvarin.h"
+#include "library/TypeLib.h"
+#include "tests/library/Probe.h"
+
+namespace kelvarin::library {
+namespace {
+
+namespace fs = std::filesystem;
+using nlohmann::json;
+
+class SharedLibraryTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        if (const char* old = std::getenv("KELVARIN_REGISTRY")) oldRegistry_ = old;
+        ::setenv("KELVARIN_REGISTRY", registry.c_str(), 1);
+        handle_ = ::dlopen(KELVARIN_SHARED_LIBRARY, RTLD_NOW | RTLD_LOCAL);
+        ASSERT_NE(handle_, nullptr) << ::dlerror();
+        getClassObject = Symbol<KelvarinDllGetClassObjectFn>("DllGetClassObject");
+        canUnloadNow = Symbol<KelvarinDllCanUnloadNowFn>("DllCanUnloadNow");
+        registerServer = Symbol<KelvarinDllRegisterServerFn>("DllRegisterServer");
+        unregisterServer = Symbol<KelvarinDllUnregisterServerFn>("DllUnregisterServer");
+        lastError = Symbol<KelvarinLastErrorFn>("KelvarinLastError");
+    }
+    void TearDown() override {
+        if (handle_ != nullptr) {
+            EXPECT_EQ(::dlclose(handle_), 0);
+        }
+        if (oldRegistry_) ::setenv("KELVARIN_REGISTRY", oldRegistry_->c_str(), 1);
+        else ::unsetenv("KELVARIN_REGISTRY");
+    }
+
+    template <typename Fn>
+    Fn Symbol(const char* name) {
+        void* symbol = ::dlsym(handle_, name);
+        EXPECT_NE(symbol, nullptr) << name;
+        return reinterpret_cast<Fn>(symbol);
+    }
+
+    // The class identifier a host finds under a programmatic name.
+    std::optional<KelvarinGuid> ClassIdOf(std::string_view progId) {
+        const json registryFile = json::parse(test::ReadFile(registry));
+        for (const json& record : registryFile.at("classes")) {
+            if (record.value("progId", "") != progId) continue;
+            const auto id = Guid::Parse(record.at("clsid").get<std::string>());
+            if (!id) return std::nullopt;
+            KelvarinGuid g{id->data1, id->data2, id->data3, {}};
+            for (int i = 0; i < 8; ++i) g.data4[i] = id->data4[i];
+            return g;
+        }
+        return std::nullopt;
+    }
+
+    test::TempDir dir;
+    fs::path registry = dir.Path() / "registry.json";
+    KelvarinDllGetClassObjectFn getClassObject = nullptr;
+    KelvarinDllCanUnloadNowFn canUnloadNow = nullptr;
+    KelvarinDllRegisterServerFn registerServer = nullptr;
+    KelvarinDllUnregisterServerFn unregisterServer = nullptr;
+    KelvarinLastErrorFn lastError = nullptr;
+
+private:
+    void* handle_ = nullptr;
+    std::optional<std::string> oldRegistry_;
+};
+
+TEST_F(SharedLibraryTest, ExportsItsEntryPointsWithCLinkage) {
+    EXPECT_NE(getClassObject, nullptr);
+    EXPECT_NE(canUnloadNow, nullptr);
+    EXPECT_NE(registerServer, nullptr);
+    EXPECT_NE(unregisterServer, nullptr);
+    EXPECT_NE(lastError, nullptr);
+}
+
+TEST_F(SharedLibraryTest, RegistersFindsClassesByNameAndUnregisters) {
+    test::WriteFile(registry, R"({"classes": [{"progId": "Other.Grid",
+                                               "clsid": "{11111111-2222-3333-4444-555555555555}"}]})");
+    ASSERT_EQ(registerServer(), KELVARIN_S_OK) << lastError();
+
+    const json records = json::parse(test::ReadFile(registry)).at("classes");
+    ASSERT_EQ(records.size(), 5u);
+    for (const json& record : records) {
+        if (record.at("progId") == "Other.Grid") continue;
+        EXPECT_EQ(record.at("library"), fs::canonical(KELVARIN_SHARED_LIBRARY).string());
+        EXPECT_EQ(record.at("version"), "1.0");
+        EXPECT_EQ(record.at("OLESelfRegister"), true);
+    }
+
+    const std::optional<KelvarinGuid> dateBox = ClassIdOf("Kelvarin.DateBox");
+    ASSERT_TRUE(dateBox.has_value());
+    void* factory = &factory;
+    // Known to the library, but no DateBox is built into it yet.
+    EXPECT_EQ(getClassObject(&*dateBox, &KELVARIN_IID_ICLASSFACTORY, &factory),
+              KELVARIN_CLASS_E_CLASSNOTAVAILABLE);
+    EXPECT_EQ(factory, nullptr);
+    EXPECT_NE(std::string(lastError()).find("DateBox"), std::string::npos) << lastError();
+
+    // The property page is a class of the library but not a control.
+    const std::optional<KelvarinGuid> general = ClassIdOf("Kelvarin.General");
+    ASSERT_TRUE(general.has_value());
+    EXPECT_EQ(getClassObject(&*general, &KELVARIN_IID_ICLASSFACTORY, &factory),
+              KELVARIN_CLASS_E_CLASSNOTAVAILABLE);
+    const std::optional<KelvarinGuid> other = ClassIdOf("Other.Grid");
+    EXPECT_EQ(getClassObject(&*other, &KELVARIN_IID_ICLASSFACTORY, &factory),
+              KELVARIN_CLASS_E_CLASSNOTAVAILABLE);
+    EXPECT_EQ(getClassObject(&*dateBox, &KELVARIN_IID_ICLASSFACTORY, nullptr), KELVARIN_E_POINTER);
+    EXPECT_EQ(canUnloadNow(), KELVARIN_S_OK);
+
+    ASSERT_EQ(unregisterServer(), KELVARIN_S_OK) << lastError();
+    const json left = json::parse(test::ReadFile(registry)).at("classes");
+    ASSERT_EQ(left.size(), 1u);
+    EXPECT_EQ(left[0].at("progId"), "Other.Grid");
+    EXPECT_FALSE(ClassIdOf("Kelvarin.DateBox").has_value());
+}
+
+TEST_F(SharedLibraryTest, TheLibraryKeepsItsOwnClassRegistry) {
+    // A class registered in this program is not a class of the loaded library.
+    const ClassInfo& probe = test::RegisterProbe();
+    KelvarinGuid id{probe.clsid.data1, probe.clsid.data2, probe.clsid.data3, {}};
+    for (int i = 0; i < 8; ++i) id.data4[i] = probe.clsid.data4[i];
+    void* factory = nullptr;
+    EXPECT_EQ(getClassObject(&id, &KELVARIN_IID_ICLASSFACTORY, &factory),
+              KELVARIN_CLASS_E_CLASSNOTAVAILABLE);
+}
+
+TEST_F(SharedLibraryTest, AMalformedRegistryIsReportedAndLeftAsItIs) {
+    const std::string text = "{\"classes\": [ oops";
+    test::WriteFile(registry, text);
+    EXPECT_NE(registerServer(), KELVARIN_S_OK);
+    EXPECT_NE(std::string(lastError()).find(registry.string()), std::string::npos) << lastError();
+    EXPECT_EQ(test::ReadFile(registry), text);
+    EXPECT_NE(unregisterServer(), KELVARIN_S_OK);
+    EXPECT_EQ(test::ReadFile(registry), text);
+    EXPECT_EQ(std::distance(fs::directory_iterator(dir.Path()), fs::directory_iterator()), 1);
+
+    // Mended, it registers again, and the reason is cleared.
+    test::WriteFile(registry, "{}");
+    EXPECT_EQ(registerServer(), KELVARIN_S_OK);
+    EXPECT_STREQ(lastError(), "");
+}
+
+TEST_F(SharedLibraryTest, RegistersIntoTheDefaultPlaceUnderXdgDataHome) {
+    ::unsetenv("KELVARIN_REGISTRY");
+    const char* oldData = std::getenv("XDG_DATA_HOME");
+    const std::optional<std::string> saved = oldData ? std::optional<std::string>(oldData) : std::nullopt;
+    ::setenv("XDG_DATA_HOME", dir.Path().c_str(), 1);
+    const KelvarinResult result = registerServer();
+    if (saved) ::setenv("XDG_DATA_HOME", saved->c_str(), 1);
+    else ::unsetenv("XDG_DATA_HOME");
+    ASSERT_EQ(result, KELVARIN_S_OK) << lastError();
+    EXPECT_TRUE(fs::exists(dir.Path() / "kelvarin" / "registry.json"));
+}
+
+}  // namespace
+}  // namespace kelvarin::library
