@@ -1,0 +1,221 @@
+// clsGFX_2D: the library's off-screen raster, a device-independent bitmap
+// with direct access to its bytes, and the drawing and colour operations the
+// controls prepare their pictures with.
+//
+// Layout: rows bottom-up (row 0 is the lowest row as shown, and every y
+// below is a row index), each padded to 4 bytes; a 24-bit pixel (x, y) is
+// bytes 3x, 3x+1, 3x+2 of row y holding blue, green, red. A colour value is
+// 0x00BBGGRR: red = c AND 255, green = (c div 256) AND 255, blue =
+// (c div 65536) AND 255, div truncating towards zero as the host does.
+//
+// Errors: an operation that cannot work returns false or nothing and leaves
+// a text for Get_LastError; success never clears it. The host's runtime
+// errors (HostError) come out where its arithmetic or array access would
+// raise them: a pixel index outside the pixel array raises 9 after the bytes
+// that fell inside were written, an overflowing coordinate 6.
+//
+// Sections (and their sources): surface, picture exchange and pixel array
+// (Surface.cpp); drawing (Draw.cpp); colour (Color.cpp).
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "common/Numeric.h"
+#include "common/Picture.h"
+#include "gfx/DeviceContext.h"
+#include "gfx/PixelArray.h"
+
+namespace kelvarin {
+
+class clsGFX_2D final : public DeviceContext {
+public:
+    struct PointD {
+        double x = 0;
+        double y = 0;
+    };
+    struct ViewportRect {
+        Long Xmin = 0, Ymin = 0, Xmax = 0, Ymax = 0;
+    };
+    using Histogram = std::array<Long, 256>;
+
+    clsGFX_2D() = default;
+    ~clsGFX_2D() override;
+    clsGFX_2D(const clsGFX_2D&) = delete;
+    clsGFX_2D& operator=(const clsGFX_2D&) = delete;
+
+    // ---- Surface and picture exchange ----------------------------------------
+
+    // A new zero-filled surface of 8, 16, 24 or 32 bits per pixel; anything
+    // else, a size below 1 or more than 1 GiB of pixels gives false and no
+    // surface (the header keeps what was asked, as Get_Width shows).
+    bool Create(Long lWidth, Long lHeight, Long BitPerPixels = 24);
+    // A bitmap keeps its own depth and colour table. An icon gives a 24-bit
+    // surface of twice its hot spot (its centre for a standard icon), filled
+    // with lngBackColorForTransparentIcon first when that is 0 or more.
+    bool Create_FromPicture(const Picture* picThis, Long lngBackColorForTransparentIcon = -1);
+    // From lhDC at (lSrcLeft, lSrcTop), top-down coordinates, to this
+    // surface at (0, 0); a negative size stands for the surface's.
+    bool BitBlt_LoadPicture(const DeviceContext* lhDC, Long lSrcLeft = 0, Long lSrcTop = 0,
+                            Long lSrcWidth = -1, Long lSrcHeight = -1,
+                            std::uint32_t eRop = SRCCOPY);
+    // From this surface at (lSrcLeft, lSrcTop) to lhDC at (lDestLeft, lDestTop).
+    bool BitBlt_PaintPicture(DeviceContext* lhDC, Long lDestLeft = 0, Long lDestTop = 0,
+                             Long lDestWidth = -1, Long lDestHeight = -1, Long lSrcLeft = 0,
+                             Long lSrcTop = 0, std::uint32_t eRop = SRCCOPY);
+
+    Long Get_BytesPerScanLine() const;
+    Long Get_Width() const noexcept { return width_; }
+    Long Get_Height() const noexcept { return height_; }
+    // The surface as a device context; null when there is no surface.
+    DeviceContext* Get_hDC() noexcept { return HasSurface() ? this : nullptr; }
+    // A handle that names the current bitmap (a new one per Create); 0 when none.
+    std::uintptr_t Get_hDIB() const noexcept { return HasSurface() ? handle_ : 0; }
+    std::uint8_t* Get_ptrDIBSection() const noexcept { return bits_.get(); }
+    std::uint8_t Get_BytesPerPixel() const;
+    const std::string& Get_LastError() const noexcept { return lastError_; }
+    // An independent 24-bit bitmap copy; null, with a last-error text, for an
+    // empty or other-depth surface.
+    std::shared_ptr<Picture> Get_Picture();
+
+    // Points TempArray at the pixel memory; false, TempArray untouched,
+    // while a drawing session is open.
+    bool Data_Get(PixelArray& TempArray);
+    void Data_Release(PixelArray& TempArray) noexcept { TempArray = PixelArray(); }
+
+    void Draw_StartSession();
+    void Draw_EndSession() noexcept;
+    bool SessionOpen() const noexcept { return sessionOpen_; }
+    // Where loops over the session end: (bytes per scan line - 1) div bytes
+    // per pixel, which reaches into the row padding when there is any.
+    Long LastColumnIndex() const noexcept { return lastColumn_; }
+    Long LastRowIndex() const noexcept { return lastRow_; }
+
+    // ---- Drawing: inside a session -------------------------------------------
+
+    void Draw_SetViewport(Long lngXmin = 0, Long lngYmin = 0, Long lngXmax = -1,
+                          Long lngYmax = -1);
+    ViewportRect Viewport() const noexcept { return viewport_; }
+    void Draw_Clear();
+    void Draw_RandomBits(bool bGray);
+    void Draw_Pixel(Long X, Long Y, Long c);
+    void Draw_Pixel_C(Long X, Long Y, Long c);
+    // RGBbyte: red, green, blue.
+    void Draw_PixelRGB(Long X, Long Y, const std::array<std::uint8_t, 3>& RGBbyte);
+    void Draw_PixelRGB_C(Long X, Long Y, const std::array<std::uint8_t, 3>& RGBbyte);
+    Long Draw_ReadPixel(Long X, Long Y) const;
+    void Draw_ReadPixelRGB(Long X, Long Y, std::array<std::uint8_t, 3>& RGBbyte);
+    void Draw_Line(Long x1, Long y1, Long x2, Long y2, Long c);
+    void Draw_Line_C(Long x1, Long y1, Long x2, Long y2, Long c);
+    void Draw_Bezier(PointD start, PointD control1, PointD control2, PointD end, Long c,
+                     Long lngMaxRecursive);
+    void Draw_Bezier_C(PointD start, PointD control1, PointD control2, PointD end, Long c,
+                       Long lngMaxRecursive);
+    void Draw_Circle(Long x1, Long y1, Long r, Long c);
+    void Draw_Circle_C(Long x1, Long y1, Long r, Long c);
+
+    // ---- Colour: whole image, own session unless one is open -----------------
+    // Those limited to 24 bits return false and set the last error elsewhere.
+
+    void Color_Fill(Long lngColor);
+    bool Color_Invert(bool blnRed = true, bool blnGreen = true, bool blnBlue = true);
+    bool Color_Gray(Long lngMaskColor, bool blnStdAverageCalc);
+    void Color_Replace(Long lngOriginal, Long lngReplace);
+    bool Color_FadeTo(Long lngMaskColor, Long lngFadeTo, double dblFadeWeight);
+    bool Color_Halftone_ErrorDiffusion(bool blnColor);
+    bool Color_Halftone_Dithering(bool blnColor);
+    bool Color_Colourise(std::uint8_t bytHue, std::uint8_t bytSaturation);
+    // 0 red, 1 green, 2 blue, 4 hue, 8 saturation, 16 luminance.
+    bool Color_ChannelComponent(Long lngChannel);
+    // Counts of the red (lngIstogram1), green and blue bytes. lngResult gets
+    // the largest count of the histogram chosen by lngSelector (0 red,
+    // 1 green, 2 blue; any other value: of all three).
+    bool Color_GetIstogram(Long lngSelector, Histogram& lngIstogram1, Histogram& lngIstogram2,
+                           Histogram& lngIstogram3, Long& lngResult);
+    // Channels as Color_ChannelComponent; 4, 8 and 16 convert the image to
+    // hue, saturation, luminance first and leave it so.
+    bool Color_EqualizeIstogram(Long lngChannel);
+    // Hue into the red byte, saturation into green, luminance into blue.
+    bool Color_ConvertRGBToHSL();
+    bool Color_ConvertHSLToRGB();
+    // Hue, saturation and luminance on a 0-255 scale; the luminance is the
+    // weighted sum 0.3 red + 0.59 green + 0.11 blue.
+    static void GFX2D_conv_cRGB_cHLS(std::uint8_t red, std::uint8_t green, std::uint8_t blue,
+                                     Single& hue, Single& saturation, Single& luminance);
+    static void GFX2D_conv_cHLS_cRGB(Single hue, Single saturation, Single luminance,
+                                     std::uint8_t& red, std::uint8_t& green, std::uint8_t& blue);
+
+    // ---- DeviceContext -------------------------------------------------------
+
+    int PixelWidth() const override { return HasSurface() ? width_ : 0; }
+    int PixelHeight() const override { return HasSurface() ? height_ : 0; }
+    int BitsPerPixel() const override { return bitsPerPixel_; }
+    const std::uint8_t* ScanLine(int y) const override;
+    std::uint8_t* WritableScanLine(int y) override;
+    std::span<const RgbQuad> ColorTable() const override { return colorTable_; }
+
+private:
+    // Opens a session for one operation unless the caller has one open.
+    class SessionScope {
+    public:
+        explicit SessionScope(clsGFX_2D& gfx) : gfx_(gfx), opened_(!gfx.sessionOpen_) {
+            if (opened_) gfx_.Draw_StartSession();
+        }
+        ~SessionScope() {
+            if (opened_) gfx_.Draw_EndSession();
+        }
+        SessionScope(const SessionScope&) = delete;
+        SessionScope& operator=(const SessionScope&) = delete;
+
+    private:
+        clsGFX_2D& gfx_;
+        bool opened_;
+    };
+
+    // Rows 0..height-1 of the session array with the pixel bytes of columns
+    // 0..width-1 in each; a session array that does not hold them raises 9,
+    // as the first access outside it would.
+    struct ImageRows {
+        std::uint8_t* base = nullptr;
+        std::ptrdiff_t stride = 0;
+        Long width = 0;
+        Long height = 0;
+        std::uint8_t* Row(Long y) const { return base + y * stride; }
+    };
+
+    bool HasSurface() const noexcept { return bits_ != nullptr; }
+    void Release() noexcept;
+    ImageRows SessionRows() const;
+    bool Require24(const char* message);
+    void PutPixelChecked(Long X, Long Y, Long c);
+    float NextRandom();
+    template <int kBytes>
+    void LineUnchecked(Long x1, Long y1, Long x2, Long y2, Long c);
+    void LineChecked(Long x1, Long y1, Long x2, Long y2, Long c);
+    void Bezier(PointD s, PointD c1, PointD c2, PointD e, Long c, Long depth, bool clipped);
+
+    // Header of the current bitmap, as last asked for by Create.
+    Long width_ = 0;
+    Long height_ = 0;
+    Long bitsPerPixel_ = 0;
+    Long bytesPerPixel_ = 0;
+    std::vector<RgbQuad> colorTable_;  // 8 bits only
+
+    std::unique_ptr<std::uint8_t[]> bits_;
+    std::uintptr_t handle_ = 0;
+
+    bool sessionOpen_ = false;
+    PixelArray session_;
+    Long lastColumn_ = 0;
+    Long lastRow_ = 0;
+
+    std::string lastError_;
+    ViewportRect viewport_;
+    std::vector<float> randomRing_;
+    Long randomIndex_ = -1;
+};
+
+}  // namespace kelvarin
