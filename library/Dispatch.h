@@ -12,16 +12,23 @@
 namespace kelvarin::library {
 
 // Converts a value to a member's type by the host's rules: Type mismatch
-// (13) for a value of the wrong kind, Overflow (6) out of range. OLE_COLOR
-// and enumerations arrive as Long; Font and Picture need an object of that
-// type (or Nothing).
+// (13) for a value of the wrong kind, Overflow (6) out of range, Invalid use
+// of Null (94) for Null anywhere but a Variant. Enumerations arrive as Long.
+// An OLE_COLOR arrives as a Long holding the colour's 32 bits (&H8000000F is
+// a negative Long); a number up to &HFFFFFFFF written unsigned gives the same
+// bits. Font and Picture need an object of that type name, or Nothing.
 Variant ConvertTo(const TypeRef& type, const Variant& value);
 
-// The class information of a live control (its class must be registered),
-// and the member lookups that raise Object doesn't support this property or
-// method (438) when there is no such member or accessor.
+// The class information of a live control, found by its type name in the
+// ClassRegistry; a control of an unregistered class raises 438.
 const ClassInfo& ClassOf(const host::Control& control);
 
+// The member is looked up by name (case-insensitive) or DISPID, its accessor
+// checked, the value converted, then the control called. Object doesn't
+// support this property or method (438) for an unknown member, a Let on a
+// read-only or object property, a Set on a property that takes no object, a
+// Get or Let of a method, or a Call of a property. A failed lookup or
+// conversion leaves the control untouched.
 Variant Get(host::Control& control, std::string_view member);
 Variant Get(host::Control& control, DispId id);
 void Let(host::Control& control, std::string_view member, const Variant& value);
@@ -29,7 +36,10 @@ void Let(host::Control& control, DispId id, const Variant& value);
 // Assigns an object reference (Font, Picture).
 void Set(host::Control& control, std::string_view member, const Variant& value);
 void Set(host::Control& control, DispId id, const Variant& value);
-// Calls a method; the result is Empty for a method without one.
+// Calls a method; the result is Empty for a method without one. A wrong
+// number of arguments raises 450. Arguments are passed by reference: one
+// already of the parameter's type gets the method's change, a converted one
+// is a copy.
 Variant Call(host::Control& control, std::string_view member, std::span<Variant> args);
 Variant Call(host::Control& control, DispId id, std::span<Variant> args);
 

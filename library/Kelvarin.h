@@ -92,7 +92,9 @@ typedef struct KelvarinControlVtbl {
     /* The class name ("DateBox"), UTF-8, valid while the object lives. */
     const char* (*ClassName)(KelvarinControl* self);
     /* The control as a kelvarin::host::Control*, for a C++ host built from
-     * the same headers with the same compiler. Owned by this object. */
+     * the same headers with the same compiler. Owned by this object: the
+     * host sites it and drives its life-cycle, Terminate included, before
+     * the last Release destroys it. */
     void* (*NativeControl)(KelvarinControl* self);
 } KelvarinControlVtbl;
 struct KelvarinControl {
@@ -112,7 +114,8 @@ KELVARIN_API KelvarinResult DllCanUnloadNow(void);
 KELVARIN_API KelvarinResult DllRegisterServer(void);
 /* Removes this library's records from the registry file. */
 KELVARIN_API KelvarinResult DllUnregisterServer(void);
-/* Why the calling thread's last failed entry point failed; "" when none has. */
+/* Why the calling thread's last failed call failed, UTF-8; "" after a
+ * success. Valid until the thread's next call into the library. */
 KELVARIN_API const char* KelvarinLastError(void);
 
 typedef KelvarinResult (*KelvarinDllGetClassObjectFn)(const KelvarinGuid*, const KelvarinGuid*,

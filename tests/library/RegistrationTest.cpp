@@ -129,6 +129,12 @@ TEST_F(RegistrationTest, ANonFileIsReported) {
     EXPECT_THROW(RegisterClasses(file, "/x/libkelvarin.so"), RegistryError);
 }
 
+TEST_F(RegistrationTest, AFolderThatCannotBeCreatedFailsCleanly) {
+    WriteFile(dir.Path() / "data", "a file where the folder should be");
+    EXPECT_THROW(RegisterClasses(file, "/x/libkelvarin.so"), RegistryError);
+    EXPECT_EQ(ReadFile(dir.Path() / "data"), "a file where the folder should be");
+}
+
 TEST_F(RegistrationTest, KeepsThePermissionsOfTheFileItReplaces) {
     fs::create_directories(file.parent_path());
     WriteFile(file, R"({"classes": []})");

@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "common/HostError.h"
 #include "library/ClassFactory.h"
 #include "library/Dispatch.h"
 #include "tests/library/Probe.h"
@@ -157,6 +158,23 @@ TEST_F(ServerTest, ServerLocksKeepTheLibraryLoaded) {
     // One unlock too many does not release another object's count.
     EXPECT_EQ(factory->vtbl->LockServer(factory, 0), KELVARIN_E_UNEXPECTED);
     EXPECT_EQ(CanUnloadNow(), KELVARIN_S_FALSE);
+    factory->vtbl->Release(factory);
+}
+
+TEST_F(ServerTest, AControlThatFailsToStartIsReportedNotThrown) {
+    static const ClassInfo faulty{"Faulty",
+                                  Guid{0x7A0C1D2E, 0x1111, 0x4222, {0x83, 0, 0, 0, 0, 0, 0, 1}},
+                                  "_Faulty", Guid{}, {}, Guid{}, {}, {}};
+    ClassRegistry::Instance().Register(faulty, []() -> std::unique_ptr<host::Control> {
+        RaiseHostError(HostErrorCode::Overflow);
+    });
+    KelvarinClassFactory* factory = Factory("Faulty");
+    ASSERT_NE(factory, nullptr);
+    void* object = &object;
+    EXPECT_EQ(factory->vtbl->CreateInstance(factory, nullptr, &KELVARIN_IID_CONTROL, &object),
+              KELVARIN_E_FAIL);
+    EXPECT_EQ(object, nullptr);
+    EXPECT_NE(std::string(LastError()).find("Overflow"), std::string::npos) << LastError();
     factory->vtbl->Release(factory);
 }
 
