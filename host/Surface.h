@@ -6,6 +6,7 @@
 
 #include "common/Font.h"
 #include "common/OleColor.h"
+#include "gfx/DeviceContext.h"
 #include "host/Geometry.h"
 
 namespace kelvarin::host {
@@ -23,10 +24,9 @@ enum TextFormat : unsigned {
     DT_NOPREFIX = 0x800,
 };
 
-class Surface {
+// A surface is also a 24-bit device context, so raster surfaces blit to it.
+class Surface : public DeviceContext {
 public:
-    virtual ~Surface() = default;
-
     virtual int Width() const = 0;
     virtual int Height() const = 0;
 
@@ -45,12 +45,6 @@ public:
     virtual Size MeasureText(std::string_view text, const Font& font) = 0;
     // The dotted focus rectangle, drawn by inverting.
     virtual void DrawFocusRect(const Rect& rect) = 0;
-
-    // 24-bit pixels in the raster layout: rows of blue, green, red bytes,
-    // padded to 4 bytes, bottom-up. Copies the source rectangle (sx, sy
-    // counted from the top) to (dx, dy), clipped to both.
-    virtual void BlitBGR(const std::uint8_t* bits, int width, int height, int stride, Point dest,
-                         Rect source) = 0;
 };
 
 }  // namespace kelvarin::host

@@ -299,8 +299,9 @@ void ScriptHost::Dispatch(const std::vector<std::string>& w, std::string_view li
         Need(w, 2, 2, "get NAME.PROPERTY");
         auto [placed, member] = Target(w[1]);
         const Variant value = library::Get(placed->Get(), member);
-        out_ << w[1] << " = " << FormatValue(value, IsColor(library::ClassOf(placed->Get()), member))
-             << "\n";
+        const library::ClassInfo& info = library::ClassOf(placed->Get());
+        out_ << placed->Name() << "." << info.FindMember(member)->name << " = "
+             << FormatValue(value, IsColor(info, member)) << "\n";
     } else if (cmd == "call") {
         Need(w, 2, 64, "call NAME.METHOD [ARGUMENTS]");
         auto [placed, member] = Target(w[1]);
@@ -309,7 +310,10 @@ void ScriptHost::Dispatch(const std::vector<std::string>& w, std::string_view li
         const int border = host::BorderWidth(placed->Get().SurfaceState());
         const Variant result = library::Call(placed->Get(), member, args);
         AfterWrite(*placed, border);
-        if (!result.IsEmpty()) out_ << w[1] << " = " << FormatValue(result) << "\n";
+        if (!result.IsEmpty()) {
+            out_ << placed->Name() << "." << library::ClassOf(placed->Get()).FindMember(member)->name
+                 << " = " << FormatValue(result) << "\n";
+        }
     } else if (cmd == "save") {
         Need(w, 2, 2, "save FILE");
         Save(w[1]);
@@ -348,7 +352,8 @@ void ScriptHost::Dispatch(const std::vector<std::string>& w, std::string_view li
         SendKey("up", code, shift);
     } else if (cmd == "type") {
         Need(w, 2, 2, "type TEXT");
-        const std::string text = ParseValue(w[1]).ToString();
+        // A quoted word is read as a value; a bare one is the text itself.
+        const std::string text = w[1].front() == '"' ? ParseValue(w[1]).ToString() : w[1];
         for (char ch : text) {
             const unsigned char c = static_cast<unsigned char>(ch);
             if (std::isdigit(c) || c == ' ') {

@@ -43,8 +43,8 @@ Date ParseDateWord(std::string_view inner, std::string_view word) {
     int y = 1899, mo = 12, d = 30, h = 0, mi = 0, s = 0;
     char tail = 0;
     const std::string text(inner);
-    if (std::sscanf(text.c_str(), "%d:%d:%d%c", &h, &mi, &s, &tail) == 3 && text.find('-') == std::string::npos) {
-        // a time alone
+    if (text.find('-') == std::string::npos) {  // a time alone
+        if (std::sscanf(text.c_str(), "%d:%d:%d%c", &h, &mi, &s, &tail) != 3) Bad(word);
     } else {
         const int n = std::sscanf(text.c_str(), "%d-%d-%d %d:%d:%d%c", &y, &mo, &d, &h, &mi, &s, &tail);
         if (n != 3 && n != 6) Bad(word);

@@ -125,37 +125,14 @@ void RasterSurface::DrawFocusRect(const Rect& rect) {
     }
 }
 
-void RasterSurface::BlitBGR(const std::uint8_t* bits, int width, int height, int stride,
-                            Point dest, Rect source) {
-    // Clip the source to the bitmap, then the destination to the view and raster.
-    source.left = std::max(source.left, 0);
-    source.top = std::max(source.top, 0);
-    source.right = std::min(source.right, width);
-    source.bottom = std::min(source.bottom, height);
-    int dx = dest.x + view_.left, dy = dest.y + view_.top;
-    const int clipLeft = std::max(view_.left, 0), clipTop = std::max(view_.top, 0);
-    const int clipRight = std::min(view_.right, raster_->width);
-    const int clipBottom = std::min(view_.bottom, raster_->height);
-    if (dx < clipLeft) {
-        source.left += clipLeft - dx;
-        dx = clipLeft;
-    }
-    if (dy < clipTop) {
-        source.top += clipTop - dy;
-        dy = clipTop;
-    }
-    const int w = std::min(source.Width(), clipRight - dx);
-    const int h = std::min(source.Height(), clipBottom - dy);
-    if (w <= 0 || h <= 0) return;
-    // Both sides hold blue, green, red: each row is one copy.
-    for (int r = 0; r < h; ++r) {
-        const int sy = source.top + r;
-        const std::uint8_t* from =
-            bits + static_cast<std::ptrdiff_t>(height - 1 - sy) * stride + source.left * 3;
-        std::uint8_t* to =
-            raster_->bgr.data() + (static_cast<std::size_t>(dy + r) * raster_->width + dx) * 3;
-        std::copy(from, from + static_cast<std::ptrdiff_t>(w) * 3, to);
-    }
+const std::uint8_t* RasterSurface::ScanLine(int y) const {
+    return raster_->bgr.data() +
+           (static_cast<std::size_t>(view_.top + y) * raster_->width + view_.left) * 3;
+}
+
+std::uint8_t* RasterSurface::WritableScanLine(int y) {
+    return raster_->bgr.data() +
+           (static_cast<std::size_t>(view_.top + y) * raster_->width + view_.left) * 3;
 }
 
 }  // namespace kelvarin::host::headless

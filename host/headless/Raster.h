@@ -47,8 +47,12 @@ public:
                  OLE_COLOR color) override;
     Size MeasureText(std::string_view text, const Font& font) override;
     void DrawFocusRect(const Rect& rect) override;
-    void BlitBGR(const std::uint8_t* bits, int width, int height, int stride, Point dest,
-                 Rect source) override;
+    // ---- DeviceContext: the view's rows, blue, green, red bytes.
+    int PixelWidth() const override { return Width(); }
+    int PixelHeight() const override { return Height(); }
+    int BitsPerPixel() const override { return 24; }
+    const std::uint8_t* ScanLine(int y) const override;
+    std::uint8_t* WritableScanLine(int y) override;
 
 private:
     bool Inside(int x, int y) const noexcept;

@@ -112,7 +112,7 @@ const library::ClassInfo& GaugeClass() {
     return info;
 }
 
-std::string Run(const std::string& script, bool* ok = nullptr) {
+std::string RunScript(const std::string& script, bool* ok = nullptr) {
     library::ClassRegistry::Instance().Register(GaugeClass(),
                                                 [] { return std::make_unique<Gauge>(); });
     std::ostringstream out;
@@ -125,7 +125,7 @@ std::string Run(const std::string& script, bool* ok = nullptr) {
 
 TEST(ScriptHost, PropertiesMethodsAndErrors) {
     bool ok = true;
-    EXPECT_EQ(Run(R"(# a comment
+    EXPECT_EQ(RunScript(R"(# a comment
 create Gauge g1 40 10
 get g1.Caption
 let G1.count "12"
@@ -153,7 +153,7 @@ error: 0 not a value: abc
 error: 13 Type mismatch
 error: 438 Object doesn't support this property or method
 error: 0 no control named g2
-error: 0 usage: create CLASS NAME [WIDTH HEIGHT]
+error: 0 a control named g1 exists already
 error: 0 unknown command frobnicate
 still "here"
 g1 notified Count
@@ -161,11 +161,11 @@ g1 notified Color
 g1 notified Other
 )");
     EXPECT_FALSE(ok);
-    EXPECT_TRUE((Run("echo fine\n", &ok), ok));
+    EXPECT_TRUE((RunScript("echo fine\n", &ok), ok));
 }
 
 TEST(ScriptHost, KeysFocusTimersAndPixels) {
-    EXPECT_EQ(Run(R"(create Gauge a 4 4
+    EXPECT_EQ(RunScript(R"(create Gauge a 4 4
 create Gauge b 4 4
 key down 13
 focus a
@@ -207,7 +207,7 @@ TEST(ScriptHost, SaveAndLoadKeepTheOldFormWhenAFileIsBad) {
     std::ofstream(bad) << R"({"format":"kelvarin-form","version":1,"controls":[)"
                           R"({"class":"Gauge","name":"x","left":0,"top":0,"width":5,"height":5,)"
                           R"("properties":{"Count":"many"}}]})";
-    EXPECT_EQ(Run("create Gauge g1 10 10\nlet g1.Count 7\nmove g1 3 4\nsave " + good +
+    EXPECT_EQ(RunScript("create Gauge g1 10 10\nlet g1.Count 7\nmove g1 3 4\nsave " + good +
                   "\ndestroy g1\ncreate Gauge other 5 5\nload " + good +
                   "\nget g1.Count\nget other.Count\nload " + bad + "\nget g1.Count\n"),
               "g1.Count = 7\nerror: 0 no control named other\nerror: 0 " + bad +

@@ -125,15 +125,17 @@ TEST(RasterSurface, LinesBlitsAndFocusRectangles) {
     EXPECT_EQ(s.GetPixel({3, 0}), RGB(255, 255, 255));  // the end point is left out
     EXPECT_EQ(raster->Get(1, 1), 0u);
 
-    // A 3 x 2 bottom-up source: its last row in memory is its top row.
-    const std::uint8_t bits[] = {1, 1, 1, 2, 2, 2, 3, 3, 3, 0, 0, 0,  // bottom row (+pad)
-                                 4, 4, 4, 5, 5, 5, 6, 6, 6, 0, 0, 0};
-    s.BlitBGR(bits, 3, 2, 12, {4, 2}, {0, 0, 3, 2});
+    // Blits reach the view's rows through the device-context interface.
+    auto other = std::make_shared<Raster>();
+    other->Resize(3, 2, RGB(4, 4, 4));
+    other->Put(2, 1, RGB(6, 6, 6));
+    RasterSurface source(other, {0, 0, 3, 2});
+    ASSERT_TRUE(BitBlt(s, 4, 2, 3, 2, &source, 0, 0, SRCCOPY));
     EXPECT_EQ(s.GetPixel({4, 2}), RGB(4, 4, 4));
-    EXPECT_EQ(s.GetPixel({5, 3}), RGB(2, 2, 2));
+    EXPECT_EQ(s.GetPixel({5, 3}), RGB(4, 4, 4));
     EXPECT_EQ(raster->Get(7, 3), RGB(255, 255, 255));  // clipped at the view
-    s.BlitBGR(bits, 3, 2, 12, {-2, -1}, {0, 0, 3, 2});
-    EXPECT_EQ(s.GetPixel({0, 0}), RGB(3, 3, 3));
+    ASSERT_TRUE(BitBlt(s, -2, -1, 3, 2, &source, 0, 0, SRCCOPY));
+    EXPECT_EQ(s.GetPixel({0, 0}), RGB(6, 6, 6));
 
     s.FillRect({0, 0, 6, 4}, RGB(0, 0, 0));
     s.DrawFocusRect({0, 0, 4, 3});

@@ -1,0 +1,154 @@
+// ProgressBox: a progress bar painted as a colour gradient, with a caption
+// of its text and percentage, that times a run from its minimum to its
+// maximum and reports elapsed and estimated time.
+//
+// Sections: dispatch identifiers; state; properties; life-cycle; painting;
+// timing.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "common/DateTime.h"
+#include "common/OleColor.h"
+#include "host/Control.h"
+
+namespace kelvarin {
+class clsGFX_2D;
+}
+
+namespace kelvarin::controls {
+
+class ProgressBox : public host::Control {
+public:
+    enum DispIds : host::DispId {
+        kBackColor = 0x68030027,
+        kForeColor = 0x68030026,
+        kEnabled = 0x68030025,
+        kFont = host::DISPID_FONT,
+        kBorderStyle = 0x68030024,
+        kAppearance = 0x68030023,
+        kHWnd = 0x68030022,
+        kMouseIcon = 0x68030021,
+        kMousePointer = 0x68030020,
+        kStartColor = 0x6803001F,
+        kFinishColor = 0x6803001E,
+        kValue = 0x6803001D,
+        kText = 0x6803001C,
+        kShowPercentual = 0x6803001B,
+        kAlignment = 0x6803001A,
+        kMinValue = 0x68030019,
+        kMaxValue = 0x68030018,
+        kPercentual = 0x68030017,
+        kGradientStyle = 0x68030016,
+        kPivotColor = 0x68030015,
+        kTimerChangedInterval = 0x68030014,
+    };
+    // Event numbers in the event interface.
+    enum Events : int {
+        kClick = 1,
+        kDblClick,
+        kKeyDown,
+        kKeyPress,
+        kKeyUp,
+        kMouseDown,
+        kMouseMove,
+        kMouseUp,
+        kChange,
+        kTimerChange,
+    };
+
+    ProgressBox();
+    ~ProgressBox() override;
+
+    // ---- Properties (typed API; each write repaints and notifies as it must)
+    void SetBackColor(OLE_COLOR color);
+    void SetForeColor(OLE_COLOR color);
+    void SetEnabled(bool enabled);
+    void SetFont(std::shared_ptr<Font> font);
+    void SetBorderStyle(Long style);
+    void SetAppearance(Long appearance);
+    void SetMouseIcon(std::shared_ptr<Object> picture);
+    void SetMousePointer(Integer pointer);
+    void SetStartColor(OLE_COLOR color);
+    void SetFinishColor(OLE_COLOR color);
+    void SetPivotColor(OLE_COLOR color);
+    void SetGradientStyle(Long style);
+    void SetText(std::string text);
+    void SetShowPercentual(bool show);
+    void SetAlignment(Long alignment);
+    void SetValue(double value);
+    void SetMinValue(double value);
+    void SetMaxValue(double value);
+    void SetPercentual(double percentual);
+    void SetTimerChangedInterval(Long milliseconds);
+
+    OLE_COLOR StartColor() const noexcept { return startColor_; }
+    OLE_COLOR FinishColor() const noexcept { return finishColor_; }
+    OLE_COLOR PivotColor() const noexcept { return pivotColor_; }
+    Long GradientStyle() const noexcept { return gradientStyle_; }
+    const std::string& Text() const noexcept { return text_; }
+    bool ShowPercentual() const noexcept { return showPercentual_; }
+    Long Alignment() const noexcept { return alignment_; }
+    double Value() const noexcept { return value_; }
+    double MinValue() const noexcept { return minValue_; }
+    double MaxValue() const noexcept { return maxValue_; }
+    double Percentual() const noexcept { return percentual_; }
+    Long TimerChangedInterval() const;
+    bool TimerRunning() const;
+    std::uint32_t StartTick() const noexcept { return startTick_; }
+
+    // ---- Host
+    void InitProperties() override;
+    void ReadProperties(host::PropertyBag& bag) override;
+    void WriteProperties(host::PropertyBag& bag) override;
+    void Show() override;
+    void Resize() override;
+    void Paint() override;
+    void KeyDown(Integer& keyCode, Integer shift) override;
+    void KeyPress(Integer& keyAscii) override;
+    void KeyUp(Integer& keyCode, Integer shift) override;
+    void MouseDown(Integer button, Integer shift, Single x, Single y) override;
+    void MouseMove(Integer button, Integer shift, Single x, Single y) override;
+    void MouseUp(Integer button, Integer shift, Single x, Single y) override;
+    void Click() override;
+    void DblClick() override;
+    Variant GetProperty(host::DispId id) override;
+    void PutProperty(host::DispId id, const Variant& value) override;
+    std::vector<std::string> Dump() const override;
+
+    // The caption as drawn: the text, then a blank and the rounded percentage.
+    std::string Caption() const;
+
+private:
+    void UpdatePercentual();
+    void UpdateValue();
+    void StartTiming();
+    void StopTiming();
+    void OnTimer();
+    void Redraw();
+    void DrawBar(clsGFX_2D& gfx, double& from, double& to);
+    void DrawCaption(host::Surface& surface, double sw, double sh);
+    void EnsureTimer();
+    void RaiseMouse(int number, const char* name, Integer button, Integer shift, Single x, Single y);
+
+    OLE_COLOR startColor_ = 0x8000000D;
+    OLE_COLOR startColorRGB_ = 0;
+    OLE_COLOR finishColor_ = 0x8000000D;
+    OLE_COLOR finishColorRGB_ = 0;
+    OLE_COLOR pivotColor_ = 0x8000000D;
+    Long gradientStyle_ = 0;
+    double percentual_ = 0;
+    double value_ = 0;
+    double minValue_ = 0;
+    double maxValue_ = 100;
+    std::string text_;
+    bool showPercentual_ = true;
+    Long alignment_ = 1;
+    std::uint32_t startTick_ = 0;
+    bool ready_ = false;
+    std::unique_ptr<host::Timer> tmrTimes_;
+    Long pendingInterval_ = 250;  // until the site gives the timer
+};
+
+}  // namespace kelvarin::controls
