@@ -4,13 +4,17 @@
 #include <cctype>
 #include <cmath>
 #include <cstdio>
+#include <cstring>
+#include <span>
 #include <fstream>
 #include <sstream>
 
 #include <nlohmann/json.hpp>
 
+#include "common/BmpFile.h"
 #include "common/DateTime.h"
 #include "common/Font.h"
+#include "common/Picture.h"
 
 namespace kelvarin::host {
 
@@ -23,11 +27,6 @@ constexpr int kMaxDepth = 32;
 constexpr std::size_t kMaxControls = 10000;
 constexpr int kMaxCoordinate = 1000000;
 constexpr int kMaxSize = 32767;
-
-std::vector<ObjectCodec>& Codecs() {
-    static std::vector<ObjectCodec> codecs;
-    return codecs;
-}
 
 [[noreturn]] void Fail(const std::string& place, const std::string& what) {
     throw FormError(place + ": " + what);
@@ -53,6 +52,79 @@ std::string IsoText(Date d) {
     return buf;
 }
 
+constexpr char kBase64[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+
+std::string ToBase64(std::span<const std::uint8_t> bytes) {
+    std::string out;
+    out.reserve((bytes.size() + 2) / 3 * 4);
+    for (std::size_t i = 0; i < bytes.size(); i += 3) {
+        const std::uint32_t n = bytes[i] << 16 | (i + 1 < bytes.size() ? bytes[i + 1] << 8 : 0) |
+                                (i + 2 < bytes.size() ? bytes[i + 2] : 0);
+        out += kBase64[n >> 18 & 63];
+        out += kBase64[n >> 12 & 63];
+        out += i + 1 < bytes.size() ? kBase64[n >> 6 & 63] : '=';
+        out += i + 2 < bytes.size() ? kBase64[n & 63] : '=';
+    }
+    return out;
+}
+
+std::vector<std::uint8_t> FromBase64(const std::string& text, const std::string& place) {
+    if (text.size() % 4 != 0) Fail(place, "not base64");
+    std::vector<std::uint8_t> out;
+    out.reserve(text.size() / 4 * 3);
+    for (std::size_t i = 0; i < text.size(); i += 4) {
+        std::uint32_t n = 0;
+        int pad = 0;
+        for (std::size_t k = 0; k < 4; ++k) {
+            const char c = text[i + k];
+            const char* at = c == '=' ? nullptr : std::strchr(kBase64, c);
+            if (c == '=' && i + 4 == text.size() && k >= 2) {
+                ++pad;
+            } else if (!at || c == '\0' || pad) {
+                Fail(place, "not base64");
+            }
+            n = n << 6 | (at ? static_cast<std::uint32_t>(at - kBase64) : 0);
+        }
+        out.push_back(static_cast<std::uint8_t>(n >> 16));
+        if (pad < 2) out.push_back(static_cast<std::uint8_t>(n >> 8));
+        if (pad < 1) out.push_back(static_cast<std::uint8_t>(n));
+    }
+    return out;
+}
+
+// Bitmaps are stored as bitmap files; an icon as its colour pixels in one,
+// its mask in base64 and its hot spot.
+Json EncodePicture(const Picture& picture, const std::string& place) {
+    switch (picture.Type()) {
+        case PictureType::None: return Json{{"type", "none"}};
+        case PictureType::Metafile: return Json{{"type", "metafile"}};
+        case PictureType::EnhancedMetafile: return Json{{"type", "enhmetafile"}};
+        case PictureType::Bitmap: {
+            const BmpWriteResult file = WriteBmp(picture);
+            if (!file) Fail(place, file.error);
+            return Json{{"type", "bitmap"}, {"bmp", ToBase64(file.bytes)}};
+        }
+        case PictureType::Icon: {
+            auto colour = Picture::MakeBitmap(picture.Width(), picture.Height(), 24);
+            std::vector<std::uint8_t> mask;
+            for (int y = 0; y < picture.Height(); ++y) {
+                const auto row = picture.Row(y);
+                std::copy(row.begin(), row.end(), colour->Row(y).begin());
+                const auto m = picture.MaskRow(y);
+                mask.insert(mask.end(), m.begin(), m.end());
+            }
+            const BmpWriteResult file = WriteBmp(*colour);
+            if (!file) Fail(place, file.error);
+            return Json{{"type", "icon"},
+                        {"bmp", ToBase64(file.bytes)},
+                        {"mask", ToBase64(mask)},
+                        {"hotX", picture.HotSpotX()},
+                        {"hotY", picture.HotSpotY()}};
+        }
+    }
+    Fail(place, "cannot store this picture");
+}
+
 Json Encode(const Variant& v, const std::string& place) {
     switch (v.Type()) {
         case VarType::Empty: return Json{{"empty", true}};
@@ -76,8 +148,8 @@ Json Encode(const Variant& v, const std::string& place) {
                               {"underline", font->underline},
                               {"strikethrough", font->strikethrough}}}};
             }
-            for (const ObjectCodec& codec : Codecs())
-                if (codec.typeName == object->TypeName()) return Json{{codec.key, codec.encode(*object)}};
+            if (const auto* picture = dynamic_cast<const Picture*>(object.get()))
+                return Json{{"picture", EncodePicture(*picture, place)}};
             Fail(place, "cannot store an object of type " + object->TypeName());
         }
     }
@@ -150,6 +222,37 @@ Date ParseIso(const std::string& s, const std::string& place) {
     return CombineDateTime(DateSerial(y, mo, d), (h * 3600 + mi * 60 + se) / 86400.0);
 }
 
+std::shared_ptr<Picture> ReadBitmapText(const Json& j, const std::string& place) {
+    const BmpReadResult read = ReadBmp(FromBase64(Text(j, place, kMaxText), place));
+    if (!read) Fail(place, read.error);
+    return read.picture;
+}
+
+std::shared_ptr<Picture> DecodePicture(const Json& j, const std::string& place) {
+    if (!j.is_object()) Fail(place, "expected an object");
+    const std::string type = Text(Member(j, "type", place), place + ".type", 16);
+    if (type == "none") return Picture::MakeOfType(PictureType::None);
+    if (type == "metafile") return Picture::MakeOfType(PictureType::Metafile);
+    if (type == "enhmetafile") return Picture::MakeOfType(PictureType::EnhancedMetafile);
+    if (type == "bitmap") return ReadBitmapText(Member(j, "bmp", place), place + ".bmp");
+    if (type != "icon") Fail(place + ".type", "unknown picture type \"" + type + "\"");
+    const auto colour = ReadBitmapText(Member(j, "bmp", place), place + ".bmp");
+    const int w = colour->Width(), h = colour->Height();
+    const int hotX = Whole(Member(j, "hotX", place), place + ".hotX", 0, w);
+    const int hotY = Whole(Member(j, "hotY", place), place + ".hotY", 0, h);
+    const auto mask = FromBase64(Text(Member(j, "mask", place), place + ".mask", kMaxText),
+                                 place + ".mask");
+    if (colour->BitsPerPixel() != 24 || mask.size() != static_cast<std::size_t>(w) * h)
+        Fail(place, "icon pixels and mask do not match");
+    auto icon = Picture::MakeIcon(w, h, hotX, hotY);
+    for (int y = 0; y < h; ++y) {
+        const auto from = colour->Row(y);
+        std::copy(from.begin(), from.end(), icon->Row(y).begin());
+        std::copy_n(mask.begin() + static_cast<std::ptrdiff_t>(y) * w, w, icon->MaskRow(y).begin());
+    }
+    return icon;
+}
+
 Variant Decode(const Json& j, const std::string& place) {
     switch (j.type()) {
         case Json::value_t::null: return Variant::Null();
@@ -184,16 +287,7 @@ Variant Decode(const Json& j, const std::string& place) {
                 }
                 return Variant(std::shared_ptr<Object>(font));
             }
-            for (const ObjectCodec& codec : Codecs()) {
-                if (codec.key != key) continue;
-                try {
-                    return Variant(codec.decode(Text(value, inner, kMaxText)));
-                } catch (const FormError&) {
-                    throw;
-                } catch (const std::exception& e) {
-                    Fail(inner, e.what());
-                }
-            }
+            if (key == "picture") return Variant(std::shared_ptr<Object>(DecodePicture(value, inner)));
             Fail(place, "unknown kind of value \"" + key + "\"");
         }
         case Json::value_t::array:
@@ -218,16 +312,6 @@ std::string Lower(std::string s) {
 }
 
 }  // namespace
-
-void RegisterObjectCodec(ObjectCodec codec) {
-    for (ObjectCodec& c : Codecs()) {
-        if (c.typeName == codec.typeName) {
-            c = std::move(codec);
-            return;
-        }
-    }
-    Codecs().push_back(std::move(codec));
-}
 
 Variant FormPropertyBag::ReadProperty(std::string_view name, const Variant& defaultValue) {
     Variant v = stored_.ReadProperty(name, defaultValue);

@@ -1,5 +1,6 @@
 // The form file: a form's controls, each with class, name, geometry and
-// stored properties, as JSON. Reading validates the whole file first, so a
+// stored properties, as JSON (fonts as objects, pictures as embedded
+// bitmap files in base64). Reading validates the whole file first, so a
 // corrupt or hostile file is refused with the place of the fault and
 // nothing half-read is ever used.
 #pragma once
@@ -49,16 +50,6 @@ private:
     MemoryPropertyBag& stored_;
     std::string place_;
 };
-
-// Encoders for object values other than fonts (pictures), supplied by the
-// layer that knows them.
-struct ObjectCodec {
-    std::string typeName;  // "Picture"
-    std::string key;       // the JSON key holding it: {"picture": ...}
-    std::function<std::string(const Object&)> encode;  // to text
-    std::function<std::shared_ptr<Object>(std::string_view)> decode;  // throws on bad data
-};
-void RegisterObjectCodec(ObjectCodec codec);
 
 std::string WriteForm(const Form& form);
 // `source` names the text in messages ("form.json"); `classExists` refuses

@@ -5,7 +5,9 @@
 #include <cmath>
 
 #include "apps/host/ScriptValues.h"
+#include "common/BmpFile.h"
 #include "common/HostError.h"
+#include "common/Picture.h"
 #include "host/FormFile.h"
 #include "library/ClassFactory.h"
 #include "library/Dispatch.h"
@@ -426,6 +428,19 @@ void ScriptHost::Dispatch(const std::vector<std::string>& w, std::string_view li
         Need(w, 2, 2, "deactivate popup");
         if (!host_.openPopup) throw ScriptError{"no popup is open"};
         host_.openPopup->Deactivated();
+    } else if (cmd == "paint") {
+        Need(w, 3, 3, "paint NAME FILE.bmp");
+        Placed& p = Control(w[1]);
+        p.PaintFrame();
+        const host::headless::Raster& r = p.Pixels();
+        if (r.width == 0 || r.height == 0) throw ScriptError{"the control has no pixels"};
+        auto picture = Picture::MakeBitmap(r.width, r.height, 24);
+        for (int y = 0; y < r.height; ++y) {  // the raster is top-down, bitmaps bottom-up
+            const auto* row = r.bgr.data() + static_cast<std::size_t>(y) * r.width * 3;
+            std::copy(row, row + r.width * 3, picture->Row(r.height - 1 - y).begin());
+        }
+        if (const std::string error = SaveBmpFile(*picture, w[2]); !error.empty())
+            throw ScriptError{w[2] + ": " + error};
     } else if (cmd == "pixel") {
         Need(w, 4, 4, "pixel NAME X Y");
         Placed& p = Control(w[1]);

@@ -5,7 +5,9 @@
 #include <cmath>
 #include <cstdio>
 
+#include "common/BmpFile.h"
 #include "common/Font.h"
+#include "common/Picture.h"
 #include "common/HostError.h"
 
 namespace kelvarin::script {
@@ -147,6 +149,12 @@ Variant ParseValue(std::string_view word) {
     if (IEquals(word, "Nothing")) return Variant::Nothing();
     if (word.size() > 5 && IEquals(word.substr(0, 5), "font(") && word.back() == ')')
         return ParseFont(word.substr(5, word.size() - 6), word);
+    if (word.size() > 8 && IEquals(word.substr(0, 8), "picture(") && word.back() == ')') {
+        const std::string path = Unquote(word.substr(8, word.size() - 9));
+        BmpReadResult read = LoadBmpFile(path);
+        if (!read) throw ScriptError{path + ": " + read.error};
+        return Variant(std::shared_ptr<Object>(read.picture));
+    }
     if (word.size() > 2 && word[0] == '&' && (word[1] == 'H' || word[1] == 'h')) {
         std::uint32_t v = 0;
         const auto [end, ec] = std::from_chars(word.data() + 2, word.data() + word.size(), v, 16);
@@ -227,6 +235,16 @@ std::string FormatValue(const Variant& value, bool asColor) {
                 if (font->underline) out += " underline";
                 if (font->strikethrough) out += " strikethrough";
                 return out + ")";
+            }
+            if (const auto* picture = dynamic_cast<const Picture*>(object.get())) {
+                const auto size = std::to_string(picture->Width()) + "x" + std::to_string(picture->Height());
+                switch (picture->Type()) {
+                    case PictureType::Bitmap: return "picture(bitmap " + size + ")";
+                    case PictureType::Icon: return "picture(icon " + size + ")";
+                    case PictureType::None: return "picture(none)";
+                    case PictureType::Metafile:
+                    case PictureType::EnhancedMetafile: return "picture(metafile)";
+                }
             }
             return object->TypeName();
         }

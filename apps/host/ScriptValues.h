@@ -16,7 +16,7 @@ std::vector<std::string> SplitWords(std::string_view line);
 // Reads a value word: 42, -2.5, 1E+20, &H8000000F, "text", True, False,
 // #2007-12-25#, #2007-12-25 13:45:00#, #13:45:00#, Null, Empty, Nothing,
 // font("Name", size [bold] [italic] [underline] [strikethrough]),
-// picture("file.bmp"). Raises a ScriptError for anything else.
+// picture("file.bmp") (printed picture(bitmap 32x32)). Raises a ScriptError for anything else.
 Variant ParseValue(std::string_view word);
 
 // Prints a value the way ParseValue reads it; colours as &H and 8 digits.

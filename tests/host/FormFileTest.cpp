@@ -6,6 +6,7 @@
 #include <fstream>
 
 #include "common/Font.h"
+#include "common/Picture.h"
 
 namespace kelvarin::host {
 namespace {
@@ -58,6 +59,14 @@ TEST(FormFile, EveryKindOfValueSurvivesARoundTrip) {
     c.properties.Set("Icon", Variant::Nothing());
     c.properties.Set("Font", Variant(std::shared_ptr<Object>(
                                  std::make_shared<Font>("DejaVu Sans", 9.75, true, false, true))));
+    auto bitmap = Picture::MakeBitmap(3, 2, 8);
+    bitmap->Row(1)[2] = 77;
+    c.properties.Set("Picture", Variant(std::shared_ptr<Object>(bitmap)));
+    auto icon = Picture::MakeIcon(2, 2, 1, 0);
+    icon->Row(0)[5] = 200;
+    icon->MaskRow(1)[0] = 1;
+    c.properties.Set("MouseIcon", Variant(std::shared_ptr<Object>(icon)));
+    c.properties.Set("NoPicture", Variant(std::shared_ptr<Object>(Picture::MakeOfType(PictureType::None))));
     form.controls.push_back(c);
 
     const Form back = ReadForm(WriteForm(form), "form.json", KnownClass);
@@ -108,6 +117,12 @@ TEST(FormFile, HostileFilesAreRefusedNamingThePlace) {
          "controls[0].properties.Font.font.size: out of range"},
         {head + ok + R"(,"properties":{"Value":[1]}}]})", "controls[0].properties.Value: unexpected value"},
         {head + ok + R"(,"properties":{"Value":{"blob":"x"}}}]})", "unknown kind of value \"blob\""},
+        {head + ok + R"(,"properties":{"P":{"picture":{"type":"bitmap","bmp":"Qk0="}}}}]})",
+         "controls[0].properties.P.picture.bmp: "},
+        {head + ok + R"(,"properties":{"P":{"picture":{"type":"bitmap","bmp":"Q!=="}}}}]})",
+         "controls[0].properties.P.picture.bmp: not base64"},
+        {head + ok + R"(,"properties":{"P":{"picture":{"type":"gif"}}}}]})",
+         "unknown picture type \"gif\""},
         {std::string(40, '[') + std::string(40, ']'), "nested more than 32 deep"},
         {std::string(100000, '{'), "nested more than 32 deep"},
     };
