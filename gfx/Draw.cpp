@@ -179,8 +179,8 @@ Long clsGFX_2D::Draw_ReadPixel(Long X, Long Y) const {
     switch (bytesPerPixel_) {
         case 3: {
             const Long i = CheckedMul(X, 3);
-            return session_(CheckedAdd(i, 2), Y) * 65536 + session_(CheckedAdd(i, 1), Y) * 256 +
-                   session_(i, Y);
+            return session_(i, Y) * 65536 + session_(CheckedAdd(i, 1), Y) * 256 +
+                   session_(CheckedAdd(i, 2), Y);
         }
         case 2: {
             const Long i = CheckedMul(X, 2);

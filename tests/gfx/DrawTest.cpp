@@ -1,0 +1,381 @@
+// Drawing primitives: viewport, pixels at and past the row's end, lines,
+// curves, circles, noise.
+#include <gtest/gtest.h>
+
+#include <random>
+#include <set>
+#include <utility>
+
+#include "common/OleColor.h"
+#include "gfx/clsGFX_2D.h"
+#include "tests/gfx/TestImages.h"
+
+namespace kelvarin {
+namespace {
+
+using test::Bytes;
+using test::ErrorOf;
+using test::RandomFill;
+using Pixels = std::set<std::pair<Long, Long>>;
+
+// The pixels of a 24-bit surface that are not black.
+Pixels Lit(clsGFX_2D& gfx) {
+    Pixels lit;
+    gfx.Draw_StartSession();
+    for (Long y = 0; y < gfx.Get_Height(); ++y) {
+        for (Long x = 0; x < gfx.Get_Width(); ++x) {
+            if (gfx.Draw_ReadPixel(x, y) != 0) lit.insert({x, y});
+        }
+    }
+    gfx.Draw_EndSession();
+    return lit;
+}
+
+TEST(Viewport, IsNormalisedInsideTheSurface) {
+    const struct {
+        Long in[4];
+        Long out[4];  // Xmin, Ymin, Xmax, Ymax
+    } rows[] = {
+        {{-5, 2, -1, 1}, {0, 2, 9, 2}},     // Ymax below Ymin is raised to it
+        {{0, 0, -1, -1}, {0, 0, 9, 9}},     // -1 stands for the far edge
+        {{12, 15, 3, 40}, {9, 9, 9, 9}},    // beyond the surface: the last pixel
+        {{4, 3, 2, -7}, {4, 3, 4, 3}},      // below the minimum: the minimum
+        {{2, 3, 100, 100}, {2, 3, 9, 9}},
+    };
+    for (const auto& r : rows) {
+        clsGFX_2D gfx;
+        ASSERT_TRUE(gfx.Create(10, 10));
+        gfx.Draw_SetViewport(r.in[0], r.in[1], r.in[2], r.in[3]);
+        const auto v = gfx.Viewport();
+        EXPECT_EQ(v.Xmin, r.out[0]) << r.in[0];
+        EXPECT_EQ(v.Ymin, r.out[1]) << r.in[1];
+        EXPECT_EQ(v.Xmax, r.out[2]) << r.in[2];
+        EXPECT_EQ(v.Ymax, r.out[3]) << r.in[3];
+    }
+}
+
+TEST(Pixel, WritesEachDepthsByteOrder) {
+    clsGFX_2D gfx;
+    ASSERT_TRUE(gfx.Create(3, 1, 16));
+    gfx.Draw_StartSession();
+    gfx.Draw_Pixel(1, 0, 0x00ABCDEF);
+    EXPECT_EQ(Bytes(gfx)[2], 0xCD);  // (c div 256) AND 255
+    EXPECT_EQ(Bytes(gfx)[3], 0xEF);
+    EXPECT_EQ(gfx.Draw_ReadPixel(1, 0), 0xCDEF);
+    ASSERT_TRUE(gfx.Create(3, 1, 8));
+    gfx.Draw_StartSession();
+    gfx.Draw_Pixel(2, 0, 0x1234);
+    EXPECT_EQ(Bytes(gfx)[2], 0x34);
+    ASSERT_TRUE(gfx.Create(3, 1, 24));
+    gfx.Draw_StartSession();
+    gfx.Draw_Pixel(1, 0, -1);  // div truncates: red 255, green and blue 0
+    EXPECT_EQ(gfx.Draw_ReadPixel(1, 0), 0x0000FF);
+    gfx.Draw_PixelRGB(2, 0, {10, 20, 30});
+    std::array<std::uint8_t, 3> rgb{};
+    gfx.Draw_ReadPixelRGB(2, 0, rgb);
+    EXPECT_EQ(rgb, (std::array<std::uint8_t, 3>{10, 20, 30}));
+    EXPECT_EQ(Bytes(gfx)[6], 30);  // blue first in memory
+}
+
+TEST(Pixel, PastTheEndOfARowWritesWhatFitsThenRaises) {
+    clsGFX_2D gfx;
+    ASSERT_TRUE(gfx.Create(5, 2, 24));  // 16-byte rows: column 5 has one byte inside
+    gfx.Draw_StartSession();
+    EXPECT_EQ(gfx.LastColumnIndex(), 5);
+    EXPECT_EQ(ErrorOf([&] { gfx.Draw_Pixel(5, 0, 0x00332211); }), 9);
+    auto bytes = Bytes(gfx);
+    EXPECT_EQ(bytes[15], 0x33);  // blue, in the padding
+    EXPECT_EQ(bytes[16], 0);     // row 1 untouched
+    // The three-byte write starts with red, so nothing of it fits.
+    EXPECT_EQ(ErrorOf([&] { gfx.Draw_PixelRGB(5, 1, {1, 2, 3}); }), 9);
+    EXPECT_EQ(Bytes(gfx)[31], 0);
+    EXPECT_EQ(ErrorOf([&] { gfx.Draw_Pixel(0, 2, 1); }), 9);
+    EXPECT_EQ(ErrorOf([&] { gfx.Draw_Pixel(0, -1, 1); }), 9);
+    EXPECT_EQ(ErrorOf([&] { gfx.Draw_Pixel(-1, 0, 1); }), 9);
+    EXPECT_EQ(ErrorOf([&] { gfx.Draw_ReadPixel(5, 0); }), 9);
+    EXPECT_EQ(ErrorOf([&] { gfx.Draw_Pixel(1000000000, 0, 1); }), 6);  // 3X overflows first
+    EXPECT_EQ(Bytes(gfx), bytes);  // nothing else written
+
+    ASSERT_TRUE(gfx.Create(7, 1, 24));  // 24-byte rows: column 7 lies wholly in the padding
+    gfx.Draw_StartSession();
+    EXPECT_EQ(ErrorOf([&] { gfx.Draw_Pixel(7, 0, 0x00030201); }), 0);
+    EXPECT_EQ(Bytes(gfx)[21], 3);
+    EXPECT_EQ(Bytes(gfx)[23], 1);
+}
+
+TEST(Pixel, ClippingFormsStayInsideTheViewport) {
+    clsGFX_2D gfx;
+    ASSERT_TRUE(gfx.Create(6, 6));
+    gfx.Draw_SetViewport(1, 1, 3, 3);
+    gfx.Draw_StartSession();
+    gfx.Draw_Pixel_C(4, 1, 0xFFFFFF);  // Xmax + 1
+    gfx.Draw_Pixel_C(2, 0, 0xFFFFFF);
+    gfx.Draw_PixelRGB_C(0, 2, {1, 1, 1});
+    EXPECT_TRUE(Lit(gfx).empty());
+    gfx.Draw_StartSession();
+    gfx.Draw_Pixel_C(3, 1, 0xFFFFFF);
+    gfx.Draw_EndSession();
+    EXPECT_EQ(Lit(gfx), (Pixels{{3, 1}}));
+}
+
+TEST(Pixel, ThreeByteFormsRefuseOtherDepthsWithTheirText) {
+    for (Long bits : {8, 16, 32}) {
+        clsGFX_2D gfx;
+        ASSERT_TRUE(gfx.Create(4, 4, bits));
+        RandomFill(gfx, 3);
+        const auto before = Bytes(gfx);
+        gfx.Draw_StartSession();
+        gfx.Draw_PixelRGB(1, 1, {1, 2, 3});
+        EXPECT_EQ(gfx.Get_LastError(), "Draw_PixelRGB is only for 24bit depth images");
+        std::array<std::uint8_t, 3> rgb{9, 9, 9};
+        gfx.Draw_ReadPixelRGB(1, 1, rgb);
+        EXPECT_EQ(gfx.Get_LastError(), "Draw_ReadPixelRGB is only for 24bit depth images");
+        EXPECT_EQ(rgb[0], 9);
+        gfx.Draw_Circle(2, 2, 1, 0xFFFFFF);  // circles draw through the three-byte write
+        EXPECT_EQ(gfx.Get_LastError(), "Draw_PixelRGB is only for 24bit depth images");
+        gfx.Draw_RandomBits(true);  // silently nothing
+        EXPECT_EQ(Bytes(gfx), before) << bits;
+    }
+}
+
+TEST(Line, TiesOfTheHalfStepGoToEven) {
+    const struct {
+        Long x2, y2;
+        Pixels lit;
+    } rows[] = {
+        {5, 2, {{0, 0}, {1, 0}, {2, 1}, {3, 1}, {4, 2}, {5, 2}}},  // den 5: num starts at 2
+        {7, 1, {{0, 0}, {1, 0}, {2, 0}, {3, 1}, {4, 1}, {5, 1}, {6, 1}, {7, 1}}},  // 3.5 -> 4
+        {3, 1, {{0, 0}, {1, 1}, {2, 1}, {3, 1}}},  // 1.5 -> 2: the second pixel already steps
+        {1, 3, {{0, 0}, {1, 1}, {1, 2}, {1, 3}}},  // y-major, the same rule
+        {0, 0, {{0, 0}}},
+    };
+    for (const auto& r : rows) {
+        clsGFX_2D gfx;
+        ASSERT_TRUE(gfx.Create(8, 4));
+        gfx.Draw_StartSession();
+        gfx.Draw_Line(0, 0, r.x2, r.y2, 0xFFFFFF);
+        gfx.Draw_EndSession();
+        EXPECT_EQ(Lit(gfx), r.lit) << r.x2 << "," << r.y2;
+    }
+}
+
+TEST(Line, MatchesTheReferenceInsideAndAcrossTheEdges) {
+    std::mt19937 random(11);
+    for (Long bits : {8, 16, 24}) {
+        for (Long width : {1, 5, 7, 13}) {
+            const Long height = 6;
+            for (int n = 0; n < 300; ++n) {
+                std::uniform_int_distribution<Long> x(-3, width + 3), y(-3, height + 2);
+                const Long x1 = x(random), y1 = y(random), x2 = x(random), y2 = y(random);
+                const Long c = static_cast<Long>(random() & 0xFFFFFF);
+                clsGFX_2D gfx;
+                ASSERT_TRUE(gfx.Create(width, height, bits));
+                RandomFill(gfx, static_cast<std::uint32_t>(n));
+                auto expected = test::Snapshot(gfx);
+                const bool fits = test::reference::Line(expected, x1, y1, x2, y2, c);
+                gfx.Draw_StartSession();
+                const int error = ErrorOf([&] { gfx.Draw_Line(x1, y1, x2, y2, c); });
+                ASSERT_EQ(error, fits ? 0 : 9) << bits << " " << x1 << "," << y1 << " " << x2
+                                               << "," << y2;
+                ASSERT_EQ(Bytes(gfx), expected.bytes) << bits << " w" << width << " " << x1
+                                                      << "," << y1 << " " << x2 << "," << y2;
+            }
+        }
+    }
+}
+
+TEST(Line, ProgressColumnsCoverTheFullHeight) {
+    clsGFX_2D gfx;
+    ASSERT_TRUE(gfx.Create(5, 4));
+    gfx.Draw_StartSession();
+    for (Long x = 0; x < 5; ++x) gfx.Draw_Line(x, 0, x, 3, 0x010203 * (x + 1));
+    gfx.Draw_EndSession();
+    gfx.Draw_StartSession();
+    for (Long x = 0; x < 5; ++x) {
+        for (Long y = 0; y < 4; ++y) EXPECT_EQ(gfx.Draw_ReadPixel(x, y), 0x010203 * (x + 1));
+    }
+}
+
+TEST(Line, ClippedFormDrawsOnlyInsideTheViewport) {
+    clsGFX_2D gfx;
+    ASSERT_TRUE(gfx.Create(10, 10));
+    gfx.Draw_SetViewport(2, 2, 6, 6);
+    gfx.Draw_StartSession();
+    gfx.Draw_Line_C(-100, 4, 100, 4, 0xFFFFFF);
+    gfx.Draw_Line_C(-50, -50, 50, 50, 0xFFFFFF);
+    gfx.Draw_Line_C(0, 0, 1, 9, 0xFFFFFF);  // wholly outside
+    gfx.Draw_EndSession();
+    const Pixels lit = Lit(gfx);
+    for (const auto& [x, y] : lit) {
+        EXPECT_TRUE(x >= 2 && x <= 6 && y >= 2 && y <= 6) << x << "," << y;
+    }
+    for (Long x = 2; x <= 6; ++x) {
+        EXPECT_TRUE(lit.count({x, 4}));
+        EXPECT_TRUE(lit.count({x, x}));
+    }
+    EXPECT_EQ(lit.size(), 9u);
+}
+
+TEST(Bezier, WithoutRecursionIsTheStraightChord) {
+    clsGFX_2D a, b;
+    ASSERT_TRUE(a.Create(20, 20));
+    ASSERT_TRUE(b.Create(20, 20));
+    a.Draw_StartSession();
+    a.Draw_Bezier({1.5, 2.5}, {19, 0}, {0, 19}, {17.5, 13.4}, 0xFFFFFF, 0);
+    b.Draw_StartSession();
+    b.Draw_Line(2, 2, 18, 13, 0xFFFFFF);  // 1.5 -> 2, 2.5 -> 2, 17.5 -> 18
+    EXPECT_EQ(Bytes(a), Bytes(b));
+}
+
+TEST(Bezier, CurvesBendAndStayBetweenTheirEnds) {
+    clsGFX_2D gfx;
+    ASSERT_TRUE(gfx.Create(40, 40));
+    gfx.Draw_StartSession();
+    gfx.Draw_Bezier({0, 0}, {0, 39}, {39, 39}, {39, 0}, 0xFFFFFF, 8);
+    gfx.Draw_EndSession();
+    const Pixels lit = Lit(gfx);
+    EXPECT_TRUE(lit.count({0, 0}));
+    EXPECT_TRUE(lit.count({39, 0}));
+    // The arch reaches three quarters of the control points' height.
+    Long top = 0;
+    for (const auto& [x, y] : lit) top = std::max(top, y);
+    EXPECT_GE(top, 27);
+    EXPECT_LE(top, 31);
+    // A huge recursion limit is safe and changes nothing once the curve is in pixels.
+    clsGFX_2D deep;
+    ASSERT_TRUE(deep.Create(40, 40));
+    deep.Draw_StartSession();
+    deep.Draw_Bezier({0, 0}, {0, 39}, {39, 39}, {39, 0}, 0xFFFFFF, 2147483647);
+    deep.Draw_EndSession();
+    EXPECT_EQ(Lit(deep), lit);
+}
+
+// The whole-number midpoint of the subdivision.
+double Mid(double a, double b) { return static_cast<double>(static_cast<Long>(RoundHalfEven(a + b)) / 2); }
+
+// A curve from (8, 8) whose left half has d = 0 while its middle point is
+// elsewhere, found by trying control points around the start.
+bool FindDegenerateLeftHalf(clsGFX_2D::PointD (&curve)[4]) {
+    using P = clsGFX_2D::PointD;
+    const P s{8, 8};
+    for (const P e : {P{16, 0}, P{14, 10}, P{2, 2}}) {
+        for (int a = -6; a <= 6; ++a) {
+            for (int b = -6; b <= 6; ++b) {
+                for (int c = -6; c <= 6; ++c) {
+                    for (int d = -6; d <= 6; ++d) {
+                        const P c1{s.x + a, s.y + b}, c2{s.x + c, s.y + d};
+                        const P l1{Mid(s.x, c1.x), Mid(s.y, c1.y)};
+                        const P h{Mid(c1.x, c2.x), Mid(c1.y, c2.y)};
+                        const P r2{Mid(c2.x, e.x), Mid(c2.y, e.y)};
+                        const P l2{Mid(l1.x, h.x), Mid(l1.y, h.y)};
+                        const P r1{Mid(h.x, r2.x), Mid(h.y, r2.y)};
+                        const P m{Mid(l2.x, r1.x), Mid(l2.y, r1.y)};
+                        if (m.x == s.x || (m.x - s.x) * (m.x - s.x) + (m.y - s.y) != 0) continue;
+                        curve[0] = s, curve[1] = c1, curve[2] = c2, curve[3] = e;
+                        return true;
+                    }
+                }
+            }
+        }
+    }
+    return false;
+}
+
+TEST(Bezier, ClippedFormDrawsADegenerateLeftHalfUnclipped) {
+    clsGFX_2D::PointD curve[4];
+    ASSERT_TRUE(FindDegenerateLeftHalf(curve));
+    // The viewport leaves out the start's column: only the unclipped chord reaches it.
+    const Long left = curve[0].x < curve[3].x ? 9 : 0;
+    const Long right = curve[0].x < curve[3].x ? 23 : 7;
+    clsGFX_2D clipped, unclipped;
+    for (clsGFX_2D* gfx : {&clipped, &unclipped}) {
+        ASSERT_TRUE(gfx->Create(24, 24));
+        gfx->Draw_SetViewport(left, 0, right, 23);
+        gfx->Draw_StartSession();
+    }
+    clipped.Draw_Bezier_C(curve[0], curve[1], curve[2], curve[3], 0xFFFFFF, 4);
+    unclipped.Draw_Bezier(curve[0], curve[1], curve[2], curve[3], 0xFFFFFF, 4);
+    clipped.Draw_EndSession();
+    unclipped.Draw_EndSession();
+    EXPECT_TRUE(Lit(clipped).count({8, 8}));
+    for (const auto& [x, y] : Lit(clipped)) {
+        EXPECT_TRUE(Lit(unclipped).count({x, y})) << x << "," << y;  // nothing that is not on the curve
+    }
+}
+
+TEST(Circle, FollowsTheMidpointRule) {
+    clsGFX_2D gfx;
+    ASSERT_TRUE(gfx.Create(9, 9));
+    gfx.Draw_StartSession();
+    gfx.Draw_Circle(4, 4, 3, 0x0000FF);
+    gfx.Draw_EndSession();
+    Pixels expected;
+    for (auto [dx, dy] : {std::pair{0, 3}, {1, 3}, {2, 2}}) {
+        for (int sx : {-1, 1}) {
+            for (int sy : {-1, 1}) {
+                expected.insert({4 + sx * dx, 4 + sy * dy});
+                expected.insert({4 + sy * dy, 4 + sx * dx});
+            }
+        }
+    }
+    EXPECT_EQ(Lit(gfx), expected);
+
+    ASSERT_TRUE(gfx.Create(3, 3));
+    gfx.Draw_StartSession();
+    gfx.Draw_Circle(1, 1, 0, 0xFFFFFF);
+    gfx.Draw_EndSession();
+    EXPECT_EQ(Lit(gfx), (Pixels{{1, 1}}));
+}
+
+TEST(Circle, UnclippedRaisesAtTheEdgeWhereTheClippedOneDoesNot) {
+    clsGFX_2D gfx;
+    ASSERT_TRUE(gfx.Create(8, 8));
+    gfx.Draw_StartSession();
+    EXPECT_EQ(ErrorOf([&] { gfx.Draw_Circle(1, 1, 3, 0xFFFFFF); }), 9);
+    EXPECT_EQ(ErrorOf([&] { gfx.Draw_Circle_C(1, 1, 3, 0xFFFFFF); }), 0);
+    gfx.Draw_EndSession();
+    EXPECT_TRUE(Lit(gfx).count({4, 1}));
+}
+
+TEST(Draw, NeedsASession) {
+    clsGFX_2D gfx;
+    ASSERT_TRUE(gfx.Create(4, 4));
+    EXPECT_EQ(ErrorOf([&] { gfx.Draw_Pixel(0, 0, 1); }), 9);
+    EXPECT_EQ(ErrorOf([&] { gfx.Draw_Line(0, 0, 2, 2, 1); }), 9);
+    EXPECT_EQ(ErrorOf([&] { gfx.Draw_Clear(); }), 9);
+    EXPECT_EQ(ErrorOf([&] { gfx.Draw_RandomBits(true); }), 9);
+    EXPECT_EQ(ErrorOf([&] { gfx.Draw_ReadPixel(0, 0); }), 9);
+}
+
+TEST(Draw, ClearZeroesEveryByteIncludingPadding) {
+    clsGFX_2D gfx;
+    ASSERT_TRUE(gfx.Create(5, 3));
+    RandomFill(gfx, 4);
+    gfx.Draw_StartSession();
+    gfx.Draw_Clear();
+    for (std::uint8_t b : Bytes(gfx)) ASSERT_EQ(b, 0);
+}
+
+TEST(Draw, RandomBitsAreGreyNoiseOrBlack) {
+    clsGFX_2D gfx;
+    ASSERT_TRUE(gfx.Create(7, 30));
+    RandomFill(gfx, 5);
+    gfx.Draw_StartSession();
+    gfx.Draw_RandomBits(false);  // the double's low bytes: always zero
+    gfx.Draw_EndSession();
+    EXPECT_TRUE(Lit(gfx).empty());
+    gfx.Draw_StartSession();
+    gfx.Draw_RandomBits(true);
+    std::set<Long> values;
+    for (Long y = 0; y < 30; ++y) {
+        for (Long x = 0; x < 7; ++x) {
+            const Long v = gfx.Draw_ReadPixel(x, y);
+            ASSERT_EQ(v, (v & 255) * 0x010101);
+            values.insert(v & 255);
+        }
+    }
+    EXPECT_GT(values.size(), 50u);
+}
+
+}  // namespace
+}  // namespace kelvarin
