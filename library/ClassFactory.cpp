@@ -1,5 +1,7 @@
 #include "library/ClassFactory.h"
 
+#include "library/Controls.h"
+
 namespace kelvarin::library {
 
 ClassRegistry& ClassRegistry::Instance() {
@@ -7,7 +9,7 @@ ClassRegistry& ClassRegistry::Instance() {
     // The library's classes are known from the start; each control brings
     // its creator when it is built into the library.
     static const bool seeded = [] {
-        for (const ClassInfo& info : Kelvarin().classes) registry.Register(info, nullptr);
+        for (const ClassInfo& info : Kelvarin().classes) registry.Register(info, CreatorOf(info.name));
         return true;
     }();
     (void)seeded;

@@ -3,6 +3,7 @@
 #include <cctype>
 #include <charconv>
 #include <cmath>
+#include <optional>
 
 #include "apps/host/ScriptValues.h"
 #include "common/BmpFile.h"
@@ -163,8 +164,12 @@ void ScriptHost::Load(const std::string& path) {
     auto& registry = library::ClassRegistry::Instance();
     host::Form form = host::LoadFormFile(
         path, [&](std::string_view c) { return registry.Find(c) != nullptr; });
-    // Build the new form beside the old one; the old one stays if anything fails.
+    // Build the new form beside the old one; the old one stays if the file
+    // turns out bad. A runtime error a control raises while it reads or
+    // repaints is its own: the control keeps what it read, the load goes on,
+    // and the first such error is reported at the end.
     auto old = host_.DetachAll();
+    std::optional<HostError> controlError;
     try {
         for (host::FormControl& fc : form.controls) {
             auto control = registry.Create(fc.className);
@@ -172,17 +177,22 @@ void ScriptHost::Load(const std::string& path) {
             Placed& placed = host_.Add(fc.name, std::move(control), {fc.width, fc.height});
             placed.MoveTo({fc.left, fc.top});
             host::FormPropertyBag bag(fc.properties, path + ": " + fc.name + ".properties");
-            placed.Get().ReadProperties(bag);
-            placed.PaintFrame();
-            placed.Get().Resize();
-            placed.Get().Show();
-            placed.Get().Paint();
+            try {
+                placed.Get().ReadProperties(bag);
+                placed.PaintFrame();
+                placed.Get().Resize();
+                placed.Get().Show();
+                placed.Get().Paint();
+            } catch (const HostError& e) {
+                if (!controlError) controlError = e;
+            }
         }
     } catch (...) {
         host_.AttachAll(std::move(old));
         throw;
     }
     for (auto& p : old) p->Get().Terminate();
+    if (controlError) throw *controlError;
 }
 
 void ScriptHost::SendKey(std::string_view action, int code, int shift) {
@@ -405,6 +415,12 @@ void ScriptHost::Dispatch(const std::vector<std::string>& w, std::string_view li
         if (ms < 0 || ms > 4294967295.0 || ms != std::floor(ms))
             throw ScriptError{"tick needs a whole number of milliseconds"};
         host_.Advance(static_cast<std::uint32_t>(ms));
+    } else if (cmd == "tickcount") {
+        Need(w, 2, 2, "tickcount N");
+        const double n = ToNumber(w[1]);
+        if (n < 0 || n > 4294967295.0 || n != std::floor(n))
+            throw ScriptError{"tickcount needs a whole number from 0 to 4294967295"};
+        host_.SetTickCount(static_cast<std::uint32_t>(n));
     } else if (cmd == "events") {
         Need(w, 1, 2, "events [NAME]");
         PrintEvents(w.size() == 2 ? w[1] : "");

@@ -2,6 +2,11 @@
 # A script may end with status 1 (a command failed on purpose); a crash fails.
 file(REMOVE_RECURSE ${WORKDIR})
 file(MAKE_DIRECTORY ${WORKDIR})
+# Data files the scripts load are copied next to them.
+file(GLOB data ${DATADIR}/*)
+if(data)
+  file(COPY ${data} DESTINATION ${WORKDIR})
+endif()
 execute_process(COMMAND ${HOST} ${SCRIPT}
                 WORKING_DIRECTORY ${WORKDIR}
                 OUTPUT_VARIABLE actual
