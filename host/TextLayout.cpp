@@ -1,6 +1,7 @@
 #include "host/TextLayout.h"
 
 #include <algorithm>
+#include <string>
 
 #include "host/Surface.h"
 
@@ -22,26 +23,27 @@ std::string ResolvePrefixes(std::string_view text, int& accessIndex) {
     return out;
 }
 
-std::vector<std::string> BreakParagraph(const std::string& paragraph, int maxWidth,
-                                        const MeasureFunction& measure) {
-    std::vector<std::string> lines;
-    std::string line;
+// Calls `row` for each line of a paragraph broken greedily at blanks to fit
+// maxWidth; a word wider than that keeps a line of its own.
+template <typename Row>
+void BreakParagraph(std::string_view paragraph, int maxWidth, const MeasureFunction& measure,
+                    Row&& row) {
+    std::size_t lineStart = 0;
+    std::size_t lineEnd = std::string_view::npos;  // none yet
     std::size_t i = 0;
-    while (i < paragraph.size()) {
+    while (i <= paragraph.size()) {
         std::size_t end = paragraph.find(' ', i);
-        if (end == std::string::npos) end = paragraph.size();
-        const std::string word = paragraph.substr(i, end - i);
-        const std::string candidate = line.empty() ? word : line + " " + word;
-        if (!line.empty() && measure(candidate) > maxWidth) {
-            lines.push_back(line);
-            line = word;
-        } else {
-            line = candidate;
+        if (end == std::string_view::npos) end = paragraph.size();
+        if (lineEnd != std::string_view::npos &&
+            measure(paragraph.substr(lineStart, end - lineStart)) > maxWidth) {
+            row(paragraph.substr(lineStart, lineEnd - lineStart));
+            lineStart = i;
         }
+        lineEnd = end;
         i = end + 1;
     }
-    lines.push_back(line);
-    return lines;
+    row(paragraph.substr(lineStart, (lineEnd == std::string_view::npos ? paragraph.size() : lineEnd) -
+                                        lineStart));
 }
 
 }  // namespace
@@ -52,60 +54,58 @@ int CharacterCount(std::string_view utf8) noexcept {
     return n;
 }
 
-TextLayout LayoutText(std::string_view text, const Rect& rect, unsigned format,
-                      const MeasureFunction& measure, int lineHeight) {
+TextExtent LayoutText(std::string_view text, const Rect& rect, unsigned format,
+                      const MeasureFunction& measure, int lineHeight, const LineFunction& line) {
     int accessIndex = -1;
-    const std::string resolved =
-        (format & DT_NOPREFIX) ? std::string(text) : ResolvePrefixes(text, accessIndex);
-
-    std::vector<std::string> rows;
-    if (format & DT_SINGLELINE) {
-        rows.push_back(resolved);
-    } else {
-        std::size_t start = 0;
-        while (true) {
-            std::size_t nl = resolved.find('\n', start);
-            std::string paragraph =
-                resolved.substr(start, nl == std::string::npos ? std::string::npos : nl - start);
-            if (!paragraph.empty() && paragraph.back() == '\r') paragraph.pop_back();
-            if (format & DT_WORDBREAK) {
-                for (auto& l : BreakParagraph(paragraph, rect.Width(), measure)) rows.push_back(l);
-            } else {
-                rows.push_back(paragraph);
-            }
-            if (nl == std::string::npos) break;
-            start = nl + 1;
-        }
+    std::string resolvedStore;
+    std::string_view resolved = text;
+    if (!(format & DT_NOPREFIX) && text.find('&') != std::string_view::npos) {
+        resolvedStore = ResolvePrefixes(text, accessIndex);
+        resolved = resolvedStore;
     }
 
-    TextLayout layout;
-    layout.height = static_cast<int>(rows.size()) * lineHeight;
+    TextExtent extent;
     int y = rect.top;
     if (format & DT_SINGLELINE) {
         if (format & DT_VCENTER) y = rect.top + (rect.Height() - lineHeight) / 2;
         else if (format & DT_BOTTOM) y = rect.bottom - lineHeight;
     }
-    std::size_t offset = 0;  // of the row within the resolved text, for the access key
-    for (auto& row : rows) {
-        TextLine line;
-        line.width = measure(row);
-        line.x = (format & DT_CENTER)  ? rect.left + (rect.Width() - line.width) / 2
-                 : (format & DT_RIGHT) ? rect.right - line.width
-                                       : rect.left;
-        line.y = y;
-        const std::size_t pos = resolved.find(row, offset);
-        if (accessIndex >= 0 && pos != std::string::npos &&
-            static_cast<std::size_t>(accessIndex) >= pos &&
-            static_cast<std::size_t>(accessIndex) < pos + row.size()) {
-            line.accessIndex = accessIndex - static_cast<int>(pos);
-        }
-        if (pos != std::string::npos) offset = pos + row.size();
-        line.text = std::move(row);
-        layout.width = std::max(layout.width, line.width);
-        layout.lines.push_back(std::move(line));
+    const auto place = [&](std::string_view row) {
+        TextLine placed;
+        placed.text = row;
+        placed.width = measure(row);
+        placed.x = (format & DT_CENTER)  ? rect.left + (rect.Width() - placed.width) / 2
+                   : (format & DT_RIGHT) ? rect.right - placed.width
+                                         : rect.left;
+        placed.y = y;
+        const auto offset = static_cast<int>(row.data() - resolved.data());
+        if (accessIndex >= offset && accessIndex < offset + static_cast<int>(row.size()))
+            placed.accessIndex = accessIndex - offset;
+        extent.width = std::max(extent.width, placed.width);
+        extent.height += lineHeight;
         y += lineHeight;
+        if (line) line(placed);
+    };
+
+    if (format & DT_SINGLELINE) {
+        place(resolved);
+        return extent;
     }
-    return layout;
+    std::size_t start = 0;
+    while (true) {
+        const std::size_t nl = resolved.find('\n', start);
+        std::string_view paragraph =
+            resolved.substr(start, nl == std::string_view::npos ? std::string_view::npos : nl - start);
+        if (!paragraph.empty() && paragraph.back() == '\r') paragraph.remove_suffix(1);
+        if (format & DT_WORDBREAK) {
+            BreakParagraph(paragraph, rect.Width(), measure, place);
+        } else {
+            place(paragraph);
+        }
+        if (nl == std::string_view::npos) break;
+        start = nl + 1;
+    }
+    return extent;
 }
 
 }  // namespace kelvarin::host

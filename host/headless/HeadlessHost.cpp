@@ -101,10 +101,12 @@ void Placed::PaintFrame() {
 }
 
 void Placed::PropertyChanged(std::string_view name) {
+    if (!host_.recording) return;
     host_.notifications.push_back({name_, std::string(name)});
 }
 
 void Placed::RaiseEvent(int, std::string_view name, std::span<Variant> args) {
+    if (!host_.recording) return;
     host_.events.push_back({name_, std::string(name), {args.begin(), args.end()}});
 }
 

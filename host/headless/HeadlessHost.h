@@ -125,7 +125,8 @@ public:
     // Moves the focus; false when the focused control keeps it.
     bool SetFocus(Placed* target);
 
-    // ---- Records for the script
+    // ---- Records for the script (off: nothing is kept, as a benchmark wants)
+    bool recording = true;
     std::vector<EventRecord> events;
     std::vector<NotificationRecord> notifications;
 

@@ -84,14 +84,22 @@ int RasterSurface::DrawText(std::string_view text, Rect& rect, unsigned format, 
                             OLE_COLOR color) {
     const int cw = CharWidth(font);
     const int lh = LineHeight(font);
-    const TextLayout layout = LayoutText(
-        text, rect, format, [cw](std::string_view s) { return CharacterCount(s) * cw; }, lh);
+    const auto measure = [cw](std::string_view s) { return CharacterCount(s) * cw; };
     if (format & DT_CALCRECT) {
-        rect.right = rect.left + layout.width;
-        rect.bottom = rect.top + layout.height;
-        return layout.height;
+        const TextExtent extent = LayoutText(text, rect, format, measure, lh);
+        rect.right = rect.left + extent.width;
+        rect.bottom = rect.top + extent.height;
+        return extent.height;
     }
-    for (const TextLine& line : layout.lines) {
+    // One pointer of state keeps the callback within std::function's own buffer.
+    struct Pen {
+        RasterSurface* surface;
+        int cw, lh;
+        OLE_COLOR color;
+    } pen{this, cw, lh, color};
+    const auto draw = [p = &pen](const TextLine& line) {
+        const int cw = p->cw, lh = p->lh;
+        const OLE_COLOR color = p->color;
         int x = line.x;
         std::size_t i = 0;
         while (i < line.text.size()) {
@@ -100,14 +108,14 @@ int RasterSurface::DrawText(std::string_view text, Rect& rect, unsigned format, 
             while (i + len < line.text.size() &&
                    (static_cast<unsigned char>(line.text[i + len]) & 0xC0) == 0x80)
                 ++len;
-            if (c != ' ') FillRect({x, line.y + 2, x + cw - 1, line.y + lh - 2}, color);
+            if (c != ' ') p->surface->FillRect({x, line.y + 2, x + cw - 1, line.y + lh - 2}, color);
             if (static_cast<int>(i) == line.accessIndex)
-                FillRect({x, line.y + lh - 1, x + cw, line.y + lh}, color);
+                p->surface->FillRect({x, line.y + lh - 1, x + cw, line.y + lh}, color);
             x += cw;
             i += len;
         }
-    }
-    return layout.height;
+    };
+    return LayoutText(text, rect, format, measure, lh, draw).height;
 }
 
 void RasterSurface::DrawFocusRect(const Rect& rect) {
