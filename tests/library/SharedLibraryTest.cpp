@@ -114,6 +114,28 @@ TEST_F(SharedLibraryTest, RegistersFindsClassesByNameAndUnregisters) {
     EXPECT_FALSE(ClassIdOf("Kelvarin.DateBox").has_value());
 }
 
+TEST_F(SharedLibraryTest, CreatesAControlByProgrammaticName) {
+    ASSERT_EQ(registerServer(), KELVARIN_S_OK) << lastError();
+    const std::optional<KelvarinGuid> id = ClassIdOf("Kelvarin.ProgressBox");
+    ASSERT_TRUE(id.has_value());
+    void* object = nullptr;
+    ASSERT_EQ(getClassObject(&*id, &KELVARIN_IID_ICLASSFACTORY, &object), KELVARIN_S_OK)
+        << lastError();
+    auto* factory = static_cast<KelvarinClassFactory*>(object);
+    void* made = nullptr;
+    ASSERT_EQ(factory->vtbl->CreateInstance(factory, nullptr, &KELVARIN_IID_CONTROL, &made),
+              KELVARIN_S_OK)
+        << lastError();
+    auto* control = static_cast<KelvarinControl*>(made);
+    EXPECT_STREQ(control->vtbl->ClassName(control), "ProgressBox");
+    EXPECT_NE(control->vtbl->NativeControl(control), nullptr);
+    factory->vtbl->Release(factory);
+    EXPECT_EQ(canUnloadNow(), KELVARIN_S_FALSE);  // the control is still alive
+    control->vtbl->Release(control);
+    EXPECT_EQ(canUnloadNow(), KELVARIN_S_OK);
+    ASSERT_EQ(unregisterServer(), KELVARIN_S_OK) << lastError();
+}
+
 TEST_F(SharedLibraryTest, TheLibraryKeepsItsOwnClassRegistry) {
     // A class registered in this program is not a class of the loaded library.
     const ClassInfo& probe = test::RegisterProbe();
