@@ -268,7 +268,9 @@ Variant Decode(const Json& j, const std::string& place) {
         case Json::value_t::string: return Variant(Text(j, place));
         case Json::value_t::object: {
             if (j.size() != 1) Fail(place, "expected an object with one key");
-            const auto& [key, value] = *j.items().begin();
+            const auto only = j.begin();
+            const std::string key = only.key();
+            const Json& value = only.value();
             const std::string inner = place + "." + key;
             if (key == "date") return Variant::FromDate(ParseIso(Text(value, inner), inner));
             if (key == "nothing") return Variant::Nothing();
