@@ -9,6 +9,12 @@ if(KELVARIN_SANITIZE)
   add_link_options(-fsanitize=address,undefined)
 endif()
 
+# A fuzzing build instruments all our code for coverage and errors.
+if(KELVARIN_FUZZ)
+  add_compile_options(-fsanitize=fuzzer-no-link,address,undefined -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=address,undefined)
+endif()
+
 function(kelvarin_target target)
   target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Werror)
   get_target_property(type ${target} TYPE)
