@@ -16,6 +16,7 @@
 
 #include "common/HostError.h"
 #include "gfx/PixelBytes.h"
+#include "gfx/Simd.h"
 
 namespace kelvarin {
 
@@ -154,8 +155,10 @@ bool clsGFX_2D::Color_Gray(Long lngMaskColor, bool blnStdAverageCalc) {
     const std::uint8_t mb = BlueByte(lngMaskColor), mg = GreenByte(lngMaskColor),
                        mr = RedByte(lngMaskColor);
     for (Long y = 0; y < rows.height; ++y) {
-        std::uint8_t* p = rows.Row(y);
-        std::uint8_t* const end = p + 3 * static_cast<std::ptrdiff_t>(rows.width);
+        // Vector kernel for whole blocks of pixels where there is one, then this loop.
+        const Long done = GrayRowSimd(rows.Row(y), rows.width, mb, mg, mr, blnStdAverageCalc);
+        std::uint8_t* p = rows.Row(y) + 3 * static_cast<std::ptrdiff_t>(done);
+        std::uint8_t* const end = rows.Row(y) + 3 * static_cast<std::ptrdiff_t>(rows.width);
         if (blnStdAverageCalc) {
             for (; p != end; p += 3) {
                 const unsigned b = p[0], g = p[1], r = p[2];
