@@ -7,6 +7,7 @@
 
 #include "common/HostError.h"
 #include "common/Numeric.h"
+#include "common/Text.h"
 
 namespace kelvarin {
 
@@ -101,15 +102,6 @@ int WeekdayOfDay(long long day, FirstDayOfWeek first) noexcept {
     // Serial day 0 (30 December 1899) was a Saturday: Sunday-first number 7.
     const int sundayFirst = static_cast<int>(((day % 7) + 7 + 6) % 7) + 1;
     return (sundayFirst - static_cast<int>(first) + 7) % 7 + 1;
-}
-
-char Lower(char c) noexcept { return static_cast<char>(std::tolower(static_cast<unsigned char>(c))); }
-
-bool EqualsIgnoreCase(std::string_view a, std::string_view b) noexcept {
-    if (a.size() != b.size()) return false;
-    for (std::size_t i = 0; i < a.size(); ++i)
-        if (Lower(a[i]) != Lower(b[i])) return false;
-    return true;
 }
 
 void AppendPadded(std::string& out, long long value, int width) {
@@ -271,7 +263,7 @@ std::string FormatDate(Date d, std::string_view pattern, const Locale& locale) {
     std::size_t i = 0;
     while (i < pattern.size()) {
         const char c = pattern[i];
-        const char lc = Lower(c);
+        const char lc = ToLowerAscii(c);
         if (c == '"') {
             const std::size_t end = pattern.find('"', i + 1);
             const std::size_t stop = end == std::string_view::npos ? pattern.size() : end;
@@ -295,7 +287,7 @@ std::string FormatDate(Date d, std::string_view pattern, const Locale& locale) {
             continue;
         }
         std::size_t run = 1;
-        while (i + run < pattern.size() && Lower(pattern[i + run]) == lc) ++run;
+        while (i + run < pattern.size() && ToLowerAscii(pattern[i + run]) == lc) ++run;
         std::size_t used = run;
         switch (lc) {
             case 'd':
@@ -438,7 +430,7 @@ long ToNumber(std::string_view digits) {
 std::string FieldOrder(const Locale& locale) {
     std::string order;
     for (char c : locale.shortDatePattern) {
-        const char lc = Lower(c);
+        const char lc = ToLowerAscii(c);
         if ((lc == 'd' || lc == 'm' || lc == 'y') && order.find(lc) == std::string::npos)
             order += lc;
     }

@@ -6,27 +6,11 @@
 #include <cstdlib>
 
 #include "common/HostError.h"
+#include "common/Text.h"
 
 namespace kelvarin {
 
 namespace {
-
-std::string_view Trim(std::string_view s) noexcept {
-    while (!s.empty() && std::isspace(static_cast<unsigned char>(s.front()))) s.remove_prefix(1);
-    while (!s.empty() && std::isspace(static_cast<unsigned char>(s.back()))) s.remove_suffix(1);
-    return s;
-}
-
-bool EqualsIgnoreCase(std::string_view a, std::string_view b) noexcept {
-    if (a.size() != b.size()) return false;
-    for (std::size_t i = 0; i < a.size(); ++i) {
-        if (std::tolower(static_cast<unsigned char>(a[i])) !=
-            std::tolower(static_cast<unsigned char>(b[i]))) {
-            return false;
-        }
-    }
-    return true;
-}
 
 // &Hxxxx and &Oxxx: up to 16 bits they are Integers, up to 32 bits Longs,
 // so &HFFFF is -1 and &H8000000F is negative, as the host reads them.
@@ -66,7 +50,7 @@ const char* VarTypeName(VarType type) noexcept {
 }
 
 std::optional<double> TextToNumber(std::string_view text, const Locale& locale) {
-    std::string_view s = Trim(text);
+    std::string_view s = TrimBlanks(text);
     if (s.size() > 2 && s[0] == '&') {
         if (s[1] == 'H' || s[1] == 'h') return RadixNumber(s.substr(2), 16);
         if (s[1] == 'O' || s[1] == 'o') return RadixNumber(s.substr(2), 8);
@@ -169,8 +153,8 @@ double Variant::NumberOrRaise() const {
             const std::string& s = std::get<std::string>(value_);
             if (auto n = TextToNumber(s)) return *n;
             // A text such as "True" reads as the Boolean's number.
-            if (EqualsIgnoreCase(Trim(s), "True")) return -1.0;
-            if (EqualsIgnoreCase(Trim(s), "False")) return 0.0;
+            if (EqualsIgnoreCase(TrimBlanks(s), "True")) return -1.0;
+            if (EqualsIgnoreCase(TrimBlanks(s), "False")) return 0.0;
             RaiseHostError(HostErrorCode::TypeMismatch);
         }
         case VarType::Object: RaiseHostError(HostErrorCode::TypeMismatch);

@@ -15,6 +15,7 @@
 #include "common/DateTime.h"
 #include "common/Font.h"
 #include "common/Picture.h"
+#include "common/Text.h"
 
 namespace kelvarin::host {
 
@@ -308,11 +309,6 @@ bool IsName(const std::string& s) {
     return true;
 }
 
-std::string Lower(std::string s) {
-    for (char& c : s) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    return s;
-}
-
 }  // namespace
 
 Variant FormPropertyBag::ReadProperty(std::string_view name, const Variant& defaultValue) {
@@ -381,7 +377,7 @@ Form ReadForm(std::string_view text, std::string_view source,
         if (!classExists(fc.className)) Fail(place + ".class", "unknown class \"" + fc.className + "\"");
         fc.name = Text(Member(c, "name", place), place + ".name", 256);
         if (!IsName(fc.name)) Fail(place + ".name", "not a control name: \"" + fc.name + "\"");
-        const std::string key = Lower(fc.name);
+        const std::string key = ToLowerAscii(fc.name);
         if (std::find(seen.begin(), seen.end(), key) != seen.end())
             Fail(place + ".name", "a second control named \"" + fc.name + "\"");
         seen.push_back(key);

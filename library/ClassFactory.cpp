@@ -18,7 +18,7 @@ ClassRegistry& ClassRegistry::Instance() {
 
 void ClassRegistry::Register(const ClassInfo& info, ControlCreator create) {
     for (Entry& e : entries_) {
-        if (NameEquals(e.info->name, info.name)) {
+        if (EqualsIgnoreCase(e.info->name, info.name)) {
             e = Entry{&info, std::move(create)};
             return;
         }
@@ -30,11 +30,11 @@ const ClassRegistry::Entry* ClassRegistry::FindEntry(std::string_view classOrPro
     // "Kelvarin.DateBox" names the class DateBox.
     const std::string_view library = Kelvarin().name;
     if (classOrProgId.size() > library.size() && classOrProgId[library.size()] == '.' &&
-        NameEquals(classOrProgId.substr(0, library.size()), library)) {
+        EqualsIgnoreCase(classOrProgId.substr(0, library.size()), library)) {
         classOrProgId.remove_prefix(library.size() + 1);
     }
     for (const Entry& e : entries_)
-        if (NameEquals(e.info->name, classOrProgId)) return &e;
+        if (EqualsIgnoreCase(e.info->name, classOrProgId)) return &e;
     return nullptr;
 }
 

@@ -69,20 +69,9 @@ std::optional<Guid> Guid::Parse(std::string_view text) {
 
 // ---- Lookups ----------------------------------------------------------------
 
-bool NameEquals(std::string_view a, std::string_view b) noexcept {
-    if (a.size() != b.size()) return false;
-    for (std::size_t i = 0; i < a.size(); ++i) {
-        if (std::tolower(static_cast<unsigned char>(a[i])) !=
-            std::tolower(static_cast<unsigned char>(b[i]))) {
-            return false;
-        }
-    }
-    return true;
-}
-
 const EnumMemberInfo* EnumInfo::FindMember(std::string_view memberName) const {
     for (const EnumMemberInfo& m : members)
-        if (NameEquals(m.name, memberName)) return &m;
+        if (EqualsIgnoreCase(m.name, memberName)) return &m;
     return nullptr;
 }
 
@@ -94,7 +83,7 @@ const EnumMemberInfo* EnumInfo::FindValue(std::int32_t value) const {
 
 const MemberInfo* ClassInfo::FindMember(std::string_view memberName) const {
     for (const MemberInfo& m : members)
-        if (NameEquals(m.name, memberName)) return &m;
+        if (EqualsIgnoreCase(m.name, memberName)) return &m;
     return nullptr;
 }
 
@@ -106,7 +95,7 @@ const MemberInfo* ClassInfo::FindMember(DispId id) const {
 
 const EventInfo* ClassInfo::FindEvent(std::string_view eventName) const {
     for (const EventInfo& e : events)
-        if (NameEquals(e.name, eventName)) return &e;
+        if (EqualsIgnoreCase(e.name, eventName)) return &e;
     return nullptr;
 }
 
@@ -121,11 +110,11 @@ std::string ClassInfo::ProgId() const { return std::string(Kelvarin().name) + ".
 const ClassInfo* TypeLibrary::FindClass(std::string_view className) const {
     // A programmatic name is the library's name, a dot, and the class name.
     if (className.size() > name.size() && className[name.size()] == '.' &&
-        NameEquals(className.substr(0, name.size()), name)) {
+        EqualsIgnoreCase(className.substr(0, name.size()), name)) {
         className.remove_prefix(name.size() + 1);
     }
     for (const ClassInfo& c : classes)
-        if (NameEquals(c.name, className)) return &c;
+        if (EqualsIgnoreCase(c.name, className)) return &c;
     return nullptr;
 }
 
@@ -137,7 +126,7 @@ const ClassInfo* TypeLibrary::FindClass(const Guid& clsid) const {
 
 const EnumInfo* TypeLibrary::FindEnum(std::string_view enumName) const {
     for (const EnumInfo& e : enums)
-        if (NameEquals(e.name, enumName)) return &e;
+        if (EqualsIgnoreCase(e.name, enumName)) return &e;
     return nullptr;
 }
 

@@ -10,6 +10,7 @@
 #include <string_view>
 #include <vector>
 
+#include "common/Text.h"
 #include "host/Control.h"
 
 namespace kelvarin::library {
@@ -130,7 +131,5 @@ struct TypeLibrary {
 // The library's type information.
 const TypeLibrary& Kelvarin();
 
-// ASCII case-insensitive equality, the way the host compares names.
-bool NameEquals(std::string_view a, std::string_view b) noexcept;
 
 }  // namespace kelvarin::library

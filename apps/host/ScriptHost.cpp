@@ -8,6 +8,7 @@
 #include "apps/host/ScriptValues.h"
 #include "common/BmpFile.h"
 #include "common/HostError.h"
+#include "common/Text.h"
 #include "common/Picture.h"
 #include "host/FormFile.h"
 #include "library/ClassFactory.h"
@@ -18,15 +19,6 @@ namespace kelvarin::script {
 using host::headless::Placed;
 
 namespace {
-
-bool IEquals(std::string_view a, std::string_view b) {
-    if (a.size() != b.size()) return false;
-    for (std::size_t i = 0; i < a.size(); ++i)
-        if (std::tolower(static_cast<unsigned char>(a[i])) !=
-            std::tolower(static_cast<unsigned char>(b[i])))
-            return false;
-    return true;
-}
 
 int ToInt(std::string_view word) {
     int v = 0;
@@ -217,7 +209,7 @@ void ScriptHost::SendMouse(std::string_view target, std::string_view action, int
                            int shift, double x, double y) {
     const Integer b = static_cast<Integer>(button), s = static_cast<Integer>(shift);
     const Single fx = ToSingle(x), fy = ToSingle(y);
-    if (IEquals(target, "popup")) {
+    if (EqualsIgnoreCase(target, "popup")) {
         host::Popup* popup = host_.openPopup;
         if (!popup) throw ScriptError{"no popup is open"};
         if (action == "down") popup->MouseDown(b, s, fx, fy);
@@ -245,7 +237,7 @@ void ScriptHost::PrintEvents(std::string_view name) {
     auto& events = host_.events;
     std::vector<host::headless::EventRecord> kept;
     for (auto& e : events) {
-        if (!name.empty() && !IEquals(e.control, name)) {
+        if (!name.empty() && !EqualsIgnoreCase(e.control, name)) {
             kept.push_back(std::move(e));
             continue;
         }
@@ -261,7 +253,7 @@ void ScriptHost::PrintNotifications(std::string_view name) {
     auto& records = host_.notifications;
     std::vector<host::headless::NotificationRecord> kept;
     for (auto& n : records) {
-        if (!name.empty() && !IEquals(n.control, name)) {
+        if (!name.empty() && !EqualsIgnoreCase(n.control, name)) {
             kept.push_back(std::move(n));
             continue;
         }
@@ -336,12 +328,12 @@ void ScriptHost::Dispatch(const std::vector<std::string>& w, std::string_view li
         Need(w, 3, 3, "ambient Font|DisplayAsDefault VALUE");
         const Variant value = ParseValue(w[2]);
         std::string name;
-        if (IEquals(w[1], "Font")) {
+        if (EqualsIgnoreCase(w[1], "Font")) {
             auto font = std::dynamic_pointer_cast<Font>(value.ToObject());
             if (!font) RaiseHostError(HostErrorCode::TypeMismatch);
             host_.ambientFont = font;
             name = "Font";
-        } else if (IEquals(w[1], "DisplayAsDefault")) {
+        } else if (EqualsIgnoreCase(w[1], "DisplayAsDefault")) {
             host_.displayAsDefault = value.ToBoolean();
             name = "DisplayAsDefault";
         } else {
@@ -391,7 +383,7 @@ void ScriptHost::Dispatch(const std::vector<std::string>& w, std::string_view li
         const double x = ToNumber(w[2]), y = ToNumber(w[3]);
         SendMouse(w[1], "down", 1, 0, x, y);
         SendMouse(w[1], "up", 1, 0, x, y);
-        if (!IEquals(w[1], "popup") && !host_.openPopup) {
+        if (!EqualsIgnoreCase(w[1], "popup") && !host_.openPopup) {
             Placed& p = Control(w[1]);
             p.Get().Click();
             if (cmd == "dblclick") {
@@ -430,7 +422,7 @@ void ScriptHost::Dispatch(const std::vector<std::string>& w, std::string_view li
     } else if (cmd == "dump") {
         Need(w, 2, 2, "dump NAME");
         std::vector<std::string> lines;
-        if (IEquals(w[1], "popup")) {
+        if (EqualsIgnoreCase(w[1], "popup")) {
             if (!host_.openPopup) throw ScriptError{"no popup is open"};
             lines = host_.openPopup->Dump();
             char buf[48];

@@ -9,19 +9,11 @@
 #include "common/Font.h"
 #include "common/Picture.h"
 #include "common/HostError.h"
+#include "common/Text.h"
 
 namespace kelvarin::script {
 
 namespace {
-
-bool IEquals(std::string_view a, std::string_view b) {
-    if (a.size() != b.size()) return false;
-    for (std::size_t i = 0; i < a.size(); ++i)
-        if (std::tolower(static_cast<unsigned char>(a[i])) !=
-            std::tolower(static_cast<unsigned char>(b[i])))
-            return false;
-    return true;
-}
 
 [[noreturn]] void Bad(std::string_view word) {
     throw ScriptError{"not a value: " + std::string(word)};
@@ -75,10 +67,10 @@ Variant ParseFont(std::string_view inner, std::string_view word) {
     if (ec != std::errc() || end != size.data() + size.size() || !(v > 0 && v <= 2048)) Bad(word);
     font->size = v;
     for (std::size_t i = 2; i < items.size(); ++i) {
-        if (IEquals(items[i], "bold")) font->bold = true;
-        else if (IEquals(items[i], "italic")) font->italic = true;
-        else if (IEquals(items[i], "underline")) font->underline = true;
-        else if (IEquals(items[i], "strikethrough")) font->strikethrough = true;
+        if (EqualsIgnoreCase(items[i], "bold")) font->bold = true;
+        else if (EqualsIgnoreCase(items[i], "italic")) font->italic = true;
+        else if (EqualsIgnoreCase(items[i], "underline")) font->underline = true;
+        else if (EqualsIgnoreCase(items[i], "strikethrough")) font->strikethrough = true;
         else Bad(word);
     }
     return Variant(std::shared_ptr<Object>(font));
@@ -142,14 +134,14 @@ Variant ParseValue(std::string_view word) {
         if (word.size() < 3 || word.back() != '#') Bad(word);
         return Variant::FromDate(ParseDateWord(word.substr(1, word.size() - 2), word));
     }
-    if (IEquals(word, "True")) return Variant(true);
-    if (IEquals(word, "False")) return Variant(false);
-    if (IEquals(word, "Null")) return Variant::Null();
-    if (IEquals(word, "Empty")) return Variant();
-    if (IEquals(word, "Nothing")) return Variant::Nothing();
-    if (word.size() > 5 && IEquals(word.substr(0, 5), "font(") && word.back() == ')')
+    if (EqualsIgnoreCase(word, "True")) return Variant(true);
+    if (EqualsIgnoreCase(word, "False")) return Variant(false);
+    if (EqualsIgnoreCase(word, "Null")) return Variant::Null();
+    if (EqualsIgnoreCase(word, "Empty")) return Variant();
+    if (EqualsIgnoreCase(word, "Nothing")) return Variant::Nothing();
+    if (word.size() > 5 && EqualsIgnoreCase(word.substr(0, 5), "font(") && word.back() == ')')
         return ParseFont(word.substr(5, word.size() - 6), word);
-    if (word.size() > 8 && IEquals(word.substr(0, 8), "picture(") && word.back() == ')') {
+    if (word.size() > 8 && EqualsIgnoreCase(word.substr(0, 8), "picture(") && word.back() == ')') {
         const std::string path = Unquote(word.substr(8, word.size() - 9));
         BmpReadResult read = LoadBmpFile(path);
         if (!read) throw ScriptError{path + ": " + read.error};

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "common/HostError.h"
+#include "common/Text.h"
 
 namespace kelvarin::host::headless {
 
@@ -163,13 +164,7 @@ Placed& HeadlessHost::Add(std::string name, std::unique_ptr<Control> control, Si
 
 Placed* HeadlessHost::Find(std::string_view name) {
     for (auto& p : placed_) {
-        if (p->Name().size() == name.size() &&
-            std::equal(name.begin(), name.end(), p->Name().begin(), [](char a, char b) {
-                return std::tolower(static_cast<unsigned char>(a)) ==
-                       std::tolower(static_cast<unsigned char>(b));
-            })) {
-            return p.get();
-        }
+        if (EqualsIgnoreCase(p->Name(), name)) return p.get();
     }
     return nullptr;
 }
