@@ -218,6 +218,7 @@ void ScriptHost::SendMouse(std::string_view target, std::string_view action, int
         return;
     }
     Placed& placed = Control(target);
+    if (!placed.Get().SurfaceState().enabled) return;  // a disabled window gets no input
     if (host_.openPopup) {
         // A press outside the modal popup reaches the popup, not the control.
         if (action == "down") host_.openPopup->Deactivated();
@@ -383,7 +384,8 @@ void ScriptHost::Dispatch(const std::vector<std::string>& w, std::string_view li
         const double x = ToNumber(w[2]), y = ToNumber(w[3]);
         SendMouse(w[1], "down", 1, 0, x, y);
         SendMouse(w[1], "up", 1, 0, x, y);
-        if (!EqualsIgnoreCase(w[1], "popup") && !host_.openPopup) {
+        if (!EqualsIgnoreCase(w[1], "popup") && !host_.openPopup &&
+            Control(w[1]).Get().SurfaceState().enabled) {
             Placed& p = Control(w[1]);
             p.Get().Click();
             if (cmd == "dblclick") {

@@ -201,6 +201,7 @@ std::vector<Placed*> HeadlessHost::Controls() {
 
 bool HeadlessHost::SetFocus(Placed* target) {
     if (target == focused_) return true;
+    if (target && !target->Get().SurfaceState().enabled) return false;  // a disabled window takes no focus
     if (focused_) {
         if (!focused_->Get().QueryLeaveFocus()) return false;
         Placed* old = focused_;

@@ -122,7 +122,8 @@ public:
 
     // ---- Input and focus
     Placed* Focused() noexcept { return focused_; }
-    // Moves the focus; false when the focused control keeps it.
+    // Moves the focus; false when the focused control keeps it or the
+    // target is disabled.
     bool SetFocus(Placed* target);
 
     // ---- Records for the script (off: nothing is kept, as a benchmark wants)
