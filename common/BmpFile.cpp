@@ -112,14 +112,15 @@ BmpReadResult ReadBmp(std::span<const std::uint8_t> file) {
 
     const std::uint64_t fileStride = (std::uint64_t{static_cast<std::uint32_t>(width)} *
                                           static_cast<std::uint32_t>(bitCount) + 31) / 32 * 4;
-    const std::uint64_t needed = fileStride * static_cast<std::uint32_t>(height);
-    if (needed > file.size() - pixelOffset) return Refuse("the pixel data is truncated");
+    if (fileStride > (file.size() - pixelOffset) / static_cast<std::uint32_t>(height)) {
+        return Refuse("the pixel data is truncated");
+    }
     const int depth = bitCount < 8 ? 8 : bitCount;
     const std::uint64_t pictureStride =
         (std::uint64_t{static_cast<std::uint32_t>(width)} * static_cast<std::uint32_t>(depth / 8) +
          3) / 4 * 4;
-    if (pictureStride * static_cast<std::uint32_t>(height) >
-        static_cast<std::uint64_t>(Picture::kMaxPixelBytes)) {
+    if (pictureStride > static_cast<std::uint64_t>(Picture::kMaxPixelBytes) /
+                            static_cast<std::uint32_t>(height)) {
         return Refuse("the picture would be too large");
     }
 

@@ -26,8 +26,8 @@ std::vector<RgbQuad> GreyPalette() {
 void Picture::AllocatePixels(int width, int height, int bitsPerPixel) {
     if (width < 1 || height < 1) RaiseHostError(HostErrorCode::InvalidProcedureCall);
     const std::int64_t stride = (std::int64_t{width} * (bitsPerPixel / 8) + 3) / 4 * 4;
+    if (stride > kMaxPixelBytes / height) RaiseHostError(HostErrorCode::InvalidProcedureCall);
     const std::int64_t bytes = stride * height;
-    if (bytes > kMaxPixelBytes) RaiseHostError(HostErrorCode::InvalidProcedureCall);
     width_ = width;
     height_ = height;
     bitsPerPixel_ = bitsPerPixel;

@@ -186,9 +186,12 @@ void clsGFX_2D::Color_Replace(Long lngOriginal, Long lngReplace) {
     const auto o0 = static_cast<std::uint8_t>(lngOriginal & 255);
     const auto o1 = static_cast<std::uint8_t>(lngOriginal >> 8 & 255);
     const auto o2 = static_cast<std::uint8_t>(lngOriginal >> 16 & 255);
+    const std::uint8_t from[3] = {o2, o1, o0};
+    const std::uint8_t to[3] = {BlueByte(lngReplace), GreenByte(lngReplace), RedByte(lngReplace)};
     for (Long y = 0; y < rows.height; ++y) {
-        std::uint8_t* p = rows.Row(y);
-        for (Long x = 0; x < rows.width; ++x, p += bpp) {
+        const Long done = bpp == 3 ? ReplaceRowSimd(rows.Row(y), rows.width, from, to) : 0;
+        std::uint8_t* p = rows.Row(y) + static_cast<std::ptrdiff_t>(done) * bpp;
+        for (Long x = done; x < rows.width; ++x, p += bpp) {
             switch (bpp) {
                 case 3:  // read back as blue * 65536 + green * 256 + red
                     if (p[0] == o2 && p[1] == o1 && p[2] == o0) StorePixel<3>(p, lngReplace);
@@ -247,14 +250,26 @@ bool clsGFX_2D::Color_FadeTo(Long lngMaskColor, Long lngFadeTo, double dblFadeWe
         for (int c = 0; c < 3; ++c) {
             for (int v = 0; v < 256; ++v) fast[c][v] = static_cast<std::uint8_t>(table[c][v]);
         }
+        // A divisor 2^k (weight 1, as the button fades, or 0, 3, 7...) divides
+        // exactly by a shift, which the vector kernel does on whole blocks.
+        int shift = -1;
+        for (int k = 0; k < 8; ++k) {
+            if (divisor == static_cast<double>(1 << k)) shift = k;
+        }
+        const std::uint8_t maskBytes[3] = {m0, m1, m2};
+        const int parts[3] = {static_cast<int>(part[0]), static_cast<int>(part[1]),
+                              static_cast<int>(part[2])};
         for (Long y = 0; y < rows.height; ++y) {
-            std::uint8_t* p = rows.Row(y);
-            std::uint8_t* const end = p + 3 * static_cast<std::ptrdiff_t>(rows.width);
+            const Long done =
+                shift >= 0 ? FadeRowSimd(rows.Row(y), rows.width, maskBytes, parts, shift) : 0;
+            std::uint8_t* p = rows.Row(y) + 3 * static_cast<std::ptrdiff_t>(done);
+            std::uint8_t* const end = rows.Row(y) + 3 * static_cast<std::ptrdiff_t>(rows.width);
             for (; p != end; p += 3) {
-                if (p[0] == m0 && p[1] == m1 && p[2] == m2) continue;
-                p[0] = fast[0][p[0]];
-                p[1] = fast[1][p[1]];
-                p[2] = fast[2][p[2]];
+                const std::uint8_t b = p[0], g = p[1], r = p[2];
+                if (b == m0 && g == m1 && r == m2) continue;
+                p[0] = fast[0][b];
+                p[1] = fast[1][g];
+                p[2] = fast[2][r];
             }
         }
         return true;

@@ -21,4 +21,16 @@ bool SimdEnabled() noexcept;
 Long GrayRowSimd(std::uint8_t* row, Long width, std::uint8_t maskBlue, std::uint8_t maskGreen,
                  std::uint8_t maskRed, bool weighted) noexcept;
 
+// Color_FadeTo over one row when the divisor is 2^shift (weights 0, 1, 3,
+// 7, ...): every pixel whose bytes are not (mask0, mask1, mask2) gets byte
+// (v + part) >> shift, with part[0] for blue, [1] green, [2] red, each below
+// 256 * (2^shift - 1). Returns how many pixels it did, as GrayRowSimd.
+Long FadeRowSimd(std::uint8_t* row, Long width, const std::uint8_t mask[3], const int part[3],
+                 int shift) noexcept;
+
+// Color_Replace on a 24-bit row: pixels whose bytes are from[0..2] (blue,
+// green, red) become to[0..2]. Returns how many pixels it did, as GrayRowSimd.
+Long ReplaceRowSimd(std::uint8_t* row, Long width, const std::uint8_t from[3],
+                    const std::uint8_t to[3]) noexcept;
+
 }  // namespace kelvarin::gfx_detail

@@ -63,8 +63,8 @@ bool clsGFX_2D::Create(Long lWidth, Long lHeight, Long BitPerPixels) {
                          BitPerPixels == 32;
     if (!depthOk || lWidth < 1 || lHeight < 1) return false;
     const std::int64_t stride = (std::int64_t{lWidth} * bytesPerPixel_ + 3) / 4 * 4;
+    if (stride > kMaxSurfaceBytes / lHeight) return false;
     const std::int64_t bytes = stride * lHeight;
-    if (bytes > kMaxSurfaceBytes) return false;
     bits_.reset(new (std::nothrow) std::uint8_t[static_cast<std::size_t>(bytes)]());
     if (!bits_) return false;
     handle_ = NextHandle();

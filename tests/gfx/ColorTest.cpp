@@ -216,7 +216,7 @@ Long ColourAt(clsGFX_2D& gfx, Long x, Long y) {
 }
 
 TEST(ColorKernels, MatchTheReferenceOnRandomImagesWithOddWidths) {
-    const double weights[] = {0.0, 0.5, 1.0, 3.7, 1e6};
+    const double weights[] = {0.0, 0.5, 1.0, 3.0, 3.7, 1e6};
     for (Long bits : {8, 16, 24}) {
         ForRandomImages(bits, [&](clsGFX_2D& gfx, Long w, Long h) {
             auto expected = test::Snapshot(gfx);
@@ -275,9 +275,10 @@ TEST(ColorKernels, MatchTheReferenceOnRandomImagesWithOddWidths) {
     });
 }
 
-// Grey has a vector kernel for blocks of 16 pixels: with it and without it,
+// Grey, replacing and fading have vector kernels for blocks of 16 pixels:
+// with them and without,
 // on rows of whole blocks and ragged ends, with mask pixels scattered in.
-TEST(ColorKernels, GreyIsTheSameWithAndWithoutTheVectorKernel) {
+TEST(ColorKernels, VectorKernelsMatchTheScalarLoops) {
     const bool available = gfx_detail::SimdAvailable();
     for (bool simd : {false, true}) {
         gfx_detail::EnableSimd(simd);
@@ -295,6 +296,32 @@ TEST(ColorKernels, GreyIsTheSameWithAndWithoutTheVectorKernel) {
                 test::reference::Gray(expected, 0x00FF00FF, weighted);
                 gfx.Color_Gray(0x00FF00FF, weighted);
                 ASSERT_EQ(Bytes(gfx), expected.bytes) << simd << " " << width << " " << weighted;
+            }
+            {
+                clsGFX_2D gfx;
+                ASSERT_TRUE(gfx.Create(width, 3));
+                RandomFill(gfx, static_cast<std::uint32_t>(width + 2));
+                gfx.Draw_StartSession();
+                for (Long x = 0; x < width; x += 5) gfx.Draw_Pixel(x, x % 3, 0x00FF00FF);
+                gfx.Draw_EndSession();
+                auto expected = test::Snapshot(gfx);
+                test::reference::Replace(expected, 0x00FF00FF, 0x00123456);
+                gfx.Color_Replace(0x00FF00FF, 0x00123456);
+                ASSERT_EQ(Bytes(gfx), expected.bytes) << simd << " " << width << " replace";
+            }
+            // Fading by a power-of-two divisor has one too; the mask is in
+            // memory order, so (R FF, G 00, B FF) is the magenta pixels here.
+            for (double weight : {0.0, 1.0, 3.0, 7.0, 127.0, 2.0}) {
+                clsGFX_2D gfx;
+                ASSERT_TRUE(gfx.Create(width, 3));
+                RandomFill(gfx, static_cast<std::uint32_t>(width + 1));
+                gfx.Draw_StartSession();
+                for (Long x = 0; x < width; x += 4) gfx.Draw_Pixel(x, x % 3, 0x00FF00FF);
+                gfx.Draw_EndSession();
+                auto expected = test::Snapshot(gfx);
+                test::reference::FadeTo(expected, 0x00FF00FF, 0x00FF7F01, weight);
+                gfx.Color_FadeTo(0x00FF00FF, 0x00FF7F01, weight);
+                ASSERT_EQ(Bytes(gfx), expected.bytes) << simd << " " << width << " " << weight;
             }
         }
     }
