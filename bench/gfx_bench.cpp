@@ -89,8 +89,13 @@ void BM_Color_Gray_Weighted(benchmark::State& state) {
 void BM_Color_Replace(benchmark::State& state) {
     RunOnSurface(state, [](clsGFX_2D& g) { g.Color_Replace(0x00FF00FF, 0x00C0C0C0); });
 }
+// Weight 1, as the button fades its disabled picture.
 void BM_Color_FadeTo(benchmark::State& state) {
     RunOnSurface(state, [](clsGFX_2D& g) { g.Color_FadeTo(0x00FF00FF, 0x00C0C0C0, 1.0); });
+}
+// A weight whose divisor is not a power of two takes the table loop.
+void BM_Color_FadeTo_Weight0_6(benchmark::State& state) {
+    RunOnSurface(state, [](clsGFX_2D& g) { g.Color_FadeTo(0x00FF00FF, 0x00C0C0C0, 0.6); });
 }
 void BM_Color_Halftone_ErrorDiffusion(benchmark::State& state) {
     // Halftoned pixels carry no error, so every run starts from the random image.
@@ -118,6 +123,7 @@ BENCHMARK(BM_Color_Gray_Max)->Apply(Sizes);
 BENCHMARK(BM_Color_Gray_Weighted)->Apply(Sizes);
 BENCHMARK(BM_Color_Replace)->Apply(Sizes);
 BENCHMARK(BM_Color_FadeTo)->Apply(Sizes);
+BENCHMARK(BM_Color_FadeTo_Weight0_6)->Apply(Sizes);
 BENCHMARK(BM_Color_Halftone_ErrorDiffusion)->Apply(Sizes);
 BENCHMARK(BM_Draw_Line_Columns)->Apply(Sizes);
 
