@@ -517,7 +517,11 @@ std::vector<std::string> ProgressBox::Dump() const {
 
 std::string ProgressBox::Caption() const {
     std::string s = text_;
-    if (showPercentual_) s += " " + NumberToText(RoundHalfEven(percentual_)) + "%";
+    if (showPercentual_) {
+        s += ' ';
+        s += NumberToText(RoundHalfEven(percentual_));
+        s += '%';
+    }
     return s;
 }
 
