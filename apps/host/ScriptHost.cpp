@@ -117,6 +117,7 @@ void ScriptHost::Create(const std::string& className, const std::string& name, h
     Placed& placed = host_.Add(name, std::move(control), size);
     try {
         placed.Get().InitProperties();
+        placed.PaintFrame();  // a control's own default border changes the client area
         placed.Get().Resize();
         placed.Get().Show();
         placed.Get().Paint();
