@@ -666,8 +666,6 @@ void DateBox::GotFocus() {
     activeBox_ = 0;
     focusJustArrived_ = true;
     if (txtData_.Exists(1) && txtData_(1).enabled) {
-        entrySelStart_ = txtData_(1).selStart;
-        entrySelLength_ = txtData_(1).selLength;
         activeBox_ = 1;
         SelectBox(1);
     }
@@ -738,11 +736,7 @@ void DateBox::MouseDown(Integer button, Integer shift, Single x, Single y) {
         bool focused = true;
         if (arriving && hit.index != activeBox_) {
             // The press itself brought the focus: it goes straight to this box,
-            // and the first box never had it.
-            if (txtData_.Exists(activeBox_)) {
-                txtData_(activeBox_).selStart = entrySelStart_;
-                txtData_(activeBox_).selLength = entrySelLength_;
-            }
+            // and the first box, which never really had it, is not committed.
             activeBox_ = hit.index;
             SelectBox(hit.index);
         } else {

@@ -227,8 +227,6 @@ private:
     // Set when the focus has just arrived and no input followed yet: a
     // press that brought it goes straight to the box under the pointer.
     bool focusJustArrived_ = false;
-    int entrySelStart_ = 0;
-    int entrySelLength_ = 0;
     Hit captured_;       // the element that took the mouse press
     int selAnchor_ = 0;  // where a drag selection started
 };
