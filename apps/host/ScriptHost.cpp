@@ -235,6 +235,17 @@ void ScriptHost::SendMouse(std::string_view target, std::string_view action, int
     }
 }
 
+// A control's pixels with its frame, or the open popup's, painted now.
+const host::headless::Raster& ScriptHost::Pixels(std::string_view target) {
+    if (EqualsIgnoreCase(target, "popup")) {
+        if (!host_.openPopup) throw ScriptError{"no popup is open"};
+        return host_.PaintPopup();
+    }
+    Placed& p = Control(target);
+    p.PaintFrame();
+    return p.Pixels();
+}
+
 void ScriptHost::PrintEvents(std::string_view name) {
     auto& events = host_.events;
     std::vector<host::headless::EventRecord> kept;
@@ -440,10 +451,8 @@ void ScriptHost::Dispatch(const std::vector<std::string>& w, std::string_view li
         if (!host_.openPopup) throw ScriptError{"no popup is open"};
         host_.openPopup->Deactivated();
     } else if (cmd == "paint") {
-        Need(w, 3, 3, "paint NAME FILE.bmp");
-        Placed& p = Control(w[1]);
-        p.PaintFrame();
-        const host::headless::Raster& r = p.Pixels();
+        Need(w, 3, 3, "paint NAME|popup FILE.bmp");
+        const host::headless::Raster& r = Pixels(w[1]);
         if (r.width == 0 || r.height == 0) throw ScriptError{"the control has no pixels"};
         auto picture = Picture::MakeBitmap(r.width, r.height, 24);
         for (int y = 0; y < r.height; ++y) {  // the raster is top-down, bitmaps bottom-up
@@ -453,12 +462,12 @@ void ScriptHost::Dispatch(const std::vector<std::string>& w, std::string_view li
         if (const std::string error = SaveBmpFile(*picture, w[2]); !error.empty())
             throw ScriptError{w[2] + ": " + error};
     } else if (cmd == "pixel") {
-        Need(w, 4, 4, "pixel NAME X Y");
-        Placed& p = Control(w[1]);
+        Need(w, 4, 4, "pixel NAME|popup X Y");
+        const host::headless::Raster& r = Pixels(w[1]);
         const int x = ToInt(w[2]), y = ToInt(w[3]);
-        if (x < 0 || y < 0 || x >= p.OuterSize().width || y >= p.OuterSize().height)
+        if (x < 0 || y < 0 || x >= r.width || y >= r.height)
             throw ScriptError{"pixel outside the control"};
-        out_ << FormatValue(Variant(static_cast<Long>(p.Pixels().Get(x, y))), true) << "\n";
+        out_ << FormatValue(Variant(static_cast<Long>(r.Get(x, y))), true) << "\n";
     } else {
         throw ScriptError{"unknown command " + cmd};
     }

@@ -27,6 +27,7 @@ private:
     void Dispatch(const std::vector<std::string>& words, std::string_view line);
     void RunModal(host::Popup& popup, host::Point screen);
     host::headless::Placed& Control(std::string_view name);
+    const host::headless::Raster& Pixels(std::string_view target);
     // "NAME.MEMBER" -> placed control and member name.
     std::pair<host::headless::Placed*, std::string> Target(std::string_view word);
     void Save(const std::string& path);

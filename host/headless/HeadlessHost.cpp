@@ -193,6 +193,16 @@ void HeadlessHost::AttachAll(std::vector<std::unique_ptr<Placed>> controls) {
     placed_ = std::move(controls);
 }
 
+const Raster& HeadlessHost::PaintPopup() {
+    const Size size = openPopup ? openPopup->ClientSize() : Size{};
+    popupPixels_->Resize(std::max(size.width, 0), std::max(size.height, 0), 0xFFFFFF);
+    if (openPopup && popupPixels_->width > 0 && popupPixels_->height > 0) {
+        RasterSurface surface(popupPixels_, {0, 0, popupPixels_->width, popupPixels_->height});
+        openPopup->Paint(surface);
+    }
+    return *popupPixels_;
+}
+
 std::vector<Placed*> HeadlessHost::Controls() {
     std::vector<Placed*> out;
     for (auto& p : placed_) out.push_back(p.get());

@@ -113,6 +113,9 @@ public:
     // Runs while a popup is modal; without one, the popup loses activation at once.
     std::function<void(Popup&, Point)> modalLoop;
     Popup* openPopup = nullptr;
+    // Paints the open popup afresh into a raster of its own size and returns
+    // it (empty when no popup is open), as a window host repaints it.
+    const Raster& PaintPopup();
 
     // ---- Clock and timers
     std::uint32_t TickCount() const noexcept { return tick_; }
@@ -142,6 +145,7 @@ private:
     std::vector<TimerSlot*> timers_;
     std::uint64_t timerSerial_ = 0;
     Long nextHandle_ = 0x10010;
+    std::shared_ptr<Raster> popupPixels_ = std::make_shared<Raster>();
 };
 
 }  // namespace kelvarin::host::headless
