@@ -7,6 +7,8 @@
 #include "common/HostError.h"
 #include "common/Numeric.h"
 #include "common/Variant.h"
+#include "controls/calendar/CalendarHook.h"
+#include "controls/calendar/frmMese.h"
 #include "controls/datebox/ChangeFlags.h"
 
 namespace kelvarin::controls {
@@ -17,6 +19,9 @@ constexpr OLE_COLOR kWindow = 0x80000005;
 constexpr OLE_COLOR kWindowText = 0x80000008;
 constexpr const char* kDefaultFormat = "dd/mm/yyyy";
 constexpr Date kFirstOfMarch2001 = 36951;  // base of the samples a name field is measured on
+constexpr Date kFirstOfFebruary100 = -657403;  // the calendar's first day
+// The calendar is placed in twips at this fixed scale, whatever the screen's.
+constexpr double kTwipsPerPixel = 15;
 
 // The text of a number, left-padded with "0" to `digits` characters.
 std::string Padded(Long value, Long digits) {
@@ -50,9 +55,10 @@ private:
 
 DateBox::DateBox() : Control("DateBox"), partRange_(InitPartRanges()), ready_(true) {
     cmdSelezione_.width = kButtonWidth;
+    lblValueChanged_.onChange = [this] { TakeCalendarDate(); };
 }
 
-DateBox::~DateBox() = default;
+DateBox::~DateBox() { ForgetCalendarResultLabel(&lblValueChanged_); }
 
 const Locale& DateBox::Loc() const { return HasSite() ? Site().UserLocale() : CurrentLocale(); }
 
@@ -770,7 +776,11 @@ void DateBox::MouseMove(Integer button, Integer shift, Single x, Single y) {
 void DateBox::MouseUp(Integer button, Integer shift, Single x, Single y) {
     const Hit hit = captured_.kind != Hit::None ? captured_ : HitTest(x, y);
     captured_ = {};
-    if (hit.kind == Hit::Button) return;
+    if (hit.kind == Hit::Button) {
+        // Any button opens it; the release reaches the button that took the press.
+        OpenCalendar(button, shift, x - cmdSelezione_.left, y - cmdSelezione_.top);
+        return;
+    }
     if (hit.kind == Hit::Box && txtData_.Exists(hit.index) && txtData_(hit.index).selLength == 0) {
         SelectBox(hit.index);
         Redraw();
@@ -793,6 +803,81 @@ void DateBox::KeyPress(Integer& keyAscii) {
 void DateBox::KeyUp(Integer& keyCode, Integer shift) {
     Variant args[] = {Variant(keyCode), Variant(shift)};
     RaiseEvent(kKeyUp, "KeyUp", args);
+}
+
+// ---- Calendar -------------------------------------------------------------------------
+
+void DateBox::OpenCalendar(Integer, Integer, Single, Single) {
+    if (!HasSite()) return;
+    {
+        NotReady rewriting(ready_);
+        SetCalendarResultLabel(&lblValueChanged_);
+        // Blank parts, or a date the calendar cannot show, send its first day.
+        std::string caption = "01/02/0100";
+        const Long year = parts_[kYear], month = parts_[kMonth], day = parts_[kDay];
+        if (year != kBlank && month != kBlank && day != kBlank) {
+            try {
+                if (DateSerial(year, month, day) >= kFirstOfFebruary100)
+                    caption = Padded(day, 2) + "/" + Padded(month, 2) + "/" + std::to_string(year);
+            } catch (const HostError&) {
+            }
+        }
+        lblValueChanged_.SetCaption(std::move(caption));  // runs TakeCalendarDate
+    }
+    SetCalendarMinDate(minDate_);
+    SetCalendarMaxDate(maxDate_);
+    CalendarLook& look = CalendarLookState();
+    look.font = SurfaceState().font;
+    look.headerColor = 0x8000000F;
+    look.inRangeColor = kWindowText;
+    look.otherColor = 0x8000000F;
+    look.ownerBackColor = BackColor();
+    look.ownerForeColor = ForeColor();
+
+    frmMese popup(Site(), *SurfaceState().font);
+    const host::Point at = CalendarPosition(popup.ClientSize());
+    const Date before = PartsToValue();
+    Site().ShowModal(popup, at);
+    popup.Unload();
+    Redraw();
+    if (PartsToValue() != before) RaiseChange();
+}
+
+// Below the control, or above it near the bottom of the screen; right-aligned
+// with it near the right edge. Worked out in twips, as the popup is moved.
+host::Point DateBox::CalendarPosition(host::Size popup) {
+    const host::Point corner = Site().ClientToScreen({0, 0});
+    const host::Surface& client = Site().ClientSurface();
+    const int border = host::BorderWidth(SurfaceState());
+    const double controlWidth = (client.Width() + 2.0 * border) * kTwipsPerPixel;
+    const double controlHeight = (client.Height() + 2.0 * border) * kTwipsPerPixel;
+    const double x = corner.x * kTwipsPerPixel, y = corner.y * kTwipsPerPixel;
+    const double width = popup.width * kTwipsPerPixel, height = popup.height * kTwipsPerPixel;
+    const host::Size screen = Site().ScreenSize();
+    double left = x, top = y + controlHeight;
+    if (left + width > screen.width * kTwipsPerPixel - width / 3) left = x + controlWidth - width;
+    if (top + height > screen.height * kTwipsPerPixel - height / 3) top = y - height;
+    return {static_cast<int>(std::floor(left / kTwipsPerPixel)),
+            static_cast<int>(std::floor(top / kTwipsPerPixel))};
+}
+
+// The flags are cleared while the three parts are stored, so that Change
+// comes once, here, and only if the value really moved.
+void DateBox::TakeCalendarDate() {
+    const Date before = PartsToValue();
+    {
+        QuietChanges quiet;
+        const std::string& caption = lblValueChanged_.Caption();
+        const auto slice = [&](std::size_t from, std::size_t count) {
+            return from > caption.size() ? std::string_view()
+                                         : std::string_view(caption).substr(from - 1, count);
+        };
+        SetPart(kYear, LeadingNumber(slice(7, 4)), -1);
+        SetPart(kMonth, LeadingNumber(slice(4, 2)), -1);
+        SetPart(kDay, LeadingNumber(slice(1, 2)), -1);
+    }
+    Redraw();
+    if (PartsToValue() != before) RaiseChange();
 }
 
 // ---- Painting -----------------------------------------------------------------------

@@ -145,6 +145,14 @@ public:
     void SizeBoxes();
     void LayoutBoxes();
 
+    // ---- Calendar ----------------------------------------------------------------
+    // Opens the month calendar under the control and returns once it has
+    // closed: the button's release (in the button's coordinates), F4 and
+    // modifier+Down come here. Change follows if the date changed meanwhile.
+    void OpenCalendar(Integer button, Integer shift, Single x, Single y);
+    // Where the calendar of the given pixel size opens, in screen pixels.
+    host::Point CalendarPosition(host::Size popup);
+
     // ---- Constituents ----------------------------------------------------------
     const ElementArray<TextBoxElement>& TxtData() const noexcept { return txtData_; }
     const ElementArray<LabelElement>& LblSeparator() const noexcept { return lblSeparator_; }
@@ -188,6 +196,8 @@ private:
     Hit HitTest(Single x, Single y) const;
     int CaretAt(const TextBoxElement& box, Single x) const;
     void RaiseChange();
+    // lblValueChanged's change handler: takes over the date in its caption.
+    void TakeCalendarDate();
     void RaiseMouse(int number, const char* name, Integer button, Integer shift, Single x, Single y);
     const Locale& Loc() const;
     host::Size Measure(std::string_view text) const;
