@@ -301,6 +301,7 @@ void EnableSimd(bool on) noexcept {
 #endif
 }
 bool SimdEnabled() noexcept { return g_enabled; }
+bool Avx2Enabled() noexcept { return g_avx2; }
 
 Long GrayRowSimd(std::uint8_t* row, Long width, std::uint8_t maskBlue, std::uint8_t maskGreen,
                  std::uint8_t maskRed, bool weighted) noexcept {

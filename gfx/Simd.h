@@ -13,6 +13,8 @@ bool SimdAvailable() noexcept;
 // On by default where available; off makes every operation take its scalar loop.
 void EnableSimd(bool on) noexcept;
 bool SimdEnabled() noexcept;
+// Whether the 256-bit kernels may run: enabled and the processor has AVX2.
+bool Avx2Enabled() noexcept;
 
 // Color_Gray over one row of pixels: every pixel not equal to the mask
 // (blue, green, red) becomes grey, the largest channel or the weighted

@@ -45,6 +45,10 @@ void clsGFX_2D::Release() noexcept {
 }
 
 bool clsGFX_2D::Create(Long lWidth, Long lHeight, Long BitPerPixels) {
+    return Allocate(lWidth, lHeight, BitPerPixels, true);
+}
+
+bool clsGFX_2D::Allocate(Long lWidth, Long lHeight, Long BitPerPixels, bool zeroFill) {
     Release();
     width_ = lWidth;
     height_ = lHeight;
@@ -65,11 +69,27 @@ bool clsGFX_2D::Create(Long lWidth, Long lHeight, Long BitPerPixels) {
     const std::int64_t stride = (std::int64_t{lWidth} * bytesPerPixel_ + 3) / 4 * 4;
     if (stride > kMaxSurfaceBytes / lHeight) return false;
     const std::int64_t bytes = stride * lHeight;
-    bits_.reset(new (std::nothrow) std::uint8_t[static_cast<std::size_t>(bytes)]());
+    const auto size = static_cast<std::size_t>(bytes);
+    bits_.reset(zeroFill ? new (std::nothrow) std::uint8_t[size]()
+                         : new (std::nothrow) std::uint8_t[size]);
     if (!bits_) return false;
     handle_ = NextHandle();
     viewport_ = ViewportRect{0, 0, lWidth - 1, lHeight - 1};
     return true;
+}
+
+void clsGFX_2D::AdoptSurface(clsGFX_2D& other) noexcept {
+    Release();
+    other.Draw_EndSession();
+    width_ = other.width_;
+    height_ = other.height_;
+    bitsPerPixel_ = other.bitsPerPixel_;
+    bytesPerPixel_ = other.bytesPerPixel_;
+    colorTable_ = std::move(other.colorTable_);
+    bits_ = std::move(other.bits_);
+    handle_ = other.handle_;
+    viewport_ = ViewportRect{0, 0, width_ - 1, height_ - 1};
+    other.handle_ = 0;
 }
 
 // ---- 2. Pictures in and out --------------------------------------------------

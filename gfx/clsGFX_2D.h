@@ -15,12 +15,14 @@
 // that fell inside were written, an overflowing coordinate 6.
 //
 // Sections (and their sources): surface, picture exchange and pixel array
-// (Surface.cpp); drawing (Draw.cpp); colour (Color.cpp).
+// (Surface.cpp); drawing (Draw.cpp); transforms (Transform.cpp); colour
+// (Color.cpp); filters (Filter.cpp).
 #pragma once
 
 #include <array>
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -117,6 +119,20 @@ public:
     void Draw_Circle(Long x1, Long y1, Long r, Long c);
     void Draw_Circle_C(Long x1, Long y1, Long r, Long c);
 
+    // ---- Transforms: whole image, own session unless one is open -------------
+
+    // Mirror left-right and top-bottom, moving whole pixels at any depth and
+    // never the row padding; "Width=0" below one column.
+    void Image_FlipX();
+    void Image_FlipY();
+    // Bilinear resize of a 24-bit image. The surface is made anew (a new
+    // bitmap handle; a session the caller had open is reopened on it). A
+    // width or height of 1 raises Division by zero (11) once the new
+    // surface exists.
+    bool Image_Resample(Long lNewWidth, Long lNewHeight);
+    // A quarter turn counter-clockwise as shown, at any depth; square only.
+    bool Image_Rotate();
+
     // ---- Colour: whole image, own session unless one is open -----------------
     // Those limited to 24 bits return false and set the last error elsewhere.
 
@@ -147,6 +163,25 @@ public:
                                      Single& hue, Single& saturation, Single& luminance);
     static void GFX2D_conv_cHLS_cRGB(Single hue, Single saturation, Single luminance,
                                      std::uint8_t& red, std::uint8_t& green, std::uint8_t& blue);
+
+    // ---- Filters: 24 bits, own session unless one is open -------------------
+
+    // Stores an odd n x n kernel (n up to 9) with a non-zero divisor.
+    // lngMatrix holds the rows one after the other, the first row being the
+    // offset -n div 2 (the lower row in memory); each row runs from the
+    // left. Fewer than n * n values raise Subscript out of range (9).
+    bool Filter_StandardFilterSetCustom(Long lngMatrixSize, std::span<const Long> lngMatrix,
+                                        Long lngWeight);
+    // Convolves the interior with the stored kernel (-1) or built-in kernel
+    // 0-8, which then becomes the stored one, adding the low three bytes of
+    // lngAddColor per channel. With no kernel ever stored, type -1 raises
+    // Subscript out of range (9) as it reaches the kernel. A kernel whose
+    // sums leave 32 bits raises Overflow (6) where they do.
+    void Filter_StandardFilter(Long lngFilterType = -1, Long lngAddColor = 0);
+    void Filter_EdgeDetection();
+    // A 3 x 3 median in place (or, with blnLinePreserve, the line-keeping
+    // rule of Filter.cpp) inside a frame two pixels wide.
+    void Filter_Smoothing(bool blnLinePreserve = false);
 
     // ---- DeviceContext -------------------------------------------------------
 
@@ -188,6 +223,11 @@ private:
 
     bool HasSurface() const noexcept { return bits_ != nullptr; }
     void Release() noexcept;
+    // Create without the zero fill, for operations that write every byte.
+    bool Allocate(Long lWidth, Long lHeight, Long BitPerPixels, bool zeroFill);
+    // Takes over other's surface as Create would leave it; other is emptied.
+    void AdoptSurface(clsGFX_2D& other) noexcept;
+    void StoreKernel(Long size, std::span<const Long> values, Long weight);
     ImageRows SessionRows() const;
     bool Require24(const char* message);
     void PutPixelChecked(Long X, Long Y, Long c);
@@ -216,6 +256,12 @@ private:
     ViewportRect viewport_;
     std::vector<float> randomRing_;
     Long randomIndex_ = -1;
+
+    // The convolution kernel: kernelSize_ x kernelSize_ values, row offset
+    // -half first; size 0 until one is stored.
+    Long kernelSize_ = 0;
+    Long kernelWeight_ = 0;
+    std::vector<Long> kernel_;
 };
 
 }  // namespace kelvarin

@@ -403,7 +403,9 @@ TEST(ColorRefusals, OtherDepthsGetTheExactTextAndKeepEveryByte) {
     }
 }
 
-TEST(ColorSessions, AnOpenSessionIsUsedAndKept) {
+// Colour operations, transforms (but the resample, which makes a new
+// surface) and filters alike.
+TEST(WholeImageSessions, AnOpenSessionIsUsedAndKept) {
     const std::function<void(clsGFX_2D&)> operations[] = {
         [](clsGFX_2D& g) { g.Color_Fill(0x102030); },
         [](clsGFX_2D& g) { g.Color_Invert(); },
@@ -417,11 +419,17 @@ TEST(ColorSessions, AnOpenSessionIsUsedAndKept) {
         [](clsGFX_2D& g) { g.Color_EqualizeIstogram(0); },
         [](clsGFX_2D& g) { g.Color_ConvertRGBToHSL(); },
         [](clsGFX_2D& g) { g.Color_ConvertHSLToRGB(); },
+        [](clsGFX_2D& g) { g.Image_FlipX(); },
+        [](clsGFX_2D& g) { g.Image_FlipY(); },
+        [](clsGFX_2D& g) { g.Image_Rotate(); },
+        [](clsGFX_2D& g) { g.Filter_StandardFilter(7, 0x010203); },
+        [](clsGFX_2D& g) { g.Filter_EdgeDetection(); },
+        [](clsGFX_2D& g) { g.Filter_Smoothing(true); },
     };
     for (std::size_t i = 0; i < std::size(operations); ++i) {
         clsGFX_2D open, closed;
-        ASSERT_TRUE(open.Create(5, 4));
-        ASSERT_TRUE(closed.Create(5, 4));
+        ASSERT_TRUE(open.Create(5, 5));
+        ASSERT_TRUE(closed.Create(5, 5));
         RandomFill(open, 9);
         RandomFill(closed, 9);
         open.Draw_StartSession();

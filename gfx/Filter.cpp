@@ -1,0 +1,510 @@
+// clsGFX_2D: convolution filters and smoothing.
+//
+//   1. Kernels: custom and built-in
+//   2. Convolution: the plain loop, the row loop, the 256-bit kernel
+//   3. Edge detection
+//   4. Smoothing: median and line-keeping, the plain loop and the wavefront
+//
+// The plain loops follow the rules literally (a full copy of the image, 64-bit
+// sums checked against the host's 32-bit range, a sort of nine values) and
+// are the reference. The fast paths give the same bytes; they run while the
+// vector kernels are enabled (gfx_detail::EnableSimd), and the tests compare
+// both on random images.
+#include "gfx/clsGFX_2D.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstring>
+#include <vector>
+
+#include "common/HostError.h"
+#include "gfx/Simd.h"
+
+#if defined(__x86_64__) || defined(__i386__)
+#include <immintrin.h>
+#define KELVARIN_X86 1
+#define KELVARIN_AVX2 __attribute__((target("avx2")))
+#endif
+
+namespace kelvarin {
+
+using namespace gfx_detail;
+
+namespace {
+
+// ---- 1. Kernels: custom and built-in -------------------------------------------
+
+struct BuiltInKernel {
+    Long size;
+    std::array<Long, 25> values;  // rows one after the other
+    Long weight;
+};
+
+// Types 0-8. All but type 6 are symmetric; type 6 takes -1 from the lower
+// right neighbour (rows are stored bottom-up) and +1 from the upper left.
+constexpr BuiltInKernel kBuiltIn[9] = {
+    {3, {1, 1, 1, 1, 1, 1, 1, 1, 1}, 9},
+    {5, {1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1}, 25},
+    {3, {1, 1, 1, 1, 4, 1, 1, 1, 1}, 12},
+    {5, {1, 1, 1, 1, 1, 1, 2, 2, 2, 1, 1, 2, 12, 2, 1, 1, 2, 2, 2, 1, 1, 1, 1, 1, 1}, 44},
+    {3, {-1, -1, -1, -1, 15, -1, -1, -1, -1}, 7},
+    {3, {0, -1, 0, -1, 5, -1, 0, -1, 0}, 1},
+    {3, {0, 0, -1, 0, 0, 0, 1, 0, 0}, 1},
+    {3, {1, 2, 1, 2, 4, 2, 1, 2, 1}, 16},
+    {3, {1, 1, 1, 1, -9, 1, 1, 1, 1}, 1},
+};
+
+// ---- 2. Convolution ----------------------------------------------------------
+
+struct Convolution {
+    Long size = 0;
+    Long half = 0;
+    const Long* kernel = nullptr;  // size x size, row offset -half first
+    Long weight = 1;
+    int add[3] = {0, 0, 0};  // per byte of a pixel: blue, green, red
+};
+
+inline std::uint8_t ClampByte(std::int64_t v) {
+    return static_cast<std::uint8_t>(v < 0 ? 0 : v > 255 ? 255 : v);
+}
+
+inline std::int64_t InLong(std::int64_t v) {
+    if (v < INT32_MIN || v > INT32_MAX) RaiseHostError(HostErrorCode::Overflow);
+    return v;
+}
+
+// Every interior pixel from a copy of the whole image, the sums in the
+// host's 32-bit arithmetic: a product or partial sum outside it raises
+// Overflow there, with the pixels before it written.
+template <typename Rows>
+void ConvolvePlain(const Rows& rows, const Convolution& f) {
+    const std::size_t rowBytes = static_cast<std::size_t>(rows.width) * 3;
+    std::vector<std::uint8_t> copy(rowBytes * static_cast<std::size_t>(rows.height));
+    for (Long y = 0; y < rows.height; ++y) {
+        std::memcpy(copy.data() + rowBytes * static_cast<std::size_t>(y), rows.Row(y), rowBytes);
+    }
+    auto at = [&](Long x, Long y, int c) {
+        return copy[rowBytes * static_cast<std::size_t>(y) + static_cast<std::size_t>(3 * x + c)];
+    };
+    for (Long y = f.half; y < rows.height - f.half; ++y) {
+        for (Long x = f.half; x < rows.width - f.half; ++x) {
+            for (int c = 0; c < 3; ++c) {
+                std::int64_t sum = 0;
+                for (Long j = -f.half; j <= f.half; ++j) {
+                    for (Long i = -f.half; i <= f.half; ++i) {
+                        const Long k = f.kernel[(j + f.half) * f.size + (i + f.half)];
+                        sum = InLong(sum + InLong(std::int64_t{at(x + i, y + j, c)} * k));
+                    }
+                }
+                const std::int64_t value = InLong(InLong(sum / f.weight) + f.add[c]);
+                rows.Row(y)[3 * x + c] = ClampByte(value);
+            }
+        }
+    }
+}
+
+// One nonzero kernel entry: which source row (0 = offset -half) and the
+// byte offset within it.
+struct Tap {
+    int row;
+    int offset;
+    Long k;
+};
+
+// Bytes [from, to) of an output row from the source rows, in 32-bit sums
+// (the caller has made sure they cannot overflow).
+void ConvolveBytes(const std::uint8_t* const* src, const std::vector<Tap>& taps,
+                   const Convolution& f, std::uint8_t* out, std::size_t from, std::size_t to) {
+    for (std::size_t b = from; b < to; ++b) {
+        std::int32_t sum = 0;
+        for (const Tap& t : taps) {
+            sum +=
+                static_cast<std::int32_t>(src[t.row][static_cast<std::ptrdiff_t>(b) + t.offset]) *
+                t.k;
+        }
+        out[b] = ClampByte(std::int64_t{sum / f.weight} + f.add[b % 3]);
+    }
+}
+
+#if KELVARIN_X86
+// The 256-bit kernel for kernels whose sums stay within 16 bits (every
+// built-in one): 32 output bytes per step, widened to two vectors of 16-bit
+// sums. The quotient is the truncated product with the reciprocal of the
+// weight rounded away from zero, which equals the truncated quotient for
+// sums below 2^15 in magnitude and weights up to 2^16.
+struct WideConvolution {
+    std::vector<Tap> taps;
+    bool divide = false;
+    float reciprocal = 1;
+    // Per byte phase (position mod 3 of the block's first byte): the add
+    // offsets of the 32 bytes, laid out as the widened halves are.
+    __m256i add16Low[3], add16High[3];
+};
+
+KELVARIN_AVX2 void PrepareWide(WideConvolution& w, const Convolution& f) {
+    for (int phase = 0; phase < 3; ++phase) {
+        alignas(32) std::uint8_t pattern[32];
+        for (int b = 0; b < 32; ++b) pattern[b] = static_cast<std::uint8_t>(f.add[(phase + b) % 3]);
+        const __m256i v = _mm256_load_si256(reinterpret_cast<const __m256i*>(pattern));
+        w.add16Low[phase] = _mm256_unpacklo_epi8(v, _mm256_setzero_si256());
+        w.add16High[phase] = _mm256_unpackhi_epi8(v, _mm256_setzero_si256());
+    }
+    w.divide = f.weight != 1;
+    const Long magnitude = f.weight < 0 ? -f.weight : f.weight;
+    float r = 1.0f / static_cast<float>(magnitude);
+    if (static_cast<double>(r) * magnitude < 1.0) r = std::nextafter(r, 2.0f);
+    w.reciprocal = f.weight < 0 ? -r : r;
+}
+
+// Quotient of sixteen 16-bit sums (in the widened layout) plus the offsets.
+KELVARIN_AVX2 inline __m256i Finish16(__m256i sum, __m256i add, const WideConvolution& w) {
+    if (!w.divide) return _mm256_adds_epi16(sum, add);
+    const __m256 r = _mm256_set1_ps(w.reciprocal);
+    const __m256i lo = _mm256_srai_epi32(_mm256_unpacklo_epi16(sum, sum), 16);
+    const __m256i hi = _mm256_srai_epi32(_mm256_unpackhi_epi16(sum, sum), 16);
+    const __m256i qlo = _mm256_cvttps_epi32(_mm256_mul_ps(_mm256_cvtepi32_ps(lo), r));
+    const __m256i qhi = _mm256_cvttps_epi32(_mm256_mul_ps(_mm256_cvtepi32_ps(hi), r));
+    // Back to sixteen 16-bit lanes in the same layout; a quotient is at most
+    // 2^15 in magnitude, so the saturation below only acts as the clamp would.
+    return _mm256_adds_epi16(_mm256_packs_epi32(qlo, qhi), add);
+}
+
+KELVARIN_AVX2 std::size_t ConvolveAvx2(const std::uint8_t* const* src, const WideConvolution& w,
+                                       std::uint8_t* out, std::size_t from, std::size_t to) {
+    const __m256i zero = _mm256_setzero_si256();
+    std::size_t b = from;
+    for (; b + 32 <= to; b += 32) {
+        __m256i lo = zero, hi = zero;
+        for (const Tap& t : w.taps) {
+            const __m256i v = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(
+                src[t.row] + static_cast<std::ptrdiff_t>(b) + t.offset));
+            const __m256i vlo = _mm256_unpacklo_epi8(v, zero);
+            const __m256i vhi = _mm256_unpackhi_epi8(v, zero);
+            if (t.k == 1) {
+                lo = _mm256_add_epi16(lo, vlo);
+                hi = _mm256_add_epi16(hi, vhi);
+            } else if (t.k == -1) {
+                lo = _mm256_sub_epi16(lo, vlo);
+                hi = _mm256_sub_epi16(hi, vhi);
+            } else {
+                const __m256i k = _mm256_set1_epi16(static_cast<short>(t.k));
+                lo = _mm256_add_epi16(lo, _mm256_mullo_epi16(vlo, k));
+                hi = _mm256_add_epi16(hi, _mm256_mullo_epi16(vhi, k));
+            }
+        }
+        const std::size_t phase = b % 3;
+        const __m256i bytes = _mm256_packus_epi16(Finish16(lo, w.add16Low[phase], w),
+                                                  Finish16(hi, w.add16High[phase], w));
+        _mm256_storeu_si256(reinterpret_cast<__m256i*>(out + b), bytes);
+    }
+    return b;
+}
+#endif
+
+// Row by row in place: the original of the rows at and below the current
+// one (which are overwritten by then) is kept in a ring of half + 1 rows;
+// the rows above are still untouched in the image.
+template <typename Rows>
+void ConvolveRows(const Rows& rows, const Convolution& f, bool wide) {
+    const Long n = f.size, half = f.half;
+    const std::size_t rowBytes = static_cast<std::size_t>(rows.width) * 3;
+    std::vector<Tap> taps;
+    for (Long j = 0; j < n; ++j) {
+        for (Long i = 0; i < n; ++i) {
+            const Long k = f.kernel[j * n + i];
+            if (k != 0)
+                taps.push_back(Tap{static_cast<int>(j), static_cast<int>(3 * (i - half)), k});
+        }
+    }
+#if KELVARIN_X86
+    WideConvolution w;
+    if (wide) {
+        w.taps = taps;
+        PrepareWide(w, f);
+    }
+#else
+    (void)wide;
+#endif
+    const auto ringSize = static_cast<std::size_t>(half + 1);
+    std::vector<std::uint8_t> ring(ringSize * rowBytes);
+    auto ringRow = [&](Long y) {
+        return ring.data() + static_cast<std::size_t>(y) % ringSize * rowBytes;
+    };
+    for (Long y = 0; y < half; ++y) std::memcpy(ringRow(y), rows.Row(y), rowBytes);
+    std::vector<const std::uint8_t*> src(static_cast<std::size_t>(n));
+    const auto from = static_cast<std::size_t>(3 * half);
+    const std::size_t to = rowBytes - from;
+    for (Long y = half; y < rows.height - half; ++y) {
+        std::memcpy(ringRow(y), rows.Row(y), rowBytes);
+        for (Long j = 0; j < n; ++j) {
+            const Long sy = y - half + j;
+            src[static_cast<std::size_t>(j)] = sy <= y ? ringRow(sy) : rows.Row(sy);
+        }
+        std::size_t done = from;
+#if KELVARIN_X86
+        if (wide) done = ConvolveAvx2(src.data(), w, rows.Row(y), from, to);
+#endif
+        ConvolveBytes(src.data(), taps, f, rows.Row(y), done, to);
+    }
+}
+
+// ---- 4. Smoothing -------------------------------------------------------------
+
+inline std::uint8_t Med3(std::uint8_t a, std::uint8_t b, std::uint8_t c) {
+    return std::max(std::min(a, b), std::min(std::max(a, b), c));
+}
+
+// The line-keeping rule. A line one pixel wide through the centre runs
+// horizontally, vertically or along a diagonal, and on it the centre and its
+// two neighbours agree while the other six differ: a median of nine sees the
+// six and erases the line. Here each of the four lines through the centre
+// gives the median of its three values; the result is the median of the
+// centre, the largest and the smallest of those four. On a line one of the
+// four is the line's own value and the centre stays; a lone spot, which no
+// line carries, is still removed, since all four then lie on the surround.
+inline std::uint8_t LineKeeping(const std::uint8_t v[3][3]) {  // v[row][column], centre v[1][1]
+    const std::uint8_t c = v[1][1];
+    const std::uint8_t z[4] = {Med3(v[1][0], c, v[1][2]), Med3(v[0][1], c, v[2][1]),
+                               Med3(v[0][0], c, v[2][2]), Med3(v[2][0], c, v[0][2])};
+    return Med3(c, *std::max_element(z, z + 4), *std::min_element(z, z + 4));
+}
+
+// In place, column by column and up each column, as the rule's loops run:
+// neighbours already done (the column to the left, the row below) count
+// with their new values.
+template <typename Rows>
+void SmoothPlain(const Rows& rows, bool linePreserve) {
+    for (Long x = 2; x <= rows.width - 3; ++x) {
+        for (Long y = 2; y <= rows.height - 3; ++y) {
+            for (int c = 0; c < 3; ++c) {
+                std::uint8_t v[3][3];
+                for (int dy = 0; dy < 3; ++dy) {
+                    for (int dx = 0; dx < 3; ++dx)
+                        v[dy][dx] = rows.Row(y - 1 + dy)[3 * (x - 1 + dx) + c];
+                }
+                std::uint8_t result;
+                if (linePreserve) {
+                    result = LineKeeping(v);
+                } else {
+                    std::uint8_t all[9];
+                    std::memcpy(all, v, 9);
+                    // Pairwise exchange over the nine, then the fifth.
+                    for (int i = 0; i < 9; ++i) {
+                        for (int j = i + 1; j < 9; ++j) {
+                            if (all[j] < all[i]) std::swap(all[i], all[j]);
+                        }
+                    }
+                    result = all[4];
+                }
+                rows.Row(y)[3 * x + c] = result;
+            }
+        }
+    }
+}
+
+#if KELVARIN_X86
+// The wavefront. Pixel (x, y) needs the new values of (x, y - 1) and
+// (x - 1, y + 1), so pixels (x + k, y - 2k) can be done together. A strip of
+// kLanes columns is copied into a skewed buffer where column k of the strip
+// is shifted down by 2k rows: one row of the buffer is then one such set of
+// pixels, contiguous, and each of the nine neighbours is one unaligned load.
+// Column -1 (done by the previous strip) and column kLanes (not done yet)
+// come along unchanged. In the buffer, column k at image row y is at row
+// y + 2(k + 1), bytes 3(k + 1) to 3(k + 1) + 2.
+constexpr int kLanes = 10;  // 30 bytes of a 32-byte vector
+constexpr std::size_t kSkewStride = 64;
+
+struct Window {
+    __m256i v[3][3];  // [row offset + 1][column offset + 1]
+};
+
+KELVARIN_AVX2 inline __m256i Min(__m256i a, __m256i b) {
+    return _mm256_min_epu8(a, b);
+}
+KELVARIN_AVX2 inline __m256i Max(__m256i a, __m256i b) {
+    return _mm256_max_epu8(a, b);
+}
+KELVARIN_AVX2 inline __m256i Med3(__m256i a, __m256i b, __m256i c) {
+    return Max(Min(a, b), Min(Max(a, b), c));
+}
+
+// The median of nine: sort each column of three; the median is the median
+// of the largest low, the middle median and the smallest high.
+KELVARIN_AVX2 inline __m256i Median9(const Window& w) {
+    __m256i low[3], mid[3], high[3];
+    for (int dc = 0; dc < 3; ++dc) {
+        const __m256i a = w.v[0][dc], b = w.v[1][dc], c = w.v[2][dc];
+        const __m256i mn = Min(a, b), mx = Max(a, b);
+        low[dc] = Min(mn, c);
+        high[dc] = Max(mx, c);
+        mid[dc] = Max(mn, Min(mx, c));
+    }
+    return Med3(Max(Max(low[0], low[1]), low[2]), Med3(mid[0], mid[1], mid[2]),
+                Min(Min(high[0], high[1]), high[2]));
+}
+
+KELVARIN_AVX2 inline __m256i LineKeeping9(const Window& w) {
+    const __m256i c = w.v[1][1];
+    const __m256i z0 = Med3(w.v[1][0], c, w.v[1][2]);
+    const __m256i z1 = Med3(w.v[0][1], c, w.v[2][1]);
+    const __m256i z2 = Med3(w.v[0][0], c, w.v[2][2]);
+    const __m256i z3 = Med3(w.v[2][0], c, w.v[0][2]);
+    return Med3(c, Max(Max(z0, z1), Max(z2, z3)), Min(Min(z0, z1), Min(z2, z3)));
+}
+
+template <bool kLinePreserve, typename Rows>
+KELVARIN_AVX2 void SmoothWavefront(const Rows& rows) {
+    const Long x0 = 2, x1 = rows.width - 3, y0 = 2, y1 = rows.height - 3;
+    std::vector<std::uint8_t> skew(static_cast<std::size_t>(rows.height + 2 * kLanes + 4) *
+                                   kSkewStride);
+    auto cell = [&](Long skewRow, int column) {  // column -1..kLanes
+        return skew.data() + static_cast<std::size_t>(skewRow) * kSkewStride +
+               static_cast<std::size_t>(3 * (column + 1));
+    };
+    alignas(32) std::uint8_t index[32];
+    for (int b = 0; b < 32; ++b) index[b] = static_cast<std::uint8_t>(b);
+    const __m256i byteIndex = _mm256_load_si256(reinterpret_cast<const __m256i*>(index));
+
+    for (Long xs = x0; xs <= x1; xs += kLanes) {
+        const int lanes = static_cast<int>(std::min<Long>(kLanes, x1 - xs + 1));
+        for (int k = -1; k <= kLanes; ++k) {
+            const Long x = xs + k;
+            if (x >= rows.width) break;
+            for (Long y = y0 - 1; y <= y1 + 1; ++y)
+                std::memcpy(cell(y + 2 * (k + 1), k), rows.Row(y) + 3 * x, 3);
+        }
+        // Step t does image row t - 2k of lane k, all at buffer row t + 2.
+        for (Long t = y0; t <= y1 + 2 * (lanes - 1); ++t) {
+            const Long s = t + 2;
+            Window w;
+            for (int dr = -1; dr <= 1; ++dr) {
+                for (int dc = -1; dc <= 1; ++dc) {
+                    w.v[dr + 1][dc + 1] = _mm256_loadu_si256(
+                        reinterpret_cast<const __m256i*>(cell(s + dr + 2 * dc, dc)));
+                }
+            }
+            const __m256i result = kLinePreserve ? LineKeeping9(w) : Median9(w);
+            // Lanes whose row lies in y0..y1 this step.
+            const Long first = std::max<Long>(0, (t - y1 + 1) / 2);
+            const Long last = std::min<Long>(lanes - 1, (t - y0) / 2);
+            const __m256i from = _mm256_set1_epi8(static_cast<char>(3 * first - 1));
+            const __m256i to = _mm256_set1_epi8(static_cast<char>(3 * (last + 1)));
+            const __m256i active = _mm256_and_si256(_mm256_cmpgt_epi8(byteIndex, from),
+                                                    _mm256_cmpgt_epi8(to, byteIndex));
+            _mm256_storeu_si256(reinterpret_cast<__m256i*>(cell(s, 0)),
+                                _mm256_blendv_epi8(w.v[1][1], result, active));
+        }
+        for (int k = 0; k < lanes; ++k) {
+            for (Long y = y0; y <= y1; ++y)
+                std::memcpy(rows.Row(y) + 3 * (xs + k), cell(y + 2 * (k + 1), k), 3);
+        }
+    }
+}
+#endif
+
+}  // namespace
+
+// ---- 1. Kernels --------------------------------------------------------------
+
+void clsGFX_2D::StoreKernel(Long size, std::span<const Long> values, Long weight) {
+    kernelSize_ = size;
+    kernelWeight_ = weight;
+    kernel_.assign(values.begin(), values.begin() + static_cast<std::ptrdiff_t>(size) * size);
+}
+
+bool clsGFX_2D::Filter_StandardFilterSetCustom(Long lngMatrixSize, std::span<const Long> lngMatrix,
+                                               Long lngWeight) {
+    if (lngMatrixSize % 2 == 0) {
+        lastError_ = "Filter_StandardFilterSetCustom; size must be an odd number";
+        return false;
+    }
+    if (lngMatrixSize < 0 || lngMatrixSize > 9) {
+        lastError_ =
+            "Filter_StandardFilterSetCustom: Invalid size; size should be an odd number from 3 to "
+            "9";
+        return false;
+    }
+    if (lngWeight == 0) {
+        lastError_ =
+            "Filter_StandardFilterSetCustom: Invalid weight; weight must be different from 0";
+        return false;
+    }
+    if (lngMatrix.size() < static_cast<std::size_t>(lngMatrixSize * lngMatrixSize)) {
+        RaiseHostError(HostErrorCode::SubscriptOutOfRange);
+    }
+    StoreKernel(lngMatrixSize, lngMatrix, lngWeight);
+    return true;
+}
+
+// ---- 2. Convolution ------------------------------------------------------------
+
+void clsGFX_2D::Filter_StandardFilter(Long lngFilterType, Long lngAddColor) {
+    if (!Require24("Filter_StandardFilter is only for 24bit depth images")) return;
+    SessionScope session(*this);
+    if (lngFilterType >= 0 && lngFilterType <= 8) {
+        const BuiltInKernel& k = kBuiltIn[lngFilterType];
+        StoreKernel(k.size, k.values, k.weight);
+    }
+    const ImageRows rows = SessionRows();
+    Convolution f;
+    f.size = kernelSize_;
+    f.half = kernelSize_ / 2;
+    if (rows.width <= 2 * f.half || rows.height <= 2 * f.half) return;  // no interior
+    if (kernel_.empty()) RaiseHostError(HostErrorCode::SubscriptOutOfRange);
+    f.kernel = kernel_.data();
+    f.weight = kernelWeight_;
+    const auto add = static_cast<std::uint32_t>(lngAddColor);
+    f.add[0] = static_cast<int>(add >> 16 & 255);  // blue
+    f.add[1] = static_cast<int>(add >> 8 & 255);   // green
+    f.add[2] = static_cast<int>(add & 255);        // red
+
+    if (!SimdEnabled()) {
+        ConvolvePlain(rows, f);
+        return;
+    }
+    // The largest sum in magnitude decides which arithmetic is exact.
+    std::int64_t reach = 0;
+    for (Long k : kernel_) reach += k < 0 ? -std::int64_t{k} : k;
+    reach *= 255;
+    if (reach + 255 > INT32_MAX) {
+        ConvolvePlain(rows, f);  // sums that may leave 32 bits are checked
+        return;
+    }
+    const bool wide =
+        Avx2Enabled() && reach <= INT16_MAX && f.weight >= -65536 && f.weight <= 65536;
+    ConvolveRows(rows, f, wide);
+}
+
+// ---- 3. Edge detection -----------------------------------------------------------
+
+void clsGFX_2D::Filter_EdgeDetection() {
+    if (!Require24("Filter_EdgeDetection is only for 24bit depth images")) return;
+    SessionScope session(*this);
+    Filter_StandardFilter(8, 0);
+    // Mask -1 is red 255, green 0, blue 0 in the pixel's terms: pure red
+    // pixels keep their colour.
+    Color_Gray(-1, false);
+}
+
+// ---- 4. Smoothing -------------------------------------------------------------------
+
+void clsGFX_2D::Filter_Smoothing(bool blnLinePreserve) {
+    if (!Require24("Filter_Smoothing is only for 24bit depth images")) return;
+    SessionScope session(*this);
+    const ImageRows rows = SessionRows();
+    if (rows.width < 5 || rows.height < 5) return;  // all frame
+#if KELVARIN_X86
+    if (Avx2Enabled()) {
+        if (blnLinePreserve) {
+            SmoothWavefront<true>(rows);
+        } else {
+            SmoothWavefront<false>(rows);
+        }
+        return;
+    }
+#endif
+    SmoothPlain(rows, blnLinePreserve);
+}
+
+}  // namespace kelvarin

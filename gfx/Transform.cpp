@@ -1,0 +1,465 @@
+// clsGFX_2D: whole-image geometric transforms.
+//
+//   1. Mirrors
+//   2. Bilinear resample
+//   3. Quarter turn
+//
+// Every operation keeps a plain loop that follows its rule pixel by pixel
+// from a full copy; that loop is the reference. The fast paths (in-place
+// swaps, a row cache and 256-bit kernels for the resample, cache tiles for
+// the turn) give the same bytes and run while the vector kernels are enabled
+// (gfx_detail::EnableSimd); the tests compare both on random images.
+#include "gfx/clsGFX_2D.h"
+
+#include <algorithm>
+#include <cstring>
+#include <vector>
+
+#include "common/HostError.h"
+#include "gfx/Simd.h"
+
+#if defined(__x86_64__) || defined(__i386__)
+#include <immintrin.h>
+#define KELVARIN_X86 1
+#define KELVARIN_SSSE3 __attribute__((target("ssse3")))
+#define KELVARIN_AVX2 __attribute__((target("avx2")))
+#endif
+
+namespace kelvarin {
+
+using namespace gfx_detail;
+
+namespace {
+
+using Bytes = std::vector<std::uint8_t>;
+
+// The pixel bytes of every row, without padding, lowest row first.
+struct RowsCopy {
+    Bytes bytes;
+    std::size_t rowBytes = 0;
+    const std::uint8_t* Row(Long y) const {
+        return bytes.data() + rowBytes * static_cast<std::size_t>(y);
+    }
+};
+
+template <typename Rows>
+RowsCopy CopyRows(const Rows& rows, Long bpp) {
+    RowsCopy copy;
+    copy.rowBytes = static_cast<std::size_t>(rows.width) * static_cast<std::size_t>(bpp);
+    copy.bytes.resize(copy.rowBytes * static_cast<std::size_t>(rows.height));
+    for (Long y = 0; y < rows.height; ++y) {
+        std::memcpy(copy.bytes.data() + copy.rowBytes * static_cast<std::size_t>(y), rows.Row(y),
+                    copy.rowBytes);
+    }
+    return copy;
+}
+
+// ---- 1. Mirrors ------------------------------------------------------------
+
+template <int kBytes>
+void ReverseRowInPlace(std::uint8_t* row, Long width) {
+    std::uint8_t* left = row;
+    std::uint8_t* right = row + static_cast<std::ptrdiff_t>(width - 1) * kBytes;
+    for (; left < right; left += kBytes, right -= kBytes) {
+        std::uint8_t t[kBytes];
+        std::memcpy(t, left, kBytes);
+        std::memcpy(left, right, kBytes);
+        std::memcpy(right, t, kBytes);
+    }
+}
+
+#if KELVARIN_X86
+// Five pixels reversed within 16 bytes: source bytes 1..15 hold pixels
+// w-5..w-1 (byte 0 is the one before them); the result holds them in the
+// opposite order in bytes 0..14.
+KELVARIN_SSSE3 void ReverseRow24(std::uint8_t* row, const std::uint8_t* copy, Long width) {
+    const __m128i order = _mm_setr_epi8(13, 14, 15, 10, 11, 12, 7, 8, 9, 4, 5, 6, 1, 2, 3, 0);
+    Long x = 0;
+    // Each store writes one byte past its five pixels, which the next store
+    // (or the tail) overwrites; the last store stays inside the row's pixels.
+    for (; x + 6 <= width; x += 5) {
+        const std::uint8_t* from = copy + 3 * static_cast<std::ptrdiff_t>(width - 5 - x) - 1;
+        const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(row + 3 * static_cast<std::ptrdiff_t>(x)),
+                         _mm_shuffle_epi8(v, order));
+    }
+    for (; x < width; ++x) {
+        std::memcpy(row + 3 * static_cast<std::ptrdiff_t>(x),
+                    copy + 3 * static_cast<std::ptrdiff_t>(width - 1 - x), 3);
+    }
+}
+#endif
+
+// ---- 2. Bilinear resample --------------------------------------------------
+
+// Where destination column (or row) i samples: the source index, its
+// clamped neighbour and the two weights. The position i * scale is formed in
+// double and kept as a single, and everything after it is single precision.
+struct Sample {
+    Long at = 0;
+    Long next = 0;
+    Single keep = 1;  // 1 - t
+    Single take = 0;  // t
+};
+
+Sample SampleAt(Long i, Single scale, Long sourceSize) {
+    const auto f = static_cast<Single>(static_cast<double>(i) * static_cast<double>(scale));
+    Sample s;
+    s.at = std::min(static_cast<Long>(f), sourceSize - 1);  // f >= 0: truncation is floor
+    s.next = std::min(s.at + 1, sourceSize - 1);
+    s.take = f - static_cast<Single>(s.at);
+    s.keep = 1 - s.take;
+    return s;
+}
+
+// Nearest, ties to even, of a non-negative single below 256.
+inline std::uint8_t RoundByte(Single v) {
+    return static_cast<std::uint8_t>(RoundHalfEven(v));
+}
+
+template <typename Rows>
+void ResamplePlain(const Rows& from, const Rows& to, Single sx, Single sy) {
+    for (Long j = 0; j < to.height; ++j) {
+        const Sample row = SampleAt(j, sy, from.height);
+        const std::uint8_t* low = from.Row(row.at);
+        const std::uint8_t* high = from.Row(row.next);
+        std::uint8_t* out = to.Row(j);
+        for (Long i = 0; i < to.width; ++i) {
+            const Sample col = SampleAt(i, sx, from.width);
+            for (int c = 0; c < 3; ++c) {
+                const Single p00 = low[3 * col.at + c], p10 = low[3 * col.next + c];
+                const Single p01 = high[3 * col.at + c], p11 = high[3 * col.next + c];
+                const Single a = RoundByte(col.keep * p00 + col.take * p10);
+                const Single b = RoundByte(col.keep * p01 + col.take * p11);
+                out[3 * i + c] = RoundByte(row.keep * a + row.take * b);
+            }
+        }
+    }
+}
+
+// The fast resample works in two passes with the same arithmetic: each
+// source row that a destination row needs is interpolated across once into
+// a row of rounded bytes (kept while consecutive destination rows share it),
+// then pairs of those rows are blended down.
+struct ColumnTables {
+    std::vector<std::int32_t> at, next;  // source byte offsets per destination byte
+    std::vector<Single> keep, take;
+    std::size_t gatherEnd = 0;  // bytes whose 4-byte reads stay inside the row
+};
+
+void InterpolateRowPlain(const ColumnTables& t, const std::uint8_t* src, std::uint8_t* out,
+                         std::size_t from, std::size_t to) {
+    for (std::size_t k = from; k < to; ++k) {
+        out[k] = RoundByte(t.keep[k] * static_cast<Single>(src[t.at[k]]) +
+                           t.take[k] * static_cast<Single>(src[t.next[k]]));
+    }
+}
+
+void BlendRowsPlain(const std::uint8_t* a, const std::uint8_t* b, Single keep, Single take,
+                    std::uint8_t* out, std::size_t from, std::size_t to) {
+    for (std::size_t k = from; k < to; ++k) {
+        out[k] = RoundByte(keep * static_cast<Single>(a[k]) + take * static_cast<Single>(b[k]));
+    }
+}
+
+#if KELVARIN_X86
+// Eight rounded results per vector, four vectors to 32 bytes in order.
+KELVARIN_AVX2 inline __m256i PackBytes(__m256i r0, __m256i r1, __m256i r2, __m256i r3) {
+    const __m256i words =
+        _mm256_packus_epi16(_mm256_packus_epi32(r0, r1), _mm256_packus_epi32(r2, r3));
+    return _mm256_permutevar8x32_epi32(words, _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7));
+}
+
+KELVARIN_AVX2 inline __m256 Floats(__m128i eightBytes) {
+    return _mm256_cvtepi32_ps(_mm256_cvtepu8_epi32(eightBytes));
+}
+
+// Multiplies and adds stay separate instructions (no fused forms): the
+// products round as the plain loop's do. Conversion rounds to nearest even.
+KELVARIN_AVX2 std::size_t InterpolateRowAvx2(const ColumnTables& t, const std::uint8_t* src,
+                                             std::uint8_t* out, std::size_t end) {
+    const auto* base = reinterpret_cast<const int*>(src);
+    const __m256i low = _mm256_set1_epi32(255);
+    std::size_t k = 0;
+    for (; k + 32 <= end; k += 32) {
+        __m256i r[4];
+        for (int q = 0; q < 4; ++q) {
+            const std::size_t at = k + 8 * static_cast<std::size_t>(q);
+            const __m256i i0 = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(&t.at[at]));
+            const __m256i i1 = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(&t.next[at]));
+            const __m256 p0 =
+                _mm256_cvtepi32_ps(_mm256_and_si256(_mm256_i32gather_epi32(base, i0, 1), low));
+            const __m256 p1 =
+                _mm256_cvtepi32_ps(_mm256_and_si256(_mm256_i32gather_epi32(base, i1, 1), low));
+            const __m256 v = _mm256_add_ps(_mm256_mul_ps(_mm256_loadu_ps(&t.keep[at]), p0),
+                                           _mm256_mul_ps(_mm256_loadu_ps(&t.take[at]), p1));
+            r[q] = _mm256_cvtps_epi32(v);
+        }
+        _mm256_storeu_si256(reinterpret_cast<__m256i*>(out + k), PackBytes(r[0], r[1], r[2], r[3]));
+    }
+    return k;
+}
+
+KELVARIN_AVX2 std::size_t BlendRowsAvx2(const std::uint8_t* a, const std::uint8_t* b, Single keep,
+                                        Single take, std::uint8_t* out, std::size_t end) {
+    const __m256 wa = _mm256_set1_ps(keep), wb = _mm256_set1_ps(take);
+    std::size_t k = 0;
+    for (; k + 32 <= end; k += 32) {
+        __m256i r[4];
+        for (int q = 0; q < 4; ++q) {
+            const std::size_t at = k + 8 * static_cast<std::size_t>(q);
+            const __m256 pa = Floats(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(a + at)));
+            const __m256 pb = Floats(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(b + at)));
+            r[q] = _mm256_cvtps_epi32(_mm256_add_ps(_mm256_mul_ps(wa, pa), _mm256_mul_ps(wb, pb)));
+        }
+        _mm256_storeu_si256(reinterpret_cast<__m256i*>(out + k), PackBytes(r[0], r[1], r[2], r[3]));
+    }
+    return k;
+}
+#endif
+
+template <typename Rows>
+void ResampleFast(const Rows& from, const Rows& to, Single sx, Single sy) {
+    const std::size_t outBytes = static_cast<std::size_t>(to.width) * 3;
+    ColumnTables t;
+    t.at.resize(outBytes);
+    t.next.resize(outBytes);
+    t.keep.resize(outBytes);
+    t.take.resize(outBytes);
+    for (Long i = 0; i < to.width; ++i) {
+        const Sample s = SampleAt(i, sx, from.width);
+        for (int c = 0; c < 3; ++c) {
+            const auto k = static_cast<std::size_t>(3 * i + c);
+            t.at[k] = 3 * s.at + c;
+            t.next[k] = 3 * s.next + c;
+            t.keep[k] = s.keep;
+            t.take[k] = s.take;
+        }
+    }
+    // A gather reads four bytes from each offset; past the last pixel of the
+    // top row there may be nothing, so those bytes go the plain way there.
+    const std::int64_t rowPixelBytes = std::int64_t{from.width} * 3;
+    while (t.gatherEnd < outBytes && t.next[t.gatherEnd] + 4 <= rowPixelBytes) ++t.gatherEnd;
+
+    const bool avx2 = Avx2Enabled();
+    Bytes cache[2] = {Bytes(outBytes + 32), Bytes(outBytes + 32)};
+    Long cached[2] = {-1, -1};
+    auto across = [&](Long y) -> const std::uint8_t* {
+        if (cached[0] == y) return cache[0].data();
+        if (cached[1] == y) return cache[1].data();
+        // Replace the entry that is not the other row of the current pair.
+        const int slot = cached[0] < cached[1] ? 0 : 1;
+        const std::uint8_t* src = from.Row(y);
+        std::size_t done = 0;
+#if KELVARIN_X86
+        const std::size_t safe = y + 1 < from.height ? outBytes : t.gatherEnd;
+        if (avx2) done = InterpolateRowAvx2(t, src, cache[slot].data(), safe);
+#endif
+        InterpolateRowPlain(t, src, cache[slot].data(), done, outBytes);
+        cached[slot] = y;
+        return cache[slot].data();
+    };
+    for (Long j = 0; j < to.height; ++j) {
+        const Sample row = SampleAt(j, sy, from.height);
+        const std::uint8_t* a = across(row.at);
+        const std::uint8_t* b = across(row.next);
+        std::uint8_t* out = to.Row(j);
+        std::size_t done = 0;
+#if KELVARIN_X86
+        if (avx2) done = BlendRowsAvx2(a, b, row.keep, row.take, out, outBytes);
+#endif
+        BlendRowsPlain(a, b, row.keep, row.take, out, done, outBytes);
+    }
+    (void)avx2;
+}
+
+// ---- 3. Quarter turn -------------------------------------------------------
+
+// New pixel (x = r, y = c) is old pixel (x = c, y = n - 1 - r).
+template <typename Rows>
+void RotatePlain(const Rows& rows, Long bpp) {
+    const RowsCopy copy = CopyRows(rows, bpp);
+    const Long n = rows.width;
+    for (Long r = 0; r < n; ++r) {
+        for (Long c = 0; c < n; ++c) {
+            std::memcpy(rows.Row(c) + static_cast<std::ptrdiff_t>(r) * bpp,
+                        copy.Row(n - 1 - r) + static_cast<std::ptrdiff_t>(c) * bpp,
+                        static_cast<std::size_t>(bpp));
+        }
+    }
+}
+
+// The same in square tiles, so that the rows read and written by one tile
+// stay in the cache.
+template <int kBytes, typename Rows>
+void RotateTiled(const Rows& rows) {
+    const RowsCopy copy = CopyRows(rows, kBytes);
+    const Long n = rows.width;
+    constexpr Long kTile = 32;
+    for (Long c0 = 0; c0 < n; c0 += kTile) {
+        const Long c1 = std::min(c0 + kTile, n);
+        for (Long r0 = 0; r0 < n; r0 += kTile) {
+            const Long r1 = std::min(r0 + kTile, n);
+            for (Long c = c0; c < c1; ++c) {
+                std::uint8_t* out = rows.Row(c);
+                const std::uint8_t* in =
+                    copy.bytes.data() + static_cast<std::ptrdiff_t>(c) * kBytes;
+                for (Long r = r0; r < r1; ++r) {
+                    std::memcpy(out + static_cast<std::ptrdiff_t>(r) * kBytes,
+                                in + static_cast<std::ptrdiff_t>(n - 1 - r) *
+                                         static_cast<std::ptrdiff_t>(copy.rowBytes),
+                                kBytes);
+                }
+            }
+        }
+    }
+}
+
+}  // namespace
+
+// ---- 1. Mirrors ------------------------------------------------------------
+
+void clsGFX_2D::Image_FlipX() {
+    if (width_ < 1) {
+        lastError_ = "Width=0";
+        return;
+    }
+    SessionScope session(*this);
+    const ImageRows rows = SessionRows();
+    const Long bpp = bytesPerPixel_;
+    const Long w = rows.width;
+    if (!SimdEnabled()) {
+        const RowsCopy copy = CopyRows(rows, bpp);
+        for (Long y = 0; y < rows.height; ++y) {
+            for (Long x = 0; x < w; ++x) {
+                std::memcpy(rows.Row(y) + static_cast<std::ptrdiff_t>(x) * bpp,
+                            copy.Row(y) + static_cast<std::ptrdiff_t>(w - 1 - x) * bpp,
+                            static_cast<std::size_t>(bpp));
+            }
+        }
+        return;
+    }
+#if KELVARIN_X86
+    if (bpp == 3) {
+        // The row is copied behind 16 spare bytes, which the first block's
+        // load may touch.
+        Bytes copy(16 + static_cast<std::size_t>(w) * 3);
+        for (Long y = 0; y < rows.height; ++y) {
+            std::memcpy(copy.data() + 16, rows.Row(y), static_cast<std::size_t>(w) * 3);
+            ReverseRow24(rows.Row(y), copy.data() + 16, w);
+        }
+        return;
+    }
+#endif
+    for (Long y = 0; y < rows.height; ++y) {
+        switch (bpp) {
+            case 1:
+                ReverseRowInPlace<1>(rows.Row(y), w);
+                break;
+            case 2:
+                ReverseRowInPlace<2>(rows.Row(y), w);
+                break;
+            case 3:
+                ReverseRowInPlace<3>(rows.Row(y), w);
+                break;
+            default:
+                ReverseRowInPlace<4>(rows.Row(y), w);
+                break;
+        }
+    }
+}
+
+void clsGFX_2D::Image_FlipY() {
+    if (width_ < 1) {  // the width, as for the other mirror
+        lastError_ = "Width=0";
+        return;
+    }
+    SessionScope session(*this);
+    const ImageRows rows = SessionRows();
+    const auto rowBytes =
+        static_cast<std::size_t>(rows.width) * static_cast<std::size_t>(bytesPerPixel_);
+    const Long h = rows.height;
+    if (!SimdEnabled()) {
+        const RowsCopy copy = CopyRows(rows, bytesPerPixel_);
+        for (Long y = 0; y < h; ++y) std::memcpy(rows.Row(y), copy.Row(h - 1 - y), rowBytes);
+        return;
+    }
+    Bytes spare(rowBytes);
+    for (Long y = 0; y < h / 2; ++y) {
+        std::memcpy(spare.data(), rows.Row(y), rowBytes);
+        std::memcpy(rows.Row(y), rows.Row(h - 1 - y), rowBytes);
+        std::memcpy(rows.Row(h - 1 - y), spare.data(), rowBytes);
+    }
+}
+
+// ---- 2. Bilinear resample --------------------------------------------------
+
+bool clsGFX_2D::Image_Resample(Long lNewWidth, Long lNewHeight) {
+    if (!Require24("Image_Resample is only for 24 bit images")) return false;
+    if (lNewWidth == width_ && lNewHeight == height_) return true;
+    clsGFX_2D target;
+    // Every pixel byte is written below; only the padding needs clearing.
+    if (!target.Allocate(lNewWidth, lNewHeight, 24, false)) return false;
+    const auto sx = static_cast<Single>(
+        Divide(static_cast<double>(width_) - 1, static_cast<double>(lNewWidth) - 1));
+    const auto sy = static_cast<Single>(
+        Divide(static_cast<double>(height_) - 1, static_cast<double>(lNewHeight) - 1));
+
+    const bool callerSession = sessionOpen_;
+    {
+        SessionScope session(*this);
+        const ImageRows from = SessionRows();
+        if (from.width < 1 || from.height < 1) RaiseHostError(HostErrorCode::SubscriptOutOfRange);
+        ImageRows to;
+        to.base = target.bits_.get();
+        to.stride = target.Get_BytesPerScanLine();
+        to.width = lNewWidth;
+        to.height = lNewHeight;
+        if (SimdEnabled()) {
+            ResampleFast(from, to, sx, sy);
+        } else {
+            ResamplePlain(from, to, sx, sy);
+        }
+        const auto pixelBytes = static_cast<std::size_t>(lNewWidth) * 3;
+        const auto padding = static_cast<std::size_t>(to.stride) - pixelBytes;
+        for (Long y = 0; y < lNewHeight && padding > 0; ++y) {
+            std::memset(to.Row(y) + pixelBytes, 0, padding);
+        }
+    }
+    AdoptSurface(target);
+    if (callerSession) Draw_StartSession();  // on the new pixels
+    return true;
+}
+
+// ---- 3. Quarter turn -------------------------------------------------------
+
+bool clsGFX_2D::Image_Rotate() {
+    if (width_ != height_) {
+        lastError_ = "Needed height equals weight to rotate image";
+        return false;
+    }
+    SessionScope session(*this);
+    const ImageRows rows = SessionRows();
+    const Long bpp = bytesPerPixel_;
+    if (!SimdEnabled()) {
+        RotatePlain(rows, bpp);
+        return true;
+    }
+    switch (bpp) {
+        case 1:
+            RotateTiled<1>(rows);
+            break;
+        case 2:
+            RotateTiled<2>(rows);
+            break;
+        case 3:
+            RotateTiled<3>(rows);
+            break;
+        default:
+            RotateTiled<4>(rows);
+            break;
+    }
+    return true;
+}
+
+}  // namespace kelvarin
