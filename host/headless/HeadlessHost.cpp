@@ -79,7 +79,7 @@ Placed::Placed(HeadlessHost& host, std::string name, std::unique_ptr<Control> co
       name_(std::move(name)),
       control_(std::move(control)),
       raster_(std::make_shared<Raster>()),
-      client_(raster_, {}),
+      client_(raster_, {}, host.text),
       handle_(host.nextHandle_ += 2) {
     control_->SetSite(this);
 }
@@ -197,7 +197,7 @@ const Raster& HeadlessHost::PaintPopup() {
     const Size size = openPopup ? openPopup->ClientSize() : Size{};
     popupPixels_->Resize(std::max(size.width, 0), std::max(size.height, 0), 0xFFFFFF);
     if (openPopup && popupPixels_->width > 0 && popupPixels_->height > 0) {
-        RasterSurface surface(popupPixels_, {0, 0, popupPixels_->width, popupPixels_->height});
+        RasterSurface surface(popupPixels_, {0, 0, popupPixels_->width, popupPixels_->height}, text);
         openPopup->Paint(surface);
     }
     return *popupPixels_;

@@ -110,6 +110,9 @@ public:
     bool displayAsDefault = false;
     Date today;  // 2026-11-22 until the script says otherwise
     const Locale* locale;
+    // Measures and draws text in place of the fixed metrics; set it before
+    // controls are added.
+    RasterText* text = nullptr;
     // Runs while a popup is modal; without one, the popup loses activation at once.
     std::function<void(Popup&, Point)> modalLoop;
     Popup* openPopup = nullptr;

@@ -77,11 +77,13 @@ void RasterSurface::DrawLine(Point from, Point to, OLE_COLOR color) {
 }
 
 Size RasterSurface::MeasureText(std::string_view text, const Font& font) {
+    if (text_) return text_->Measure(text, font);
     return {CharacterCount(text) * CharWidth(font), LineHeight(font)};
 }
 
 int RasterSurface::DrawText(std::string_view text, Rect& rect, unsigned format, const Font& font,
                             OLE_COLOR color) {
+    if (text_) return text_->Draw(*raster_, view_, text, rect, format, font, color);
     const int cw = CharWidth(font);
     const int lh = LineHeight(font);
     const auto measure = [cw](std::string_view s) { return CharacterCount(s) * cw; };

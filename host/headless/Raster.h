@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <string_view>
 #include <vector>
 
 #include "host/Surface.h"
@@ -26,13 +27,26 @@ struct Raster {
 int CharWidth(const Font& font);
 int LineHeight(const Font& font);
 
+// Text with real fonts in place of the fixed metrics: a host that has a
+// font engine measures and draws through this, and everything else about
+// the raster stays as it is.
+class RasterText {
+public:
+    virtual ~RasterText() = default;
+    virtual Size Measure(std::string_view text, const Font& font) = 0;
+    // As Surface::DrawText, on `view` of the raster.
+    virtual int Draw(Raster& raster, const Rect& view, std::string_view text, Rect& rect,
+                     unsigned format, const Font& font, OLE_COLOR color) = 0;
+};
+
 // Draws into `view` of the raster (coordinates relative to its top-left,
 // everything clipped to it). Text shows as one solid block per visible
-// character, so that scripts can find it by its pixels.
+// character, so that scripts can find it by its pixels, unless a RasterText
+// is given.
 class RasterSurface : public Surface {
 public:
-    RasterSurface(std::shared_ptr<Raster> raster, Rect view)
-        : raster_(std::move(raster)), view_(view) {}
+    RasterSurface(std::shared_ptr<Raster> raster, Rect view, RasterText* text = nullptr)
+        : raster_(std::move(raster)), view_(view), text_(text) {}
 
     void SetView(Rect view) noexcept { view_ = view; }
     Rect View() const noexcept { return view_; }
@@ -58,6 +72,7 @@ private:
     bool Inside(int x, int y) const noexcept;
     std::shared_ptr<Raster> raster_;
     Rect view_;
+    RasterText* text_;
 };
 
 }  // namespace kelvarin::host::headless

@@ -1,0 +1,593 @@
+#include "apps/gallery/GalleryWindow.h"
+
+#include <cmath>
+
+#include <QCheckBox>
+#include <QColorDialog>
+#include <QComboBox>
+#include <QDoubleSpinBox>
+#include <QFileInfo>
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QSlider>
+#include <QSpinBox>
+#include <QVBoxLayout>
+
+#include "common/OleColor.h"
+#include "host/FormFile.h"
+#include "library/ClassFactory.h"
+#include "qt/Forms.h"
+#include "qt/ProgressBoxWidget.h"
+#include "qt/QtPlatform.h"
+
+namespace kelvarin::gallery {
+
+using qt::ControlWidget;
+using qt::ProgressBoxWidget;
+
+namespace {
+
+// The gallery's palette, as OLE colours.
+constexpr OLE_COLOR kTrack = RGB(233, 237, 242);
+constexpr OLE_COLOR kInk = RGB(31, 41, 55);
+constexpr OLE_COLOR kBlue = RGB(96, 165, 250);
+constexpr OLE_COLOR kTeal = RGB(45, 212, 191);
+constexpr OLE_COLOR kIndigoPale = RGB(238, 242, 255);
+constexpr OLE_COLOR kIndigo = RGB(99, 102, 241);
+constexpr OLE_COLOR kAmberPale = RGB(255, 247, 220);
+constexpr OLE_COLOR kOrange = RGB(249, 115, 22);
+constexpr OLE_COLOR kViolet = RGB(196, 181, 253);
+constexpr OLE_COLOR kPink = RGB(249, 168, 212);
+constexpr OLE_COLOR kSky = RGB(125, 211, 252);
+constexpr OLE_COLOR kPeriwinkle = RGB(165, 180, 252);
+constexpr OLE_COLOR kGreen = RGB(134, 239, 172);
+constexpr OLE_COLOR kLime = RGB(190, 242, 100);
+constexpr OLE_COLOR kMint = RGB(94, 234, 212);
+
+const char* const kStyleSheet = R"(
+    kelvarin--gallery--GalleryWindow { background: #f3f5f8; }
+    QFrame#card { background: #ffffff; border: 1px solid #e2e6ec; border-radius: 10px; }
+    QLabel#title { font-size: 20pt; font-weight: 600; color: #111827; }
+    QLabel#subtitle { color: #6b7280; }
+    QLabel#cardTitle { font-size: 11.5pt; font-weight: 600; color: #111827; }
+    QLabel#cardSubtitle { color: #6b7280; }
+    QLabel#caption { color: #4b5563; }
+    QLabel#readout { color: #1f2937; font-family: "DejaVu Sans Mono"; }
+    QLabel#status { color: #6b7280; }
+    QPushButton#swatch { border: 1px solid #cbd2db; border-radius: 4px; min-width: 22px; max-width: 22px;
+                         min-height: 22px; max-height: 22px; }
+)";
+
+QString Seconds(int ms) { return QString::number(ms / 1000.0, 'f', 1) + QStringLiteral(" s"); }
+
+QString SwatchStyle(OLE_COLOR c) {
+    return QStringLiteral("background: %1;").arg(qt::ToQColor(c).name());
+}
+
+}  // namespace
+
+// ---- Construction --------------------------------------------------------------------
+
+GalleryWindow::GalleryWindow(QWidget* parent) : QWidget(parent) {
+    setObjectName(QStringLiteral("gallery"));
+    setWindowTitle(QStringLiteral("Kelvarin Gallery"));
+    setStyleSheet(QString::fromLatin1(kStyleSheet));
+
+    auto* outer = new QVBoxLayout(this);
+    outer->setContentsMargins(28, 24, 28, 16);
+    outer->setSpacing(16);
+
+    auto* title = new QLabel(QStringLiteral("Kelvarin Gallery"), this);
+    title->setObjectName(QStringLiteral("title"));
+    auto* subtitle = new QLabel(
+        QStringLiteral("ProgressBox, the gradient progress bar with caption and run timing. "
+                       "Every bar here is the same control, set up through its properties."),
+        this);
+    subtitle->setObjectName(QStringLiteral("subtitle"));
+    subtitle->setWordWrap(true);
+    outer->addWidget(title);
+    outer->addWidget(subtitle);
+
+    auto* grid = new QGridLayout;
+    grid->setHorizontalSpacing(16);
+    grid->setVerticalSpacing(16);
+    grid->setColumnStretch(0, 1);
+    grid->setColumnStretch(1, 1);
+    outer->addLayout(grid, 1);
+    buildStyles(grid);
+    buildCaptions(grid);
+    buildJob(grid);
+    buildPlayground(grid);
+
+    formCard_ = card(QString(), QString(), &formBody_);
+    formCard_->hide();
+    grid->addWidget(formCard_, 2, 0, 1, 2);
+
+    statusLine_ = new QLabel(this);
+    statusLine_->setObjectName(QStringLiteral("status"));
+    outer->addWidget(statusLine_);
+    showStatus(QStringLiteral("Ready."));
+
+    for (ControlWidget* w : controls())
+        connect(w, &ControlWidget::hostError, this,
+                [this](int n, const QString& t, const QString& where) { report(n, t, where); });
+
+    jobTimer_.setInterval(30);
+    connect(&jobTimer_, &QTimer::timeout, this, &GalleryWindow::advanceJob);
+    resize(1040, 660);
+}
+
+QFrame* GalleryWindow::card(const QString& title, const QString& subtitle, QVBoxLayout** body) {
+    auto* frame = new QFrame(this);
+    frame->setObjectName(QStringLiteral("card"));
+    auto* layout = new QVBoxLayout(frame);
+    layout->setContentsMargins(18, 14, 18, 16);
+    layout->setSpacing(8);
+    auto* heading = new QLabel(title, frame);
+    heading->setObjectName(QStringLiteral("cardTitle"));
+    layout->addWidget(heading);
+    auto* sub = new QLabel(subtitle, frame);
+    sub->setObjectName(QStringLiteral("cardSubtitle"));
+    sub->setWordWrap(true);
+    layout->addWidget(sub);
+    if (subtitle.isEmpty()) sub->hide();
+    layout->addSpacing(4);
+    *body = layout;
+    return frame;
+}
+
+ProgressBoxWidget* GalleryWindow::bar(QWidget* parent, const QString& name) {
+    auto* b = new ProgressBoxWidget(parent);
+    b->setObjectName(name);
+    b->setMinimumHeight(26);
+    b->SetBackColor(kTrack);
+    b->SetForeColor(kInk);
+    b->SetBorderStyle(ProgressBoxWidget::FixedSingle);
+    b->SetAppearance(ProgressBoxWidget::Flat);
+    return b;
+}
+
+void GalleryWindow::buildStyles(QGridLayout* grid) {
+    QVBoxLayout* body = nullptr;
+    QFrame* frame = card(QStringLiteral("Gradient styles"),
+                         QStringLiteral("Linear reveals a fixed gradient; the Gaussian styles peak at the "
+                                        "pivot colour where the value stands."),
+                         &body);
+    struct Row {
+        const char* name;
+        const char* label;
+        ProgressBoxWidget::GradientStyleKind style;
+        OLE_COLOR start, pivot, finish;
+        double value;
+    };
+    const Row rows[] = {
+        {"linear", "Linear", ProgressBoxWidget::Linear, kBlue, kBlue, kTeal, 72},
+        {"gaussian", "Gaussian", ProgressBoxWidget::Gaussian, kIndigoPale, kIndigo, kIndigoPale, 45},
+        {"gaussian2", "Gaussian\u00b2", ProgressBoxWidget::GaussianSquared, kAmberPale, kOrange, kAmberPale, 63},
+    };
+    auto* form = new QGridLayout;
+    form->setHorizontalSpacing(12);
+    form->setVerticalSpacing(10);
+    form->setColumnStretch(1, 1);
+    int r = 0;
+    for (const Row& row : rows) {
+        auto* label = new QLabel(QString::fromUtf8(row.label), frame);
+        label->setObjectName(QStringLiteral("caption"));
+        label->setFixedWidth(72);
+        ProgressBoxWidget* b = bar(frame, QString::fromLatin1(row.name));
+        b->SetStartColor(row.start);
+        b->SetFinishColor(row.finish);
+        b->SetPivotColor(row.pivot);
+        b->SetGradientStyle(row.style);
+        b->SetValue(row.value);
+        // The pivot band stands where the value is: the caption keeps clear of it.
+        if (row.style != ProgressBoxWidget::Linear) b->SetAlignment(ProgressBoxWidget::RightJustify);
+        form->addWidget(label, r, 0);
+        form->addWidget(b, r, 1);
+        ++r;
+    }
+    body->addLayout(form);
+    body->addStretch(1);
+    grid->addWidget(frame, 0, 0);
+}
+
+void GalleryWindow::buildCaptions(QGridLayout* grid) {
+    QVBoxLayout* body = nullptr;
+    QFrame* frame = card(QStringLiteral("Captions and alignment"),
+                         QStringLiteral("Text before the rounded percentage, placed left, centred or right."),
+                         &body);
+    struct Row {
+        const char* name;
+        const char* label;
+        const char* text;
+        ProgressBoxWidget::AlignmentText align;
+        bool percent;
+        OLE_COLOR start, finish;
+        double value;
+    };
+    const Row rows[] = {
+        {"captionLeft", "Left", "  Copying files", ProgressBoxWidget::LeftJustify, true, kViolet, kPink, 38},
+        {"captionCenter", "Centre", "Uploading", ProgressBoxWidget::Center, true, kSky, kPeriwinkle, 57},
+        {"captionRight", "Right", "Verified", ProgressBoxWidget::RightJustify, true, kGreen, kLime, 100},
+        {"captionText", "Text only", "Indexing the archive\u2026", ProgressBoxWidget::Center, false, kMint,
+         kSky, 81},
+    };
+    auto* form = new QGridLayout;
+    form->setHorizontalSpacing(12);
+    form->setVerticalSpacing(10);
+    form->setColumnStretch(1, 1);
+    int r = 0;
+    for (const Row& row : rows) {
+        auto* label = new QLabel(QString::fromUtf8(row.label), frame);
+        label->setObjectName(QStringLiteral("caption"));
+        label->setFixedWidth(72);
+        ProgressBoxWidget* b = bar(frame, QString::fromLatin1(row.name));
+        b->SetStartColor(row.start);
+        b->SetFinishColor(row.finish);
+        b->SetText(QString::fromUtf8(row.text));
+        b->SetShowPercentual(row.percent);
+        b->SetAlignment(row.align);
+        b->SetValue(row.value);
+        form->addWidget(label, r, 0);
+        form->addWidget(b, r, 1);
+        ++r;
+    }
+    body->addLayout(form);
+    body->addStretch(1);
+    grid->addWidget(frame, 0, 1);
+}
+
+// ---- The simulated job -------------------------------------------------------------------
+
+void GalleryWindow::buildJob(QGridLayout* grid) {
+    QVBoxLayout* body = nullptr;
+    QFrame* frame = card(QStringLiteral("A timed job"),
+                         QStringLiteral("The bar times its run from minimum to maximum and reports elapsed "
+                                        "and estimated time through TimerChange."),
+                         &body);
+    jobBar_ = bar(frame, QStringLiteral("job"));
+    jobBar_->setMinimumHeight(30);
+    jobBar_->SetStartColor(kBlue);
+    jobBar_->SetFinishColor(kTeal);
+    jobBar_->SetText(QStringLiteral("Rendering frames"));
+    jobBar_->SetTimerChangedInterval(250);
+    body->addWidget(jobBar_);
+
+    readout_ = new QLabel(QStringLiteral("Press Start to run the job."), frame);
+    readout_->setObjectName(QStringLiteral("readout"));
+    body->addWidget(readout_);
+
+    eventLine_ = new QLabel(QStringLiteral("Last event: none"), frame);
+    eventLine_->setObjectName(QStringLiteral("cardSubtitle"));
+    body->addWidget(eventLine_);
+
+    auto* buttons = new QHBoxLayout;
+    startButton_ = new QPushButton(QStringLiteral("Start"), frame);
+    pauseButton_ = new QPushButton(QStringLiteral("Pause"), frame);
+    pauseButton_->setEnabled(false);
+    auto* interval = new QSpinBox(frame);
+    interval->setRange(20, 5000);
+    interval->setSingleStep(50);
+    interval->setSuffix(QStringLiteral(" ms"));
+    interval->setValue(jobBar_->TimerChangedInterval());
+    auto* every = new QLabel(QStringLiteral("Report every"), frame);
+    every->setObjectName(QStringLiteral("caption"));
+    buttons->addWidget(startButton_);
+    buttons->addWidget(pauseButton_);
+    buttons->addStretch(1);
+    buttons->addWidget(every);
+    buttons->addWidget(interval);
+    body->addSpacing(6);
+    body->addLayout(buttons);
+    body->addStretch(1);
+    connect(interval, &QSpinBox::valueChanged, this, [this](int ms) { jobBar_->SetTimerChangedInterval(ms); });
+    grid->addWidget(frame, 1, 0);
+
+    connect(startButton_, &QPushButton::clicked, this, [this] { startJob(); });
+    connect(pauseButton_, &QPushButton::clicked, this, [this] {
+        if (jobTimer_.isActive()) {
+            pauseJob();
+        } else {
+            jobClock_.start();
+            jobTimer_.start();
+            pauseButton_->setText(QStringLiteral("Pause"));
+        }
+    });
+    connect(jobBar_, &ProgressBoxWidget::TimerChange, this, &GalleryWindow::onTimerChange);
+}
+
+void GalleryWindow::startJob(int milliseconds) {
+    jobDuration_ = std::max(milliseconds, 1);
+    jobElapsedBefore_ = 0;
+    timerChanges_ = 0;
+    jobBar_->SetValue(jobBar_->MinValue());  // the bar starts timing the run here
+    readout_->setText(QStringLiteral("Elapsed 0.0 s  \u00b7  estimating\u2026"));
+    jobClock_.start();
+    jobTimer_.start();
+    pauseButton_->setEnabled(true);
+    pauseButton_->setText(QStringLiteral("Pause"));
+    startButton_->setText(QStringLiteral("Restart"));
+}
+
+void GalleryWindow::pauseJob() {
+    if (!jobTimer_.isActive()) return;
+    jobElapsedBefore_ += jobClock_.elapsed();
+    jobTimer_.stop();
+    pauseButton_->setText(QStringLiteral("Resume"));
+}
+
+// Progress that runs unevenly, as real work does, but never backwards.
+void GalleryWindow::advanceJob() {
+    const double x = std::min(1.0, (jobElapsedBefore_ + jobClock_.elapsed()) / double(jobDuration_));
+    const double pi = 3.14159265358979;
+    const double done = std::clamp(x + 0.05 * std::sin(3 * pi * x) * (1 - x), 0.0, 1.0);
+    const double min = jobBar_->MinValue(), max = jobBar_->MaxValue();
+    jobBar_->SetValue(min + (max - min) * done);
+    if (x >= 1.0) {
+        jobTimer_.stop();
+        pauseButton_->setEnabled(false);
+        readout_->setText(QStringLiteral("Done in %1.").arg(Seconds(int(jobElapsedBefore_ + jobClock_.elapsed()))));
+    }
+}
+
+void GalleryWindow::onTimerChange(int elapsed, int estimated) {
+    ++timerChanges_;
+    eventLine_->setText(QStringLiteral("Last event: TimerChange(%1, %2)").arg(elapsed).arg(estimated));
+    if (!jobTimer_.isActive()) return;
+    if (estimated < 0) {
+        readout_->setText(QStringLiteral("Elapsed %1  \u00b7  estimating\u2026").arg(Seconds(elapsed)));
+        return;
+    }
+    // The estimate is of the whole run; what is left is the difference.
+    readout_->setText(QStringLiteral("Elapsed %1  \u00b7  estimated %2  \u00b7  %3 left")
+                          .arg(Seconds(elapsed), Seconds(estimated), Seconds(std::max(estimated - elapsed, 0))));
+}
+
+QString GalleryWindow::jobReadout() const { return readout_->text(); }
+
+// ---- The playground ------------------------------------------------------------------------
+
+void GalleryWindow::buildPlayground(QGridLayout* grid) {
+    QVBoxLayout* body = nullptr;
+    QFrame* frame = card(QStringLiteral("Playground"),
+                         QStringLiteral("Change the bar's value, range, style, caption and colours."), &body);
+    playBar_ = bar(frame, QStringLiteral("playground"));
+    playBar_->setMinimumHeight(30);
+    playBar_->SetStartColor(kBlue);
+    playBar_->SetFinishColor(kTeal);
+    playBar_->SetPivotColor(kOrange);
+    playBar_->SetText(QStringLiteral("Progress"));
+    playBar_->SetValue(64);
+    playBar_->SetForeColor(kInk);
+    body->addWidget(playBar_);
+
+    auto* form = new QGridLayout;
+    form->setHorizontalSpacing(10);
+    form->setVerticalSpacing(8);
+    const auto label = [frame](const char* text) {
+        auto* l = new QLabel(QString::fromLatin1(text), frame);
+        l->setObjectName(QStringLiteral("caption"));
+        return l;
+    };
+
+    valueSlider_ = new QSlider(Qt::Horizontal, frame);
+    valueSlider_->setRange(0, 1000);
+    minBox_ = new QDoubleSpinBox(frame);
+    maxBox_ = new QDoubleSpinBox(frame);
+    for (QDoubleSpinBox* box : {minBox_, maxBox_}) {
+        box->setRange(-1e6, 1e6);
+        box->setDecimals(1);
+    }
+    styleBox_ = new QComboBox(frame);
+    styleBox_->addItems({QStringLiteral("Linear"), QStringLiteral("Gaussian"), QString::fromUtf8("Gaussian\u00b2")});
+    alignBox_ = new QComboBox(frame);
+    alignBox_->addItems({QStringLiteral("Left"), QStringLiteral("Centre"), QStringLiteral("Right")});
+    textEdit_ = new QLineEdit(frame);
+    percentBox_ = new QCheckBox(QStringLiteral("Percentage"), frame);
+
+    auto* range = new QHBoxLayout;
+    range->setSpacing(8);
+    range->addWidget(minBox_);
+    range->addWidget(label("to"));
+    range->addWidget(maxBox_);
+    range->addStretch(1);
+    minBox_->setMinimumWidth(110);
+    maxBox_->setMinimumWidth(110);
+    auto* caption = new QHBoxLayout;
+    caption->setSpacing(8);
+    caption->addWidget(textEdit_, 1);
+    caption->addWidget(alignBox_);
+    caption->addWidget(percentBox_);
+    auto* colours = new QHBoxLayout;
+    colours->setSpacing(6);
+    const std::pair<const char*, const char*> swatches[] = {
+        {"Start", "StartColor"}, {"Pivot", "PivotColor"}, {"Finish", "FinishColor"},
+        {"Back", "BackColor"},   {"Text", "ForeColor"},
+    };
+    for (const auto& [name, property] : swatches) {
+        auto* swatch = new QPushButton(frame);
+        swatch->setObjectName(QStringLiteral("swatch"));
+        swatch->setProperty("colorProperty", QString::fromLatin1(property));
+        swatch->setToolTip(QString::fromLatin1(property));
+        colours->addWidget(label(name));
+        colours->addWidget(swatch);
+        colours->addSpacing(6);
+        connect(swatch, &QPushButton::clicked, this, [this, swatch, property] { pickColor(swatch, property); });
+    }
+    colours->addStretch(1);
+
+    form->addWidget(label("Value"), 0, 0);
+    form->addWidget(valueSlider_, 0, 1);
+    form->addWidget(label("Range"), 1, 0);
+    form->addLayout(range, 1, 1);
+    form->addWidget(label("Style"), 2, 0);
+    form->addWidget(styleBox_, 2, 1);
+    form->addWidget(label("Caption"), 3, 0);
+    form->addLayout(caption, 3, 1);
+    form->addWidget(label("Colours"), 4, 0);
+    form->addLayout(colours, 4, 1);
+    body->addLayout(form);
+
+    notified_ = new QLabel(frame);
+    notified_->setObjectName(QStringLiteral("cardSubtitle"));
+    body->addWidget(notified_);
+    body->addStretch(1);
+    grid->addWidget(frame, 1, 1);
+
+    // The controls write through the bar's properties; the bar's
+    // notifications bring every control back in step (a clamped value, a
+    // dropped range).
+    connect(valueSlider_, &QSlider::valueChanged, this, [this](int v) {
+        if (!syncing_) playBar_->SetPercentual(v / 10.0);
+    });
+    connect(minBox_, &QDoubleSpinBox::valueChanged, this, [this](double v) {
+        if (!syncing_) playBar_->SetMinValue(v);
+    });
+    connect(maxBox_, &QDoubleSpinBox::valueChanged, this, [this](double v) {
+        if (!syncing_) playBar_->SetMaxValue(v);
+    });
+    connect(styleBox_, &QComboBox::currentIndexChanged, this, [this](int i) {
+        if (!syncing_) playBar_->SetGradientStyle(static_cast<ProgressBoxWidget::GradientStyleKind>(i));
+    });
+    connect(alignBox_, &QComboBox::currentIndexChanged, this, [this](int i) {
+        if (!syncing_) playBar_->SetAlignment(static_cast<ProgressBoxWidget::AlignmentText>(i));
+    });
+    connect(textEdit_, &QLineEdit::textEdited, this, [this](const QString& t) { playBar_->SetText(t); });
+    connect(percentBox_, &QCheckBox::toggled, this, [this](bool on) {
+        if (!syncing_) playBar_->SetShowPercentual(on);
+    });
+    connect(playBar_, &ControlWidget::propertyChanged, this, [this](const QString& name) {
+        recentNotifications_.append(name);
+        while (recentNotifications_.size() > 6) recentNotifications_.removeFirst();
+        notified_->setText(QStringLiteral("Notified: ") + recentNotifications_.join(QStringLiteral(", ")));
+        syncPlayground();
+    });
+    syncPlayground();
+    recentNotifications_.clear();
+    notified_->setText(QStringLiteral("Notified: nothing yet"));
+}
+
+void GalleryWindow::syncPlayground() {
+    syncing_ = true;
+    valueSlider_->setValue(static_cast<int>(std::lround(playBar_->Percentual() * 10)));
+    minBox_->setValue(playBar_->MinValue());
+    maxBox_->setValue(playBar_->MaxValue());
+    styleBox_->setCurrentIndex(std::clamp(static_cast<int>(playBar_->GradientStyle()), -1, 2));
+    alignBox_->setCurrentIndex(std::clamp(static_cast<int>(playBar_->Alignment()), -1, 2));
+    if (textEdit_->text() != playBar_->Text()) textEdit_->setText(playBar_->Text());
+    percentBox_->setChecked(playBar_->ShowPercentual());
+    for (auto* swatch : findChildren<QPushButton*>(QStringLiteral("swatch"))) {
+        const QString property = swatch->property("colorProperty").toString();
+        swatch->setStyleSheet(SwatchStyle(static_cast<OLE_COLOR>(playBar_->property(property.toLatin1()).toUInt())));
+    }
+    syncing_ = false;
+}
+
+void GalleryWindow::pickColor(QPushButton* swatch, const char* property) {
+    const QColor current = qt::ToQColor(static_cast<OLE_COLOR>(playBar_->property(property).toUInt()));
+    const QColor chosen = QColorDialog::getColor(current, this, QString::fromLatin1(property));
+    if (!chosen.isValid()) return;
+    playBar_->setProperty(property, static_cast<uint>(qt::FromQColor(chosen)));
+    swatch->setStyleSheet(SwatchStyle(qt::FromQColor(chosen)));
+}
+
+// ---- Forms -------------------------------------------------------------------------------------
+
+QList<ControlWidget*> GalleryWindow::controls() const { return findChildren<ControlWidget*>(); }
+
+ControlWidget* GalleryWindow::control(const QString& name) const {
+    return findChild<ControlWidget*>(name);
+}
+
+QString GalleryWindow::saveForm(const QString& path) {
+    try {
+        host::Form form;
+        for (ControlWidget* w : controls()) {
+            host::FormControl entry = w->toFormControl();
+            const QPoint p = w->mapTo(this, QPoint(0, 0));  // the form is the whole window
+            entry.left = p.x();
+            entry.top = p.y();
+            form.controls.push_back(std::move(entry));
+        }
+        host::SaveFormFile(path.toStdString(), form);
+    } catch (const std::exception& e) {
+        const QString error = QString::fromUtf8(e.what());
+        showStatus(QStringLiteral("Could not save %1: %2").arg(path, error));
+        return error;
+    }
+    showStatus(QStringLiteral("Saved %1 controls to %2.").arg(controls().size()).arg(path));
+    return {};
+}
+
+QString GalleryWindow::loadForm(const QString& path) {
+    host::Form form;
+    try {
+        auto& registry = library::ClassRegistry::Instance();
+        form = host::LoadFormFile(path.toStdString(),
+                                  [&](std::string_view c) { return registry.Find(c) != nullptr; });
+    } catch (const std::exception& e) {
+        const QString error = QString::fromUtf8(e.what());
+        showStatus(QStringLiteral("Could not load %1: %2").arg(path, error));
+        return error;
+    }
+    QString firstError;
+    std::vector<host::FormControl*> extra;
+    for (host::FormControl& entry : form.controls) {
+        ControlWidget* own = control(QString::fromStdString(entry.name));
+        if (!own || own->className().compare(QString::fromStdString(entry.className), Qt::CaseInsensitive) != 0) {
+            extra.push_back(&entry);
+            continue;
+        }
+        const QString place = QStringLiteral("%1: %2.properties").arg(path, QString::fromStdString(entry.name));
+        if (!own->readProperties(entry.properties, place) && firstError.isEmpty())
+            firstError = QStringLiteral("%1: %2").arg(QString::fromStdString(entry.name), own->lastErrorText());
+    }
+    syncPlayground();
+
+    delete formCanvas_;
+    formCanvas_ = nullptr;
+    if (!extra.empty()) {
+        formCanvas_ = new QWidget(formCard_);
+        QRect bounds;
+        for (host::FormControl* entry : extra) {
+            ControlWidget* w = qt::CreateControlWidget(QString::fromStdString(entry->className), formCanvas_);
+            if (!w) continue;
+            connect(w, &ControlWidget::hostError, this,
+                    [this](int n, const QString& t, const QString& where) { report(n, t, where); });
+            const QString place = QStringLiteral("%1: %2.properties").arg(path, QString::fromStdString(entry->name));
+            if (!w->readFormControl(*entry, place) && firstError.isEmpty())
+                firstError = QStringLiteral("%1: %2").arg(QString::fromStdString(entry->name), w->lastErrorText());
+            bounds |= w->geometry();
+        }
+        // The file's layout, moved to the canvas's corner.
+        for (ControlWidget* w : formCanvas_->findChildren<ControlWidget*>())
+            w->move(w->pos() - bounds.topLeft());
+        formCanvas_->setMinimumSize(bounds.size());
+        formBody_->addWidget(formCanvas_);
+        static_cast<QLabel*>(formBody_->itemAt(0)->widget())
+            ->setText(QStringLiteral("Form %1").arg(QFileInfo(path).fileName()));
+        formCard_->show();
+    } else {
+        formCard_->hide();
+    }
+    showStatus(firstError.isEmpty()
+                   ? QStringLiteral("Loaded %1 controls from %2.").arg(form.controls.size()).arg(path)
+                   : QStringLiteral("Loaded %1 with an error: %2").arg(path, firstError));
+    return firstError;
+}
+
+bool GalleryWindow::saveScreenshot(const QString& path) { return grab().save(path, "PNG"); }
+
+void GalleryWindow::report(int number, const QString& text, const QString& where) {
+    showStatus(QStringLiteral("%1 raised error %2: %3").arg(where).arg(number).arg(text));
+}
+
+void GalleryWindow::showStatus(const QString& text) {
+    if (statusLine_) statusLine_->setText(text);
+    emit status(text);
+}
+
+}  // namespace kelvarin::gallery

@@ -1,0 +1,109 @@
+// The gallery: one window that shows the controls at work. For the progress
+// bar: the three gradient styles, captions and alignments, a simulated job
+// timed by the bar itself, and a playground whose controls change value,
+// range, style, caption and colours.
+//
+// Sections: construction; forms; the simulated job; the playground.
+#pragma once
+
+#include <QElapsedTimer>
+#include <QFrame>
+#include <QList>
+#include <QString>
+#include <QTimer>
+#include <QWidget>
+
+class QCheckBox;
+class QComboBox;
+class QDoubleSpinBox;
+class QGridLayout;
+class QLabel;
+class QLineEdit;
+class QPushButton;
+class QSlider;
+class QVBoxLayout;
+
+namespace kelvarin::qt {
+class ControlWidget;
+class ProgressBoxWidget;
+}  // namespace kelvarin::qt
+
+namespace kelvarin::gallery {
+
+class GalleryWindow : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit GalleryWindow(QWidget* parent = nullptr);
+
+    // ---- Forms
+    // Every control of the window, by name.
+    QList<qt::ControlWidget*> controls() const;
+    qt::ControlWidget* control(const QString& name) const;
+    // Writes every control, with its geometry in the window. Returns the
+    // error text, empty on success.
+    QString saveForm(const QString& path);
+    // A control of the file that has the name of one of the window's takes
+    // its properties; the others are placed in a card of their own as the
+    // file lays them out. A bad file changes nothing. Returns the error text.
+    QString loadForm(const QString& path);
+
+    // ---- The simulated job
+    qt::ProgressBoxWidget* jobBar() const noexcept { return jobBar_; }
+    QString jobReadout() const;
+    // Starts the job afresh; it takes about `milliseconds` to finish.
+    void startJob(int milliseconds = 12000);
+    void pauseJob();
+    int timerChanges() const noexcept { return timerChanges_; }
+
+    // Renders the window to a PNG file; false if it could not be written.
+    bool saveScreenshot(const QString& path);
+
+signals:
+    // A line for the status bar (loads, saves, errors the controls report).
+    void status(const QString& text);
+
+private:
+    QFrame* card(const QString& title, const QString& subtitle, QVBoxLayout** body);
+    qt::ProgressBoxWidget* bar(QWidget* parent, const QString& name);
+    void buildStyles(QGridLayout* grid);
+    void buildCaptions(QGridLayout* grid);
+    void buildJob(QGridLayout* grid);
+    void buildPlayground(QGridLayout* grid);
+    void advanceJob();
+    void onTimerChange(int elapsed, int estimated);
+    void pickColor(QPushButton* swatch, const char* property);
+    void syncPlayground();
+    void report(int number, const QString& text, const QString& where);
+    void showStatus(const QString& text);
+
+    QLabel* statusLine_ = nullptr;
+    QVBoxLayout* formBody_ = nullptr;
+    QFrame* formCard_ = nullptr;
+    QWidget* formCanvas_ = nullptr;
+
+    qt::ProgressBoxWidget* jobBar_ = nullptr;
+    QLabel* readout_ = nullptr;
+    QLabel* eventLine_ = nullptr;
+    QPushButton* startButton_ = nullptr;
+    QPushButton* pauseButton_ = nullptr;
+    QTimer jobTimer_;
+    QElapsedTimer jobClock_;
+    qint64 jobElapsedBefore_ = 0;  // of the run, before the last pause
+    int jobDuration_ = 12000;
+    int timerChanges_ = 0;
+
+    qt::ProgressBoxWidget* playBar_ = nullptr;
+    QSlider* valueSlider_ = nullptr;
+    QDoubleSpinBox* minBox_ = nullptr;
+    QDoubleSpinBox* maxBox_ = nullptr;
+    QComboBox* styleBox_ = nullptr;
+    QComboBox* alignBox_ = nullptr;
+    QLineEdit* textEdit_ = nullptr;
+    QCheckBox* percentBox_ = nullptr;
+    QLabel* notified_ = nullptr;
+    QStringList recentNotifications_;
+    bool syncing_ = false;
+};
+
+}  // namespace kelvarin::gallery

@@ -1,0 +1,562 @@
+#include "qt/ControlWidget.h"
+
+#include <QApplication>
+#include <QCursor>
+#include <QDateTime>
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QPixmap>
+#include <QScreen>
+#include <QTimer>
+
+#include "common/HostError.h"
+#include "common/Picture.h"
+#include "library/Dispatch.h"
+#include "qt/PictureImage.h"
+#include "qt/PopupWindow.h"
+#include "qt/QtPlatform.h"
+
+namespace kelvarin::qt {
+
+namespace {
+
+// The host numbers windows; ours count up from a value no real handle uses.
+Long NextHandle() {
+    static Long next = 0x20010;
+    return next += 2;
+}
+
+std::string Utf8(const QString& s) { return s.toStdString(); }
+
+// An interval timer on a QTimer. An interval of 0 keeps it from firing, as
+// the host's timers do, although it stays enabled.
+class QtTimer : public host::Timer {
+public:
+    explicit QtTimer(host::TimerCallback onTick) {
+        timer_.setTimerType(Qt::PreciseTimer);
+        QObject::connect(&timer_, &QTimer::timeout, [cb = std::move(onTick)] { cb(); });
+    }
+    Long Interval() const override { return interval_; }
+    void SetInterval(Long milliseconds) override {
+        if (milliseconds < 0) RaiseHostError(HostErrorCode::InvalidPropertyValue);
+        interval_ = milliseconds;
+        Apply(true);
+    }
+    bool Enabled() const override { return enabled_; }
+    void SetEnabled(bool enabled) override {
+        const bool restart = enabled && !enabled_;
+        enabled_ = enabled;
+        Apply(restart);
+    }
+
+private:
+    void Apply(bool restart) {
+        if (!enabled_ || interval_ <= 0) {
+            timer_.stop();
+            return;
+        }
+        timer_.setInterval(static_cast<int>(interval_));
+        if (restart || !timer_.isActive()) timer_.start();
+    }
+
+    QTimer timer_;
+    Long interval_ = 0;
+    bool enabled_ = false;
+};
+
+Qt::CursorShape CursorOf(Integer pointer) {
+    switch (pointer) {
+        case 2: return Qt::CrossCursor;
+        case 3: return Qt::IBeamCursor;
+        case 5:
+        case 15: return Qt::SizeAllCursor;
+        case 6: return Qt::SizeBDiagCursor;
+        case 7: return Qt::SizeVerCursor;
+        case 8: return Qt::SizeFDiagCursor;
+        case 9: return Qt::SizeHorCursor;
+        case 10: return Qt::UpArrowCursor;
+        case 11: return Qt::WaitCursor;
+        case 12: return Qt::ForbiddenCursor;
+        case 13: return Qt::BusyCursor;
+        case 14: return Qt::WhatsThisCursor;
+        default: return Qt::ArrowCursor;
+    }
+}
+
+}  // namespace
+
+// ---- Creation ---------------------------------------------------------------------
+
+ControlWidget::ControlWidget(std::unique_ptr<host::Control> control, QWidget* parent)
+    : QWidget(parent), control_(std::move(control)), client_(image_, text_), handle_(NextHandle()) {
+    setAttribute(Qt::WA_OpaquePaintEvent);
+    setMouseTracking(true);  // the control hears every move, buttons or not
+    setFocusPolicy(Qt::StrongFocus);
+    resize(sizeHint());
+    relayout();
+    if (!control_) {
+        lastErrorText_ = QStringLiteral("no such control class");
+        return;
+    }
+    control_->SetSite(this);
+    guard("InitProperties", [&] { control_->InitProperties(); });
+    initialised_ = true;
+    syncSurface();
+    guard("Show", [&] {
+        control_->Resize();
+        control_->Show();
+        control_->Paint();
+    });
+}
+
+ControlWidget::~ControlWidget() {
+    if (!control_) return;
+    guard("Terminate", [&] { control_->Terminate(); });
+    control_->SetSite(nullptr);
+    control_.reset();  // its timers call back into this widget
+}
+
+QString ControlWidget::className() const {
+    return control_ ? QString::fromStdString(control_->TypeName()) : QString();
+}
+
+QSize ControlWidget::sizeHint() const { return {200, 24}; }
+
+void ControlWidget::reportCurrentError(const char* where) noexcept {
+    try {
+        throw;
+    } catch (const HostError& e) {
+        lastErrorNumber_ = e.Number();
+        lastErrorText_ = QString::fromUtf8(e.what());
+    } catch (const std::exception& e) {
+        lastErrorNumber_ = 0;
+        lastErrorText_ = QString::fromUtf8(e.what());
+    } catch (...) {
+        lastErrorNumber_ = 0;
+        lastErrorText_ = QStringLiteral("unknown failure");
+    }
+    qWarning("kelvarin: %s %s: error %d %s", qPrintable(objectName()), where, lastErrorNumber_,
+             qPrintable(lastErrorText_));
+    emit hostError(lastErrorNumber_, lastErrorText_, QString::fromUtf8(where));
+}
+
+// ---- Dispatch -----------------------------------------------------------------------
+
+Variant ControlWidget::ToVariant(const QVariant& value) {
+    if (!value.isValid()) return Variant();
+    switch (value.metaType().id()) {
+        case QMetaType::Nullptr: return Variant::Null();
+        case QMetaType::Bool: return Variant(value.toBool());
+        case QMetaType::Short:
+        case QMetaType::UShort:
+        case QMetaType::Char:
+        case QMetaType::SChar:
+        case QMetaType::UChar:
+        case QMetaType::Int: return Variant(static_cast<Long>(value.toInt()));
+        // Wider or unsigned numbers go as Double, so conversion to the
+        // member's type checks their range (a colour up to &HFFFFFFFF fits).
+        case QMetaType::UInt:
+        case QMetaType::Long:
+        case QMetaType::ULong:
+        case QMetaType::LongLong:
+        case QMetaType::ULongLong:
+        case QMetaType::Double: return Variant(value.toDouble());
+        case QMetaType::Float: return Variant(static_cast<Single>(value.toFloat()));
+        case QMetaType::QString: return Variant(Utf8(value.toString()));
+        case QMetaType::QByteArray: return Variant(value.toByteArray().toStdString());
+        case QMetaType::QFont:
+            return Variant(std::shared_ptr<Object>(std::make_shared<Font>(FromQFont(value.value<QFont>()))));
+        case QMetaType::QColor:
+            return Variant(static_cast<Long>(FromQColor(value.value<QColor>())));
+        case QMetaType::QImage: {
+            const QImage image = value.value<QImage>();
+            return image.isNull() ? Variant::Nothing() : Variant(std::shared_ptr<Object>(FromQImage(image)));
+        }
+        case QMetaType::QPixmap: {
+            const QPixmap pixmap = value.value<QPixmap>();
+            return pixmap.isNull() ? Variant::Nothing()
+                                   : Variant(std::shared_ptr<Object>(FromQImage(pixmap.toImage())));
+        }
+        case QMetaType::QDate: {
+            const QDate d = value.toDate();
+            return Variant::FromDate(DateSerial(d.year(), d.month(), d.day()));
+        }
+        case QMetaType::QTime: {
+            const QTime t = value.toTime();
+            return Variant::FromDate(TimeSerial(t.hour(), t.minute(), t.second()));
+        }
+        case QMetaType::QDateTime: {
+            const QDateTime dt = value.toDateTime();
+            const QDate d = dt.date();
+            const QTime t = dt.time();
+            return Variant::FromDate(CombineDateTime(DateSerial(d.year(), d.month(), d.day()),
+                                                     TimeSerial(t.hour(), t.minute(), t.second())));
+        }
+        default: break;
+    }
+    if (value.metaType().flags() & QMetaType::IsEnumeration) return Variant(static_cast<Long>(value.toInt()));
+    if (value.canConvert<double>() && value.metaType().id() != QMetaType::QString)
+        return Variant(value.toDouble());
+    RaiseHostError(HostErrorCode::TypeMismatch);
+}
+
+QVariant ControlWidget::FromVariant(const Variant& value) {
+    switch (value.Type()) {
+        case VarType::Empty: return {};
+        case VarType::Null: return QVariant::fromValue(nullptr);
+        case VarType::Boolean: return value.ToBoolean();
+        case VarType::Integer:
+        case VarType::Long: return static_cast<int>(value.ToLong());
+        case VarType::Single: return static_cast<double>(value.ToSingle());
+        case VarType::Double: return value.ToDouble();
+        case VarType::Date: {
+            const DateParts p = SplitDate(value.ToDate());
+            return QDateTime(QDate(p.year, p.month, p.day), QTime(p.hour, p.minute, p.second));
+        }
+        case VarType::String: return QString::fromStdString(value.ToString());
+        case VarType::Object: {
+            const std::shared_ptr<Object> object = value.ToObject();
+            if (const auto font = std::dynamic_pointer_cast<Font>(object)) return ToQFont(*font);
+            if (const auto picture = std::dynamic_pointer_cast<Picture>(object)) return ToQImage(*picture);
+            return {};
+        }
+    }
+    return {};
+}
+
+QVariant ControlWidget::getMember(const QString& name) {
+    QVariant result;
+    guard("Get", [&] {
+        if (!control_) RaiseHostError(HostErrorCode::ObjectDoesNotSupport);
+        result = FromVariant(library::Get(*control_, Utf8(name)));
+    });
+    return result;
+}
+
+bool ControlWidget::letMember(const QString& name, const QVariant& value) {
+    const bool ok = guard("Let", [&] {
+        if (!control_) RaiseHostError(HostErrorCode::ObjectDoesNotSupport);
+        library::Let(*control_, Utf8(name), ToVariant(value));
+    });
+    syncSurface();
+    return ok;
+}
+
+bool ControlWidget::setMember(const QString& name, const QVariant& value) {
+    const bool ok = guard("Set", [&] {
+        if (!control_) RaiseHostError(HostErrorCode::ObjectDoesNotSupport);
+        library::Set(*control_, Utf8(name), ToVariant(value));
+    });
+    syncSurface();
+    return ok;
+}
+
+QVariant ControlWidget::callMember(const QString& name, const QVariantList& args) {
+    QVariant result;
+    guard("Call", [&] {
+        if (!control_) RaiseHostError(HostErrorCode::ObjectDoesNotSupport);
+        std::vector<Variant> converted;
+        for (const QVariant& a : args) converted.push_back(ToVariant(a));
+        result = FromVariant(library::Call(*control_, Utf8(name), converted));
+    });
+    syncSurface();
+    return result;
+}
+
+// ---- Persistence ----------------------------------------------------------------------
+
+host::FormControl ControlWidget::toFormControl() {
+    host::FormControl entry;
+    entry.className = Utf8(className());
+    entry.name = Utf8(objectName());
+    entry.left = x();
+    entry.top = y();
+    entry.width = width();
+    entry.height = height();
+    if (control_) {
+        guard("WriteProperties", [&] {
+            host::FormPropertyBag bag(entry.properties, entry.name);
+            control_->WriteProperties(bag);
+        });
+    }
+    return entry;
+}
+
+bool ControlWidget::readFormControl(host::FormControl& entry, const QString& place) {
+    if (!control_) return false;
+    setObjectName(QString::fromStdString(entry.name));
+    setGeometry(entry.left, entry.top, std::max(entry.width, 0), std::max(entry.height, 0));
+    relayout();
+    return readProperties(entry.properties, place);
+}
+
+bool ControlWidget::readProperties(host::MemoryPropertyBag& stored, const QString& place) {
+    if (!control_) return false;
+    const bool ok = guard("ReadProperties", [&] {
+        host::FormPropertyBag bag(stored, Utf8(place));
+        control_->ReadProperties(bag);
+    });
+    syncSurface();
+    guard("Paint", [&] {
+        control_->Resize();
+        control_->Paint();
+    });
+    return ok;
+}
+
+// ---- Frame and surface ------------------------------------------------------------------
+
+void ControlWidget::relayout() {
+    const QSize size = this->size();
+    if (image_.size() != size) {
+        image_ = QImage(std::max(size.width(), 0), std::max(size.height(), 0), QImage::Format_BGR888);
+        const OLE_COLOR back = control_ ? TranslateSysColor(control_->SurfaceState().backColor)
+                                        : GetSysColor(COLOR_BTNFACE);
+        image_.fill(ToQColor(back));
+    }
+    paintFrame();
+}
+
+void ControlWidget::paintFrame() {
+    const int b = control_ ? host::BorderWidth(control_->SurfaceState()) : 0;
+    const int w = image_.width(), h = image_.height();
+    client_.SetView(QRect(b, b, std::max(w - 2 * b, 0), std::max(h - 2 * b, 0)));
+    if (!control_ || b == 0 || image_.isNull()) return;
+    ImageSurface whole(image_, text_);
+    whole.SetView(image_.rect());
+    host::PaintBorder(whole, control_->SurfaceState(), w, h);
+}
+
+void ControlWidget::syncSurface() {
+    if (!control_) return;
+    const host::SurfaceProperties& s = control_->SurfaceState();
+    if (isEnabled() != s.enabled) setEnabled(s.enabled);
+    if (s.mousePointer == 99) {
+        const auto icon = std::dynamic_pointer_cast<Picture>(s.mouseIcon);
+        if (icon && icon->HasHandle()) {
+            const QImage image = ToQImage(*icon);
+            setCursor(QCursor(QPixmap::fromImage(image), icon->HotSpotX(), icon->HotSpotY()));
+        }
+    } else if (s.mousePointer == 0) {
+        unsetCursor();
+    } else {
+        setCursor(CursorOf(s.mousePointer));
+    }
+    if (s.borderStyle == frameStyle_ && s.appearance == frameAppearance_) return;
+    frameStyle_ = s.borderStyle;
+    frameAppearance_ = s.appearance;
+    const int before = frameWidth_;
+    frameWidth_ = host::BorderWidth(s);
+    paintFrame();
+    update();
+    // A new border width changes the client area: the control lays out again.
+    if (before >= 0 && before != frameWidth_ && initialised_) {
+        guard("Resize", [&] {
+            control_->Resize();
+            control_->Paint();
+        });
+    }
+}
+
+// ---- ControlSite ----------------------------------------------------------------------------
+
+void ControlWidget::PropertyChanged(std::string_view name) {
+    emit propertyChanged(QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size())));
+}
+
+void ControlWidget::RaiseEvent(int number, std::string_view name, std::span<Variant> args) {
+    QVariantList list;
+    for (const Variant& a : args) list.append(FromVariant(a));
+    emit eventRaised(number, QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size())), list);
+    emitTypedEvent(number, list);
+}
+
+std::shared_ptr<Font> ControlWidget::AmbientFont() {
+    const QWidget* container = parentWidget();
+    return std::make_shared<Font>(FromQFont(container ? container->font() : QApplication::font()));
+}
+
+std::string ControlWidget::ExtenderName() { return Utf8(objectName()); }
+
+std::unique_ptr<host::Timer> ControlWidget::CreateTimer(host::TimerCallback onTick) {
+    // A tick runs inside the guard: an error of the control is reported,
+    // never thrown into the event loop.
+    return std::make_unique<QtTimer>([this, cb = std::move(onTick)] { guard("Timer", cb); });
+}
+
+std::uint32_t ControlWidget::TickCount() { return qt::TickCount(); }
+
+Date ControlWidget::Now() { return LocalDateTime(std::chrono::system_clock::now()); }
+
+bool ControlWidget::IsPointerOver() {
+    const QWidget* under = QApplication::widgetAt(QCursor::pos());
+    return under && (under == this || isAncestorOf(under));
+}
+
+host::Size ControlWidget::ScreenSize() {
+    const QScreen* s = screen() ? screen() : QApplication::primaryScreen();
+    if (!s) return {};
+    return {s->geometry().width(), s->geometry().height()};
+}
+
+host::Point ControlWidget::ClientToScreen(host::Point client) {
+    const QRect view = client_.View();
+    const QPoint p = mapToGlobal(QPoint(view.left() + client.x, view.top() + client.y));
+    return {p.x(), p.y()};
+}
+
+void ControlWidget::DoEvents() { QCoreApplication::processEvents(QEventLoop::AllEvents); }
+
+void ControlWidget::ShowModal(host::Popup& popup, host::Point screen) {
+    PopupWindow window(popup, this);
+    connect(&window, &PopupWindow::hostError, this, &ControlWidget::hostError);
+    window.exec(QPoint(screen.x, screen.y));
+}
+
+const Locale& ControlWidget::UserLocale() { return CurrentLocale(); }
+
+void ControlWidget::setDisplayAsDefault(bool value) {
+    if (displayAsDefault_ == value) return;
+    displayAsDefault_ = value;
+    if (control_) guard("AmbientChanged", [&] { control_->AmbientChanged("DisplayAsDefault"); });
+}
+
+// ---- Qt events ---------------------------------------------------------------------------------
+
+void ControlWidget::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.drawImage(0, 0, image_);
+}
+
+void ControlWidget::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    if (image_.size() == size()) return;
+    relayout();
+    if (control_ && initialised_) {
+        guard("Resize", [&] {
+            control_->Resize();
+            control_->Paint();
+        });
+    }
+}
+
+void ControlWidget::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (!control_ || !initialised_) return;
+    if (event->type() == QEvent::FontChange) {
+        guard("AmbientChanged", [&] { control_->AmbientChanged("Font"); });
+    } else if (event->type() == QEvent::PaletteChange) {
+        // The desktop theme changed: system colours are read again.
+        ApplyPlatformSettings();
+        guard("Paint", [&] { control_->Paint(); });
+        paintFrame();
+        update();
+    }
+}
+
+QPointF ControlWidget::clientPoint(const QPointF& p) const {
+    return p - QPointF(client_.View().topLeft());
+}
+
+void ControlWidget::keyPressEvent(QKeyEvent* event) {
+    if (!control_) return QWidget::keyPressEvent(event);
+    const Integer shift = static_cast<Integer>(ShiftMaskOf(event->modifiers()));
+    const int code = KeyCodeOf(*event);
+    guard("KeyDown", [&] {
+        if (code != 0) {
+            Integer key = static_cast<Integer>(code);
+            control_->KeyDown(key, shift);
+        }
+        // The character the key typed, as the host's ANSI code.
+        const QString text = event->text();
+        if (!text.isEmpty()) {
+            Integer ascii = static_cast<Integer>(text[0].unicode() < 256 ? text[0].unicode() : '?');
+            control_->KeyPress(ascii);
+        }
+    });
+    syncSurface();
+    event->accept();
+}
+
+void ControlWidget::keyReleaseEvent(QKeyEvent* event) {
+    if (!control_ || event->isAutoRepeat()) return QWidget::keyReleaseEvent(event);
+    const Integer shift = static_cast<Integer>(ShiftMaskOf(event->modifiers()));
+    if (const int code = KeyCodeOf(*event)) {
+        guard("KeyUp", [&] {
+            Integer key = static_cast<Integer>(code);
+            control_->KeyUp(key, shift);
+        });
+        syncSurface();
+    }
+    event->accept();
+}
+
+void ControlWidget::mousePressEvent(QMouseEvent* event) {
+    if (!control_) return;
+    if (focusPolicy() & Qt::ClickFocus) setFocus(Qt::MouseFocusReason);
+    const QPointF p = clientPoint(event->position());
+    afterDoubleClick_ = false;
+    guard("MouseDown", [&] {
+        control_->MouseDown(static_cast<Integer>(ButtonMaskOf(event->button())),
+                            static_cast<Integer>(ShiftMaskOf(event->modifiers())), ToSingle(p.x()),
+                            ToSingle(p.y()));
+    });
+    syncSurface();
+}
+
+void ControlWidget::mouseMoveEvent(QMouseEvent* event) {
+    if (!control_) return;
+    const QPointF p = clientPoint(event->position());
+    guard("MouseMove", [&] {
+        control_->MouseMove(static_cast<Integer>(ButtonMaskOf(event->buttons())),
+                            static_cast<Integer>(ShiftMaskOf(event->modifiers())), ToSingle(p.x()),
+                            ToSingle(p.y()));
+    });
+}
+
+void ControlWidget::mouseReleaseEvent(QMouseEvent* event) {
+    if (!control_) return;
+    const QPointF p = clientPoint(event->position());
+    // A left button let go over the control clicks it, unless it ends a double click.
+    const bool click = event->button() == Qt::LeftButton && rect().contains(event->position().toPoint()) &&
+                       !afterDoubleClick_;
+    afterDoubleClick_ = false;
+    guard("MouseUp", [&] {
+        control_->MouseUp(static_cast<Integer>(ButtonMaskOf(event->button())),
+                          static_cast<Integer>(ShiftMaskOf(event->modifiers())), ToSingle(p.x()),
+                          ToSingle(p.y()));
+        if (click) control_->Click();
+    });
+    syncSurface();
+}
+
+void ControlWidget::mouseDoubleClickEvent(QMouseEvent* event) {
+    if (!control_) return;
+    if (event->button() != Qt::LeftButton) return mousePressEvent(event);
+    // The second press of a double click: DblClick instead of MouseDown;
+    // its release raises MouseUp without a Click.
+    afterDoubleClick_ = true;
+    guard("DblClick", [&] { control_->DblClick(); });
+    syncSurface();
+}
+
+void ControlWidget::focusInEvent(QFocusEvent* event) {
+    QWidget::focusInEvent(event);
+    if (control_) guard("GotFocus", [&] { control_->GotFocus(); });
+}
+
+void ControlWidget::focusOutEvent(QFocusEvent* event) {
+    QWidget::focusOutEvent(event);
+    if (control_) guard("LostFocus", [&] { control_->LostFocus(); });
+}
+
+bool ControlWidget::focusNextPrevChild(bool next) {
+    // The control may keep the focus (an invalid entry it will not leave).
+    bool leave = true;
+    if (control_) guard("QueryLeaveFocus", [&] { leave = control_->QueryLeaveFocus(); });
+    if (!leave) return true;
+    return QWidget::focusNextPrevChild(next);
+}
+
+}  // namespace kelvarin::qt

@@ -1,0 +1,127 @@
+#include "qt/PopupWindow.h"
+
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QPainter>
+
+#include "common/HostError.h"
+#include "qt/QtPlatform.h"
+
+namespace kelvarin::qt {
+
+PopupWindow::PopupWindow(host::Popup& popup, QWidget* owner)
+    : QWidget(owner, Qt::Popup), popup_(popup), surface_(image_, text_) {
+    setAttribute(Qt::WA_OpaquePaintEvent);
+    setMouseTracking(true);
+    setFocusPolicy(Qt::StrongFocus);
+}
+
+template <typename F>
+void PopupWindow::forward(const char* where, F&& f) noexcept {
+    try {
+        f();
+    } catch (const HostError& e) {
+        qWarning("kelvarin: popup %s: error %d %s", where, e.Number(), e.what());
+        emit hostError(e.Number(), QString::fromUtf8(e.what()), QString::fromUtf8(where));
+    } catch (const std::exception& e) {
+        qWarning("kelvarin: popup %s: %s", where, e.what());
+        emit hostError(0, QString::fromUtf8(e.what()), QString::fromUtf8(where));
+    }
+    closeIfDone();
+    update();
+}
+
+void PopupWindow::exec(const QPoint& screen) {
+    if (!popup_.IsOpen()) return;
+    const host::Size size = popup_.ClientSize();
+    resize(std::max(size.width, 1), std::max(size.height, 1));
+    move(screen);
+    show();
+    activateWindow();
+    setFocus();
+    if (popup_.IsOpen() && isVisible()) loop_.exec();
+    hide();
+}
+
+void PopupWindow::closeIfDone() {
+    if (!popup_.IsOpen() && isVisible()) hide();
+}
+
+void PopupWindow::paintEvent(QPaintEvent*) {
+    const host::Size size = popup_.ClientSize();
+    if (image_.width() != size.width || image_.height() != size.height)
+        image_ = QImage(std::max(size.width, 1), std::max(size.height, 1), QImage::Format_BGR888);
+    image_.fill(Qt::white);
+    surface_.SetView(image_.rect());
+    try {
+        popup_.Paint(surface_);
+    } catch (const HostError& e) {
+        qWarning("kelvarin: popup paint: error %d %s", e.Number(), e.what());
+        emit hostError(e.Number(), QString::fromUtf8(e.what()), QStringLiteral("Paint"));
+    }
+    QPainter(this).drawImage(0, 0, image_);
+}
+
+void PopupWindow::keyPressEvent(QKeyEvent* event) {
+    const Integer shift = static_cast<Integer>(ShiftMaskOf(event->modifiers()));
+    forward("KeyDown", [&] {
+        if (Integer code = static_cast<Integer>(KeyCodeOf(*event))) popup_.KeyDown(code, shift);
+        const QString text = event->text();
+        if (!text.isEmpty() && popup_.IsOpen()) {
+            Integer ascii = static_cast<Integer>(text[0].unicode() < 256 ? text[0].unicode() : '?');
+            popup_.KeyPress(ascii);
+        }
+    });
+}
+
+void PopupWindow::keyReleaseEvent(QKeyEvent* event) {
+    if (event->isAutoRepeat()) return;
+    const Integer shift = static_cast<Integer>(ShiftMaskOf(event->modifiers()));
+    forward("KeyUp", [&] {
+        if (Integer code = static_cast<Integer>(KeyCodeOf(*event))) popup_.KeyUp(code, shift);
+    });
+}
+
+void PopupWindow::mousePressEvent(QMouseEvent* event) {
+    if (!rect().contains(event->position().toPoint())) {
+        // A press outside: the popup loses activation, as a click elsewhere does.
+        forward("Deactivated", [&] { popup_.Deactivated(); });
+        hide();
+        return;
+    }
+    const Integer b = static_cast<Integer>(ButtonMaskOf(event->button()));
+    const Integer s = static_cast<Integer>(ShiftMaskOf(event->modifiers()));
+    const QPointF p = event->position();
+    forward("MouseDown", [&] { popup_.MouseDown(b, s, ToSingle(p.x()), ToSingle(p.y())); });
+}
+
+void PopupWindow::mouseMoveEvent(QMouseEvent* event) {
+    const Integer b = static_cast<Integer>(ButtonMaskOf(event->buttons()));
+    const Integer s = static_cast<Integer>(ShiftMaskOf(event->modifiers()));
+    const QPointF p = event->position();
+    forward("MouseMove", [&] { popup_.MouseMove(b, s, ToSingle(p.x()), ToSingle(p.y())); });
+}
+
+void PopupWindow::mouseReleaseEvent(QMouseEvent* event) {
+    const Integer b = static_cast<Integer>(ButtonMaskOf(event->button()));
+    const Integer s = static_cast<Integer>(ShiftMaskOf(event->modifiers()));
+    const QPointF p = event->position();
+    forward("MouseUp", [&] { popup_.MouseUp(b, s, ToSingle(p.x()), ToSingle(p.y())); });
+}
+
+void PopupWindow::hideEvent(QHideEvent* event) {
+    // Hidden by Qt (a click outside a popup window) while still open: that
+    // is a loss of activation.
+    if (popup_.IsOpen()) {
+        try {
+            popup_.Deactivated();
+        } catch (const HostError& e) {
+            qWarning("kelvarin: popup Deactivated: error %d %s", e.Number(), e.what());
+            emit hostError(e.Number(), QString::fromUtf8(e.what()), QStringLiteral("Deactivated"));
+        }
+    }
+    loop_.quit();
+    QWidget::hideEvent(event);
+}
+
+}  // namespace kelvarin::qt

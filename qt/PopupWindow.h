@@ -1,0 +1,51 @@
+// A control's modal popup (the month calendar) in a Qt popup window: it
+// paints the popup into an image of its own, forwards keys and the mouse,
+// and runs a nested event loop until the popup closes itself or loses
+// activation (a click elsewhere, the window hidden).
+#pragma once
+
+#include <QEventLoop>
+#include <QImage>
+#include <QWidget>
+
+#include "host/ControlSite.h"
+#include "qt/ImageSurface.h"
+#include "qt/QtText.h"
+
+namespace kelvarin::qt {
+
+class PopupWindow : public QWidget {
+    Q_OBJECT
+
+public:
+    // `report` receives errors the popup raises while it handles input.
+    PopupWindow(host::Popup& popup, QWidget* owner);
+
+    // Shows the window at the screen point and returns once the popup has closed.
+    void exec(const QPoint& screen);
+
+signals:
+    void hostError(int number, const QString& text, const QString& where);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void keyReleaseEvent(QKeyEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+
+private:
+    template <typename F>
+    void forward(const char* where, F&& f) noexcept;
+    void closeIfDone();
+
+    host::Popup& popup_;
+    QImage image_;
+    TextPainter text_;
+    ImageSurface surface_;
+    QEventLoop loop_;
+};
+
+}  // namespace kelvarin::qt

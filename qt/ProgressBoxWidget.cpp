@@ -1,0 +1,111 @@
+#include "qt/ProgressBoxWidget.h"
+
+#include "controls/progressbox/ProgressBox.h"
+#include "library/ClassFactory.h"
+
+namespace kelvarin::qt {
+
+ProgressBoxWidget::ProgressBoxWidget(QWidget* parent)
+    : ControlWidget(library::ClassRegistry::Instance().Create("ProgressBox"), parent) {}
+
+QString ProgressBoxWidget::caption() const {
+    const auto* box = dynamic_cast<const controls::ProgressBox*>(control());
+    return box ? QString::fromStdString(box->Caption()) : QString();
+}
+
+// Colours travel as the 32 bits of a Long; read back unsigned.
+uint ProgressBoxWidget::color(const char* name) {
+    return static_cast<uint>(getMember(QString::fromLatin1(name)).toInt());
+}
+
+int ProgressBoxWidget::number(const char* name) { return getMember(QString::fromLatin1(name)).toInt(); }
+
+uint ProgressBoxWidget::BackColor() { return color("BackColor"); }
+void ProgressBoxWidget::SetBackColor(uint c) { letMember(QStringLiteral("BackColor"), c); }
+uint ProgressBoxWidget::ForeColor() { return color("ForeColor"); }
+void ProgressBoxWidget::SetForeColor(uint c) { letMember(QStringLiteral("ForeColor"), c); }
+bool ProgressBoxWidget::Enabled() { return getMember(QStringLiteral("Enabled")).toBool(); }
+void ProgressBoxWidget::SetEnabled(bool e) { letMember(QStringLiteral("Enabled"), e); }
+QFont ProgressBoxWidget::Font() { return getMember(QStringLiteral("Font")).value<QFont>(); }
+void ProgressBoxWidget::SetFont(const QFont& f) { setMember(QStringLiteral("Font"), f); }
+
+ProgressBoxWidget::BorderStyleKind ProgressBoxWidget::BorderStyle() {
+    return static_cast<BorderStyleKind>(number("BorderStyle"));
+}
+void ProgressBoxWidget::SetBorderStyle(BorderStyleKind s) {
+    letMember(QStringLiteral("BorderStyle"), static_cast<int>(s));
+}
+ProgressBoxWidget::AppearanceKind ProgressBoxWidget::Appearance() {
+    return static_cast<AppearanceKind>(number("Appearance"));
+}
+void ProgressBoxWidget::SetAppearance(AppearanceKind a) {
+    letMember(QStringLiteral("Appearance"), static_cast<int>(a));
+}
+int ProgressBoxWidget::hWnd() { return number("hWnd"); }
+
+QPixmap ProgressBoxWidget::MouseIcon() {
+    const QImage image = getMember(QStringLiteral("MouseIcon")).value<QImage>();
+    return image.isNull() ? QPixmap() : QPixmap::fromImage(image);
+}
+void ProgressBoxWidget::SetMouseIcon(const QPixmap& icon) { setMember(QStringLiteral("MouseIcon"), icon); }
+int ProgressBoxWidget::MousePointer() { return number("MousePointer"); }
+void ProgressBoxWidget::SetMousePointer(int p) { letMember(QStringLiteral("MousePointer"), p); }
+
+uint ProgressBoxWidget::StartColor() { return color("StartColor"); }
+void ProgressBoxWidget::SetStartColor(uint c) { letMember(QStringLiteral("StartColor"), c); }
+uint ProgressBoxWidget::FinishColor() { return color("FinishColor"); }
+void ProgressBoxWidget::SetFinishColor(uint c) { letMember(QStringLiteral("FinishColor"), c); }
+double ProgressBoxWidget::Value() { return getMember(QStringLiteral("Value")).toDouble(); }
+void ProgressBoxWidget::SetValue(double v) { letMember(QStringLiteral("Value"), v); }
+QString ProgressBoxWidget::Text() { return getMember(QStringLiteral("Text")).toString(); }
+void ProgressBoxWidget::SetText(const QString& t) { letMember(QStringLiteral("Text"), t); }
+bool ProgressBoxWidget::ShowPercentual() { return getMember(QStringLiteral("ShowPercentual")).toBool(); }
+void ProgressBoxWidget::SetShowPercentual(bool s) { letMember(QStringLiteral("ShowPercentual"), s); }
+
+ProgressBoxWidget::AlignmentText ProgressBoxWidget::Alignment() {
+    return static_cast<AlignmentText>(number("Alignment"));
+}
+void ProgressBoxWidget::SetAlignment(AlignmentText a) {
+    letMember(QStringLiteral("Alignment"), static_cast<int>(a));
+}
+
+double ProgressBoxWidget::MinValue() { return getMember(QStringLiteral("MinValue")).toDouble(); }
+void ProgressBoxWidget::SetMinValue(double v) { letMember(QStringLiteral("MinValue"), v); }
+double ProgressBoxWidget::MaxValue() { return getMember(QStringLiteral("MaxValue")).toDouble(); }
+void ProgressBoxWidget::SetMaxValue(double v) { letMember(QStringLiteral("MaxValue"), v); }
+double ProgressBoxWidget::Percentual() { return getMember(QStringLiteral("Percentual")).toDouble(); }
+void ProgressBoxWidget::SetPercentual(double p) { letMember(QStringLiteral("Percentual"), p); }
+
+ProgressBoxWidget::GradientStyleKind ProgressBoxWidget::GradientStyle() {
+    return static_cast<GradientStyleKind>(number("GradientStyle"));
+}
+void ProgressBoxWidget::SetGradientStyle(GradientStyleKind s) {
+    letMember(QStringLiteral("GradientStyle"), static_cast<int>(s));
+}
+uint ProgressBoxWidget::PivotColor() { return color("PivotColor"); }
+void ProgressBoxWidget::SetPivotColor(uint c) { letMember(QStringLiteral("PivotColor"), c); }
+int ProgressBoxWidget::TimerChangedInterval() { return number("TimerChangedInterval"); }
+void ProgressBoxWidget::SetTimerChangedInterval(int ms) {
+    letMember(QStringLiteral("TimerChangedInterval"), ms);
+}
+
+void ProgressBoxWidget::emitTypedEvent(int number, const QVariantList& a) {
+    using controls::ProgressBox;
+    const auto i = [&](int k) { return k < a.size() ? a[k].toInt() : 0; };
+    const auto f = [&](int k) { return k < a.size() ? a[k].toFloat() : 0.0f; };
+    switch (number) {
+        case ProgressBox::kClick: emit Click(); break;
+        case ProgressBox::kDblClick: emit DblClick(); break;
+        case ProgressBox::kKeyDown: emit KeyDown(i(0), i(1)); break;
+        case ProgressBox::kKeyPress: emit KeyPress(i(0)); break;
+        case ProgressBox::kKeyUp: emit KeyUp(i(0), i(1)); break;
+        case ProgressBox::kMouseDown: emit MouseDown(i(0), i(1), f(2), f(3)); break;
+        case ProgressBox::kMouseMove: emit MouseMove(i(0), i(1), f(2), f(3)); break;
+        case ProgressBox::kMouseUp: emit MouseUp(i(0), i(1), f(2), f(3)); break;
+        case ProgressBox::kChange: emit Change(); break;
+        case ProgressBox::kTimerChange: emit TimerChange(i(0), i(1)); break;
+        default: break;
+    }
+}
+
+}  // namespace kelvarin::qt
