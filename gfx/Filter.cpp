@@ -305,13 +305,14 @@ void SmoothPlain(const Rows& rows, bool linePreserve) {
 
 #if KELVARIN_X86
 // The wavefront. Pixel (x, y) needs the new values of (x, y - 1) and
-// (x - 1, y + 1), so pixels (x + k, y - 2k) can be done together. A strip of
-// kLanes columns is copied into a skewed buffer where column k of the strip
-// is shifted down by 2k rows: one row of the buffer is then one such set of
-// pixels, contiguous, and each of the nine neighbours is one unaligned load.
-// Column -1 (done by the previous strip) and column kLanes (not done yet)
-// come along unchanged. In the buffer, column k at image row y is at row
-// y + 2(k + 1), bytes 3(k + 1) to 3(k + 1) + 2.
+// (x - 1, y + 1), so pixels (x + k, y - 2k) can be done together. A strip
+// of kLanes columns is copied into a skewed buffer where column k of the
+// strip is shifted down by 2k rows: one row of the buffer is then one such
+// set of pixels, contiguous, and each of the nine neighbours is one
+// unaligned load. Column -1 (done by the previous strip) and column kLanes
+// (not done yet) come along unchanged. In the buffer, column k at image row
+// y is at row y + 2(k + 1), bytes 3(k + 1) to 3(k + 1) + 2. The image is
+// read and written a row at a time (rows of large images lie pages apart).
 constexpr int kLanes = 10;  // 30 bytes of a 32-byte vector
 constexpr std::size_t kSkewStride = 64;
 
@@ -358,9 +359,9 @@ KELVARIN_AVX2 void SmoothWavefront(const Rows& rows) {
     const Long x0 = 2, x1 = rows.width - 3, y0 = 2, y1 = rows.height - 3;
     std::vector<std::uint8_t> skew(static_cast<std::size_t>(rows.height + 2 * kLanes + 4) *
                                    kSkewStride);
-    auto cell = [&](Long skewRow, int column) {  // column -1..kLanes
+    auto cell = [&](Long skewRow, int k) {  // column k = -1..kLanes
         return skew.data() + static_cast<std::size_t>(skewRow) * kSkewStride +
-               static_cast<std::size_t>(3 * (column + 1));
+               static_cast<std::size_t>(3 * (k + 1));
     };
     alignas(32) std::uint8_t index[32];
     for (int b = 0; b < 32; ++b) index[b] = static_cast<std::uint8_t>(b);
@@ -368,11 +369,11 @@ KELVARIN_AVX2 void SmoothWavefront(const Rows& rows) {
 
     for (Long xs = x0; xs <= x1; xs += kLanes) {
         const int lanes = static_cast<int>(std::min<Long>(kLanes, x1 - xs + 1));
-        for (int k = -1; k <= kLanes; ++k) {
-            const Long x = xs + k;
-            if (x >= rows.width) break;
-            for (Long y = y0 - 1; y <= y1 + 1; ++y)
-                std::memcpy(cell(y + 2 * (k + 1), k), rows.Row(y) + 3 * x, 3);
+        const int columns = static_cast<int>(std::min<Long>(kLanes, rows.width - 1 - xs));
+        for (Long y = y0 - 1; y <= y1 + 1; ++y) {
+            const std::uint8_t* from = rows.Row(y) + 3 * xs;
+            for (int k = -1; k <= columns; ++k)
+                std::memcpy(cell(y + 2 * (k + 1), k), from + 3 * k, 3);
         }
         // Step t does image row t - 2k of lane k, all at buffer row t + 2.
         for (Long t = y0; t <= y1 + 2 * (lanes - 1); ++t) {
@@ -385,19 +386,19 @@ KELVARIN_AVX2 void SmoothWavefront(const Rows& rows) {
                 }
             }
             const __m256i result = kLinePreserve ? LineKeeping9(w) : Median9(w);
-            // Lanes whose row lies in y0..y1 this step.
+            // The lanes whose image row lies in y0..y1 this step.
             const Long first = std::max<Long>(0, (t - y1 + 1) / 2);
             const Long last = std::min<Long>(lanes - 1, (t - y0) / 2);
-            const __m256i from = _mm256_set1_epi8(static_cast<char>(3 * first - 1));
-            const __m256i to = _mm256_set1_epi8(static_cast<char>(3 * (last + 1)));
-            const __m256i active = _mm256_and_si256(_mm256_cmpgt_epi8(byteIndex, from),
-                                                    _mm256_cmpgt_epi8(to, byteIndex));
+            const __m256i above = _mm256_set1_epi8(static_cast<char>(3 * first - 1));
+            const __m256i below = _mm256_set1_epi8(static_cast<char>(3 * (last + 1)));
+            const __m256i active = _mm256_and_si256(_mm256_cmpgt_epi8(byteIndex, above),
+                                                    _mm256_cmpgt_epi8(below, byteIndex));
             _mm256_storeu_si256(reinterpret_cast<__m256i*>(cell(s, 0)),
                                 _mm256_blendv_epi8(w.v[1][1], result, active));
         }
-        for (int k = 0; k < lanes; ++k) {
-            for (Long y = y0; y <= y1; ++y)
-                std::memcpy(rows.Row(y) + 3 * (xs + k), cell(y + 2 * (k + 1), k), 3);
+        for (Long y = y0; y <= y1; ++y) {
+            std::uint8_t* to = rows.Row(y) + 3 * xs;
+            for (int k = 0; k < lanes; ++k) std::memcpy(to + 3 * k, cell(y + 2 * (k + 1), k), 3);
         }
     }
 }

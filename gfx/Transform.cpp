@@ -295,7 +295,7 @@ template <int kBytes, typename Rows>
 void RotateTiled(const Rows& rows) {
     const RowsCopy copy = CopyRows(rows, kBytes);
     const Long n = rows.width;
-    constexpr Long kTile = 32;
+    constexpr Long kTile = 8;
     for (Long c0 = 0; c0 < n; c0 += kTile) {
         const Long c1 = std::min(c0 + kTile, n);
         for (Long r0 = 0; r0 < n; r0 += kTile) {
