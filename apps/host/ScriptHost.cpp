@@ -461,6 +461,7 @@ void ScriptHost::Dispatch(const std::vector<std::string>& w, std::string_view li
         }
         if (const std::string error = SaveBmpFile(*picture, w[2]); !error.empty())
             throw ScriptError{w[2] + ": " + error};
+        if (afterPaint) afterPaint(r, w[2]);
     } else if (cmd == "pixel") {
         Need(w, 4, 4, "pixel NAME|popup X Y");
         const host::headless::Raster& r = Pixels(w[1]);

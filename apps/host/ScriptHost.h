@@ -1,6 +1,7 @@
 // Runs the script language against the headless host: one command a line.
 #pragma once
 
+#include <functional>
 #include <istream>
 #include <ostream>
 #include <string>
@@ -22,6 +23,10 @@ public:
 
     host::headless::HeadlessHost& Host() noexcept { return host_; }
     bool Failed() const noexcept { return failed_; }
+
+    // Called after `paint` has written its bitmap file, with the pixels and
+    // the file's path (a host with an image library writes another format too).
+    std::function<void(const host::headless::Raster&, const std::string&)> afterPaint;
 
 private:
     void Dispatch(const std::vector<std::string>& words, std::string_view line);
