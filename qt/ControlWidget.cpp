@@ -8,6 +8,7 @@
 #include <QPainter>
 #include <QPixmap>
 #include <QScreen>
+#include <QStyleHints>
 #include <QTimer>
 
 #include "common/HostError.h"
@@ -492,11 +493,33 @@ void ControlWidget::keyReleaseEvent(QKeyEvent* event) {
     event->accept();
 }
 
+// Qt delivers the second press of a double click as a press, then a
+// double-click event; the host raises DblClick in its place. The press is
+// known for what it is by Qt's own rule: the same button again within the
+// double-click time and distance of the last press.
+bool ControlWidget::isSecondClick(const QMouseEvent& event) {
+    const QPoint at = event.globalPosition().toPoint();
+    const auto* hints = QGuiApplication::styleHints();
+    const bool second = lastPressButton_ == event.button() && lastPressTime_ != 0 &&
+                        event.timestamp() - lastPressTime_ < static_cast<quint64>(hints->mouseDoubleClickInterval()) &&
+                        (at - lastPressAt_).manhattanLength() <= hints->mouseDoubleClickDistance();
+    // After a double click the next press starts afresh, as it does for Qt.
+    lastPressTime_ = second ? 0 : event.timestamp();
+    lastPressButton_ = event.button();
+    lastPressAt_ = at;
+    return second;
+}
+
 void ControlWidget::mousePressEvent(QMouseEvent* event) {
     if (!control_) return;
     if (focusPolicy() & Qt::ClickFocus) setFocus(Qt::MouseFocusReason);
     const QPointF p = clientPoint(event->position());
     afterDoubleClick_ = false;
+    if (isSecondClick(*event) && event->button() == Qt::LeftButton) {
+        afterDoubleClick_ = true;
+        doubleClickPending_ = true;
+        return;
+    }
     guard("MouseDown", [&] {
         control_->MouseDown(static_cast<Integer>(ButtonMaskOf(event->button())),
                             static_cast<Integer>(ShiftMaskOf(event->modifiers())), ToSingle(p.x()),
@@ -533,11 +556,13 @@ void ControlWidget::mouseReleaseEvent(QMouseEvent* event) {
 
 void ControlWidget::mouseDoubleClickEvent(QMouseEvent* event) {
     if (!control_) return;
-    if (event->button() != Qt::LeftButton) return mousePressEvent(event);
-    // The second press of a double click: DblClick instead of MouseDown;
-    // its release raises MouseUp without a Click.
+    if (event->button() != Qt::LeftButton) return;  // its press was a MouseDown already
+    // DblClick in place of the second MouseDown; the release raises MouseUp
+    // without a Click.
+    const bool raise = doubleClickPending_ || !afterDoubleClick_;
+    doubleClickPending_ = false;
     afterDoubleClick_ = true;
-    guard("DblClick", [&] { control_->DblClick(); });
+    if (raise) guard("DblClick", [&] { control_->DblClick(); });
     syncSurface();
 }
 

@@ -156,6 +156,7 @@ private:
     void syncSurface();
     void paintFrame();
     QPointF clientPoint(const QPointF& widgetPoint) const;
+    bool isSecondClick(const QMouseEvent& event);
 
     std::unique_ptr<host::Control> control_;
     QImage image_;
@@ -165,6 +166,10 @@ private:
     bool displayAsDefault_ = false;
     bool initialised_ = false;
     bool afterDoubleClick_ = false;
+    bool doubleClickPending_ = false;
+    quint64 lastPressTime_ = 0;
+    Qt::MouseButton lastPressButton_ = Qt::NoButton;
+    QPoint lastPressAt_;
     int frameWidth_ = -1;
     std::int16_t frameStyle_ = -1, frameAppearance_ = -1;
     int lastErrorNumber_ = 0;

@@ -66,6 +66,8 @@ int main(int argc, char** argv) {
             status = 1;
         }
     }
+    window.show();
+    QApplication::processEvents();  // laid out, so the saved geometry is the shown one
     if (parser.isSet(save)) {
         const QString error = window.saveForm(parser.value(save));
         if (!error.isEmpty()) {
@@ -73,7 +75,6 @@ int main(int argc, char** argv) {
             return 1;
         }
     }
-    window.show();
     if (parser.isSet(screenshot)) {
         RunJobForPicture(window);
         const QString path = parser.value(screenshot);

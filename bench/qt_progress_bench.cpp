@@ -1,0 +1,103 @@
+// A program updating its progress bar: 10 000 Value writes, each followed
+// by a synchronous repaint, on a 400 x 24 ProgressBox widget and on a
+// QProgressBar of the same size, offscreen, in the same run. The ProgressBox
+// repaints its whole gradient and caption on every write; QProgressBar
+// draws its style's bar and text.
+//
+// BM_SameRun times both loops back to back and reports the ratio
+// (ProgressBox time / QProgressBar time; below 1 is faster).
+#include <benchmark/benchmark.h>
+
+#include <chrono>
+
+#include <QApplication>
+#include <QProgressBar>
+#include <QStyleFactory>
+
+#include "qt/ProgressBoxWidget.h"
+#include "qt/QtPlatform.h"
+
+namespace {
+
+using kelvarin::qt::ProgressBoxWidget;
+
+constexpr int kWrites = 10000;
+
+void Prepare(QWidget& w) {
+    w.resize(400, 24);
+    w.show();
+    QApplication::processEvents();
+}
+
+double WriteAndRepaint(ProgressBoxWidget& bar) {
+    const auto start = std::chrono::steady_clock::now();
+    for (int k = 0; k < kWrites; ++k) {
+        bar.SetValue(k % 100);
+        bar.repaint();
+    }
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+double WriteAndRepaint(QProgressBar& bar) {
+    const auto start = std::chrono::steady_clock::now();
+    for (int k = 0; k < kWrites; ++k) {
+        bar.setValue(k % 100);
+        bar.repaint();
+    }
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+void PerWrite(benchmark::State& state) {
+    state.SetItemsProcessed(state.iterations() * kWrites);
+    state.counters["per_write"] =
+        benchmark::Counter(kWrites, benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
+}
+
+void BM_ProgressBoxWidget(benchmark::State& state) {
+    ProgressBoxWidget bar;
+    Prepare(bar);
+    for (auto _ : state) WriteAndRepaint(bar);
+    PerWrite(state);
+}
+BENCHMARK(BM_ProgressBoxWidget)->Unit(benchmark::kMillisecond)->MinTime(1.0);
+
+void BM_QProgressBar(benchmark::State& state) {
+    QProgressBar bar;
+    bar.setRange(0, 100);
+    Prepare(bar);
+    for (auto _ : state) WriteAndRepaint(bar);
+    PerWrite(state);
+}
+BENCHMARK(BM_QProgressBar)->Unit(benchmark::kMillisecond)->MinTime(1.0);
+
+void BM_SameRun(benchmark::State& state) {
+    ProgressBoxWidget ours;
+    QProgressBar theirs;
+    theirs.setRange(0, 100);
+    Prepare(ours);
+    Prepare(theirs);
+    double oursTotal = 0, theirsTotal = 0;
+    for (auto _ : state) {
+        oursTotal += WriteAndRepaint(ours);
+        theirsTotal += WriteAndRepaint(theirs);
+    }
+    const double writes = static_cast<double>(state.iterations()) * kWrites;
+    state.counters["progressbox_us"] = oursTotal / writes * 1e6;
+    state.counters["qprogressbar_us"] = theirsTotal / writes * 1e6;
+    state.counters["ratio"] = oursTotal / theirsTotal;
+}
+BENCHMARK(BM_SameRun)->Unit(benchmark::kMillisecond)->Iterations(5);
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication app(argc, argv);
+    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    kelvarin::qt::ApplyPlatformSettings();
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    return 0;
+}

@@ -1,0 +1,174 @@
+// The gallery in this process (its forms, its timed job) and as the
+// program a user runs (load, save, screenshot, exit status).
+#include "apps/gallery/GalleryWindow.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/qt/QtPrinters.h"
+
+#include <QFile>
+#include <QImage>
+#include <QProcess>
+#include <QSet>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include "host/FormFile.h"
+#include "library/ClassFactory.h"
+#include "qt/ProgressBoxWidget.h"
+
+namespace kelvarin::gallery {
+namespace {
+
+using qt::ProgressBoxWidget;
+
+ProgressBoxWidget* Bar(const GalleryWindow& w, const char* name) {
+    return qobject_cast<ProgressBoxWidget*>(w.control(QString::fromLatin1(name)));
+}
+
+TEST(GalleryTest, SavesItsBarsAndTakesTheirPropertiesBackFromAForm) {
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("gallery.json"));
+    GalleryWindow window;
+    window.show();
+    QApplication::processEvents();
+    const QList<qt::ControlWidget*> controls = window.controls();
+    EXPECT_EQ(controls.size(), 9);
+    ProgressBoxWidget* linear = Bar(window, "linear");
+    ASSERT_NE(linear, nullptr);
+    EXPECT_EQ(linear->Value(), 72);
+    ASSERT_TRUE(window.saveForm(path).isEmpty());
+
+    linear->SetValue(5);
+    Bar(window, "playground")->SetText(QStringLiteral("changed"));
+    ASSERT_TRUE(window.loadForm(path).isEmpty());
+    EXPECT_EQ(linear->Value(), 72);
+    EXPECT_EQ(Bar(window, "playground")->Text(), QStringLiteral("Progress"));
+
+    // The file keeps each bar's place in the window.
+    const host::Form form = host::LoadFormFile(path.toStdString(), [](std::string_view) { return true; });
+    ASSERT_EQ(form.controls.size(), 9u);
+    for (const host::FormControl& entry : form.controls) {
+        const qt::ControlWidget* w = window.control(QString::fromStdString(entry.name));
+        ASSERT_NE(w, nullptr) << entry.name;
+        EXPECT_EQ(QPoint(entry.left, entry.top), w->mapTo(&window, QPoint(0, 0))) << entry.name;
+        EXPECT_EQ(QSize(entry.width, entry.height), w->size()) << entry.name;
+    }
+}
+
+TEST(GalleryTest, ControlsTheGalleryLacksAreShownAsTheFormLaysThemOut) {
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("extra.json"));
+    host::Form form;
+    for (int i = 0; i < 2; ++i) {
+        host::FormControl entry;
+        entry.className = "ProgressBox";
+        entry.name = "extra" + std::to_string(i);
+        entry.left = 300;
+        entry.top = 100 + 40 * i;
+        entry.width = 180;
+        entry.height = 24;
+        entry.properties.Set("Value", Variant(30.0 * (i + 1)));
+        form.controls.push_back(std::move(entry));
+    }
+    host::SaveFormFile(path.toStdString(), form);
+
+    GalleryWindow window;
+    ASSERT_TRUE(window.loadForm(path).isEmpty());
+    ProgressBoxWidget* first = Bar(window, "extra0");
+    ProgressBoxWidget* second = Bar(window, "extra1");
+    ASSERT_NE(first, nullptr);
+    ASSERT_NE(second, nullptr);
+    EXPECT_EQ(second->Value(), 60);
+    EXPECT_EQ(second->pos() - first->pos(), QPoint(0, 40));
+    EXPECT_EQ(first->size(), QSize(180, 24));
+
+    // A broken file changes nothing, and says why.
+    QFile broken(dir.filePath(QStringLiteral("broken.json")));
+    ASSERT_TRUE(broken.open(QIODevice::WriteOnly));
+    broken.write("{\"format\": \"kelvarin-form\", \"controls\": [");
+    broken.close();
+    QSignalSpy status(&window, &GalleryWindow::status);
+    EXPECT_FALSE(window.loadForm(broken.fileName()).isEmpty());
+    EXPECT_NE(Bar(window, "extra0"), nullptr);
+    ASSERT_EQ(status.size(), 1);
+    EXPECT_TRUE(status.at(0).at(0).toString().startsWith(QStringLiteral("Could not load")));
+}
+
+TEST(GalleryTest, TheJobRunsToItsEndWithALiveReadout) {
+    GalleryWindow window;
+    window.show();
+    ProgressBoxWidget* job = window.jobBar();
+    job->SetTimerChangedInterval(40);
+    window.startJob(600);
+    QSignalSpy ticks(job, &ProgressBoxWidget::TimerChange);
+    ASSERT_TRUE(ticks.wait(3000));
+    EXPECT_TRUE(window.jobReadout().startsWith(QStringLiteral("Elapsed"))) << window.jobReadout().toStdString();
+    QTRY_COMPARE_WITH_TIMEOUT(job->Value(), 100.0, 5000);
+    EXPECT_TRUE(window.jobReadout().startsWith(QStringLiteral("Done in"))) << window.jobReadout().toStdString();
+    EXPECT_GE(window.timerChanges(), 1);
+}
+
+// ---- The program -------------------------------------------------------------------------------
+
+struct ProgramRun {
+    int exitCode = -1;
+    QString out, err;
+};
+
+ProgramRun Gallery(const QStringList& args) {
+    QProcess process;
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+    process.setProcessEnvironment(env);
+    process.start(QStringLiteral(KELVARIN_GALLERY_PATH), args);
+    ProgramRun run;
+    if (!process.waitForFinished(60000)) {
+        process.kill();
+        process.waitForFinished();
+        return run;
+    }
+    run.exitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -2;
+    run.out = QString::fromUtf8(process.readAllStandardOutput());
+    run.err = QString::fromUtf8(process.readAllStandardError());
+    return run;
+}
+
+TEST(GalleryTest, TheProgramSavesLoadsAndTakesAScreenshot) {
+    QTemporaryDir dir;
+    const QString first = dir.filePath(QStringLiteral("first.json"));
+    const QString second = dir.filePath(QStringLiteral("second.json"));
+    const QString picture = dir.filePath(QStringLiteral("gallery.png"));
+
+    const ProgramRun saved = Gallery({QStringLiteral("--save"), first, QStringLiteral("--screenshot"), picture});
+    ASSERT_EQ(saved.exitCode, 0) << saved.err.toStdString();
+    EXPECT_TRUE(saved.out.contains(picture));
+
+    const QImage image(picture);
+    ASSERT_FALSE(image.isNull());
+    EXPECT_GE(image.width(), 800);
+    EXPECT_GE(image.height(), 500);
+    QSet<QRgb> colours;
+    for (int y = 0; y < image.height(); y += 3)
+        for (int x = 0; x < image.width(); x += 3) colours.insert(image.pixel(x, y));
+    EXPECT_GT(colours.size(), 200);  // gradients, text, cards: not a blank window
+
+    // Loading the saved form and saving again gives the same file.
+    const ProgramRun again = Gallery({QStringLiteral("--form"), first, QStringLiteral("--save"), second});
+    ASSERT_EQ(again.exitCode, 0) << again.err.toStdString();
+    QFile a(first), b(second);
+    ASSERT_TRUE(a.open(QIODevice::ReadOnly));
+    ASSERT_TRUE(b.open(QIODevice::ReadOnly));
+    EXPECT_EQ(a.readAll(), b.readAll());
+
+    const ProgramRun missing = Gallery({QStringLiteral("--form"), dir.filePath(QStringLiteral("none.json")),
+                                 QStringLiteral("--save"), second});
+    EXPECT_EQ(missing.exitCode, 1);
+    EXPECT_TRUE(missing.err.contains(QStringLiteral("none.json"))) << missing.err.toStdString();
+
+    EXPECT_EQ(Gallery({QStringLiteral("surplus")}).exitCode, 2);
+}
+
+}  // namespace
+}  // namespace kelvarin::gallery

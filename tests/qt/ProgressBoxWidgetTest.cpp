@@ -1,0 +1,463 @@
+// The progress bar as a real widget: properties through Qt and through
+// dispatch agree, input arrives as events in the host's order, a real timer
+// reports time, the painted widget shows the gradient, errors stay inside,
+// forms round-trip, and a popup runs modally.
+#include "qt/ProgressBoxWidget.h"
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QDir>
+#include <QFile>
+#include <QLayout>
+#include <QMetaProperty>
+#include <QMouseEvent>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTimer>
+
+#include "common/HostError.h"
+#include "controls/progressbox/ProgressBox.h"
+#include "library/Dispatch.h"
+#include "qt/Forms.h"
+#include "qt/QtPlatform.h"
+#include "tests/qt/QtPrinters.h"
+
+namespace kelvarin::qt {
+namespace {
+
+using controls::ProgressBox;
+
+QStringList Names(const QSignalSpy& spy, int argument = 0) {
+    QStringList out;
+    for (const QList<QVariant>& call : spy) out << call.at(argument).toString();
+    return out;
+}
+
+OLE_COLOR Shown(const QImage& image, int x, int y) {
+    const QRgb c = image.pixel(x, y);
+    return RGB(qRed(c), qGreen(c), qBlue(c));
+}
+
+// A left-button mouse event with its time stamp, delivered as the window system would.
+void SendMouse(QWidget& w, QEvent::Type type, QPoint at, quint64 timestamp) {
+    const Qt::MouseButtons held = type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton;
+    QMouseEvent event(type, at, w.mapToGlobal(at), Qt::LeftButton, held, Qt::NoModifier);
+    event.setTimestamp(timestamp);
+    QApplication::sendEvent(&w, &event);
+}
+
+// Every readable property of the type library, through dispatch.
+std::vector<std::pair<std::string, Variant>> DispatchState(host::Control& control) {
+    std::vector<std::pair<std::string, Variant>> out;
+    for (const library::MemberInfo& m : library::ClassOf(control).members) {
+        if (m.kind != library::MemberKind::Property || !(m.access & library::kGet) || m.name == "hWnd") continue;
+        out.emplace_back(std::string(m.name), library::Get(control, m.dispid));
+    }
+    return out;
+}
+
+// Whether a Qt property's value is the one dispatch reads: numbers by their
+// 32 bits (colours are unsigned in Qt, Longs in dispatch; enumerations are
+// numbers), text by content, fonts by the font they stand for.
+bool SameThroughQt(const QVariant& qt, const Variant& dispatch) {
+    const QVariant expected = ControlWidget::FromVariant(dispatch);
+    if (qt.metaType().id() == QMetaType::QFont) return FromQFont(qt.value<QFont>()) == FromQFont(expected.value<QFont>());
+    if (qt.metaType().id() == QMetaType::QPixmap) return qt.value<QPixmap>().isNull() == expected.isNull();
+    if (qt.metaType().id() == QMetaType::QString) return qt.toString() == expected.toString();
+    if (qt.metaType().id() == QMetaType::Double || qt.metaType().id() == QMetaType::Bool) return qt == expected;
+    return static_cast<quint32>(qt.toLongLong()) == static_cast<quint32>(expected.toLongLong());
+}
+
+TEST(ProgressBoxWidgetTest, EveryTypeLibraryPropertyIsAQtPropertyOfTheSameName) {
+    ProgressBoxWidget w;
+    const QMetaObject* meta = w.metaObject();
+    int count = 0;
+    for (const library::MemberInfo& m : library::ClassOf(*w.control()).members) {
+        if (m.kind != library::MemberKind::Property) continue;
+        const int index = meta->indexOfProperty(std::string(m.name).c_str());
+        ASSERT_GE(index, 0) << m.name;
+        EXPECT_EQ(meta->property(index).isWritable(), (m.access & (library::kLet | library::kSet)) != 0) << m.name;
+        ++count;
+    }
+    EXPECT_EQ(count, 21);
+}
+
+TEST(ProgressBoxWidgetTest, WritesThroughSetPropertyAndThroughDispatchAgree) {
+    ProgressBoxWidget viaQt;
+    ProgressBoxWidget viaDispatch;
+    QSignalSpy qtNotified(&viaQt, &ControlWidget::propertyChanged);
+    QSignalSpy dispatchNotified(&viaDispatch, &ControlWidget::propertyChanged);
+    QFont font(QStringLiteral("DejaVu Serif"));
+    font.setPointSizeF(11);
+    font.setBold(true);
+
+    struct Write {
+        const char* name;
+        QVariant qt;
+        Variant dispatch;
+        bool object = false;
+    };
+    const Write writes[] = {
+        {"MaxValue", 250.0, Variant(250.0)},
+        {"MinValue", 50.0, Variant(50.0)},
+        {"Value", 40, Variant(Long(40))},  // clamped up to the minimum
+        {"Value", 125.5, Variant(125.5)},
+        {"Percentual", 80.0, Variant(80.0)},
+        {"MinValue", 300.0, Variant(300.0)},  // not below the maximum: dropped
+        {"StartColor", 0x00FF8000u, Variant(static_cast<Long>(0x00FF8000))},
+        {"FinishColor", 0x80000012u, Variant(static_cast<Long>(0x80000012))},
+        {"PivotColor", 0x00030201u, Variant(static_cast<Long>(RGB(1, 2, 3)))},
+        {"BackColor", 0x00EEEEEEu, Variant(static_cast<Long>(0x00EEEEEE))},
+        {"ForeColor", 0x00101010u, Variant(static_cast<Long>(0x00101010))},
+        {"Text", QStringLiteral("Caf\u00e9"), Variant("Caf\xC3\xA9")},
+        {"ShowPercentual", false, Variant(false)},
+        {"Alignment", 2, Variant(Long(2))},
+        {"GradientStyle", 1, Variant(Long(1))},
+        {"BorderStyle", 1, Variant(Long(1))},
+        {"Appearance", 0, Variant(Long(0))},
+        {"MousePointer", 11, Variant(Integer(11))},
+        {"TimerChangedInterval", 100, Variant(Long(100))},
+        {"Font", font, Variant(std::shared_ptr<Object>(std::make_shared<Font>(FromQFont(font)))), true},
+        {"Enabled", false, Variant(false)},
+    };
+    for (const Write& w : writes) {
+        EXPECT_TRUE(viaQt.setProperty(w.name, w.qt)) << w.name;
+        const auto* member = library::ClassOf(*viaDispatch.control()).FindMember(w.name);
+        ASSERT_NE(member, nullptr) << w.name;
+        if (w.object) library::Set(*viaDispatch.control(), member->dispid, w.dispatch);
+        else library::Let(*viaDispatch.control(), member->dispid, w.dispatch);
+        EXPECT_EQ(viaQt.lastErrorNumber(), 0) << w.name << ": " << viaQt.lastErrorText().toStdString();
+    }
+    const auto a = DispatchState(*viaQt.control());
+    const auto b = DispatchState(*viaDispatch.control());
+    ASSERT_EQ(a.size(), b.size());
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        EXPECT_TRUE(host::SameValue(a[i].second, b[i].second)) << a[i].first;
+        EXPECT_TRUE(SameThroughQt(viaQt.property(a[i].first.c_str()), b[i].second)) << a[i].first;
+    }
+    EXPECT_EQ(Names(qtNotified), Names(dispatchNotified));
+    EXPECT_EQ(viaQt.property("Value").toDouble(), 210.0);  // 80 % of 50..250
+    EXPECT_EQ(viaQt.property("StartColor").toUInt(), 0x00FF8000u);
+    EXPECT_EQ(viaQt.property("FinishColor").toUInt(), 0x80000012u);  // kept as a system colour
+    EXPECT_EQ(viaQt.property("Alignment").toInt(), ProgressBoxWidget::RightJustify);
+    EXPECT_EQ(viaQt.property("Font").value<QFont>().family(), QStringLiteral("DejaVu Serif"));
+    EXPECT_FALSE(viaQt.isEnabled());  // the widget follows the control's Enabled
+}
+
+TEST(ProgressBoxWidgetTest, AWriteNotifiesInTheControlsOrder) {
+    ProgressBoxWidget w;
+    QSignalSpy notified(&w, &ControlWidget::propertyChanged);
+    w.setProperty("Value", 150);
+    EXPECT_EQ(Names(notified), (QStringList{"Value", "Percentual"}));
+    EXPECT_EQ(w.Value(), 100);
+    notified.clear();
+    w.SetValue(40);
+    w.SetMinValue(60);
+    EXPECT_EQ(Names(notified), (QStringList{"Value", "Percentual", "Value", "MinValue", "Percentual"}));
+    notified.clear();
+    w.SetPercentual(50);
+    EXPECT_EQ(Names(notified), (QStringList{"Percentual", "Value"}));
+    EXPECT_EQ(w.caption(), QStringLiteral(" 50%"));
+}
+
+TEST(ProgressBoxWidgetTest, BadWritesAreReportedAndNeverThrown) {
+    ProgressBoxWidget w;
+    QSignalSpy errors(&w, &ControlWidget::hostError);
+    EXPECT_FALSE(w.setProperty("NoSuchMember", 1));  // not a Qt property at all
+    EXPECT_FALSE(w.letMember(QStringLiteral("NoSuchMember"), 1));
+    EXPECT_EQ(w.lastErrorNumber(), 438);
+    EXPECT_FALSE(w.letMember(QStringLiteral("Value"), QStringLiteral("plenty")));
+    EXPECT_EQ(w.lastErrorNumber(), 13);
+    EXPECT_FALSE(w.letMember(QStringLiteral("TimerChangedInterval"), -5));
+    EXPECT_EQ(w.lastErrorNumber(), 380);
+    EXPECT_FALSE(w.letMember(QStringLiteral("hWnd"), 1));  // read-only
+    ASSERT_EQ(errors.size(), 4);
+    EXPECT_EQ(errors.at(1).at(0).toInt(), 13);
+    EXPECT_EQ(errors.at(1).at(2).toString(), QStringLiteral("Let"));
+    EXPECT_TRUE(w.letMember(QStringLiteral("value"), 30));  // names bind case-insensitively
+    EXPECT_EQ(w.Value(), 30);
+}
+
+TEST(ProgressBoxWidgetTest, InputRaisesEventsInTheHostsOrderInClientCoordinates) {
+    ProgressBoxWidget w;
+    w.resize(120, 24);
+    w.SetBorderStyle(ProgressBoxWidget::FixedSingle);
+    w.SetAppearance(ProgressBoxWidget::ThreeD);  // a two-pixel frame
+    w.show();
+    QSignalSpy events(&w, &ControlWidget::eventRaised);
+    QSignalSpy mouseDown(&w, &ProgressBoxWidget::MouseDown);
+
+    QTest::mouseClick(&w, Qt::LeftButton, Qt::ShiftModifier, QPoint(10, 5));
+    EXPECT_EQ(Names(events, 1), (QStringList{"MouseDown", "MouseUp", "Click"}));
+    ASSERT_EQ(mouseDown.size(), 1);
+    EXPECT_EQ(mouseDown.at(0).at(0).toInt(), 1);  // left
+    EXPECT_EQ(mouseDown.at(0).at(1).toInt(), 1);  // Shift
+    EXPECT_FLOAT_EQ(mouseDown.at(0).at(2).toFloat(), 8.0f);
+    EXPECT_FLOAT_EQ(mouseDown.at(0).at(3).toFloat(), 3.0f);
+    EXPECT_EQ(events.at(0).at(0).toInt(), ProgressBox::kMouseDown);
+
+    events.clear();
+    QTest::mouseClick(&w, Qt::RightButton, Qt::NoModifier, QPoint(30, 10), 600);
+    EXPECT_EQ(Names(events, 1), (QStringList{"MouseDown", "MouseUp"}));  // no Click for the right button
+    EXPECT_EQ(events.at(0).at(2).toList().at(0).toInt(), 2);
+
+    // A double click as Qt delivers it: press, release, press, double
+    // click, release; the host raises DblClick in place of the second MouseDown.
+    events.clear();
+    SendMouse(w, QEvent::MouseButtonPress, QPoint(20, 8), 100000);
+    SendMouse(w, QEvent::MouseButtonRelease, QPoint(20, 8), 100020);
+    SendMouse(w, QEvent::MouseButtonPress, QPoint(21, 8), 100150);
+    SendMouse(w, QEvent::MouseButtonDblClick, QPoint(21, 8), 100150);
+    SendMouse(w, QEvent::MouseButtonRelease, QPoint(21, 8), 100170);
+    EXPECT_EQ(Names(events, 1), (QStringList{"MouseDown", "MouseUp", "Click", "DblClick", "MouseUp"}));
+    // Two clicks further apart in time are two clicks.
+    events.clear();
+    SendMouse(w, QEvent::MouseButtonPress, QPoint(20, 8), 200000);
+    SendMouse(w, QEvent::MouseButtonRelease, QPoint(20, 8), 200020);
+    SendMouse(w, QEvent::MouseButtonPress, QPoint(20, 8), 203000);
+    SendMouse(w, QEvent::MouseButtonRelease, QPoint(20, 8), 203020);
+    EXPECT_EQ(Names(events, 1), (QStringList{"MouseDown", "MouseUp", "Click", "MouseDown", "MouseUp", "Click"}));
+
+    events.clear();
+    QTest::mouseMove(&w, QPoint(50, 12));
+    ASSERT_FALSE(events.isEmpty());
+    EXPECT_EQ(events.last().at(1).toString(), QStringLiteral("MouseMove"));
+    EXPECT_FLOAT_EQ(events.last().at(2).toList().at(2).toFloat(), 48.0f);
+
+    // A modified key comes with the modifier's own down and up, as the host's do.
+    events.clear();
+    QTest::keyClick(&w, 'A', Qt::ShiftModifier);
+    QTest::keyClick(&w, Qt::Key_5, Qt::KeypadModifier);
+    QTest::keyClick(&w, Qt::Key_Left, Qt::ControlModifier);
+    QStringList seen;
+    for (const QList<QVariant>& e : events) {
+        QStringList args;
+        for (const QVariant& a : e.at(2).toList()) args << a.toString();
+        seen << e.at(1).toString() + "(" + args.join(", ") + ")";
+    }
+    EXPECT_EQ(seen, (QStringList{"KeyDown(16, 1)", "KeyDown(65, 1)", "KeyPress(65)", "KeyUp(65, 1)", "KeyUp(16, 0)",
+                                 "KeyDown(101, 0)", "KeyPress(53)", "KeyUp(101, 0)",
+                                 "KeyDown(17, 2)", "KeyDown(37, 2)", "KeyUp(37, 2)", "KeyUp(17, 0)"}));
+
+    // A disabled control takes no input.
+    events.clear();
+    w.SetEnabled(false);
+    QTest::mouseClick(&w, Qt::LeftButton, Qt::NoModifier, QPoint(10, 5), 600);
+    EXPECT_TRUE(events.isEmpty());
+}
+
+TEST(ProgressBoxWidgetTest, ARealTimerReportsElapsedAndEstimatedTime) {
+    ProgressBoxWidget w;
+    QSignalSpy ticks(&w, &ProgressBoxWidget::TimerChange);
+    w.SetTimerChangedInterval(20);
+    w.SetValue(0);  // the run starts
+    ASSERT_TRUE(ticks.wait(2000));
+    EXPECT_GE(ticks.at(0).at(0).toInt(), 0);
+    EXPECT_LT(ticks.at(0).at(0).toInt(), 2000);
+    EXPECT_EQ(ticks.at(0).at(1).toInt(), -1);  // no estimate at 0 %
+
+    w.SetValue(25);
+    ticks.clear();
+    ASSERT_TRUE(ticks.wait(2000));
+    const int elapsed = ticks.at(0).at(0).toInt();
+    EXPECT_EQ(ticks.at(0).at(1).toInt(), elapsed * 4);  // the whole run at 25 %
+
+    w.SetValue(100);  // the end of the run stops the reports
+    QApplication::processEvents();
+    ticks.clear();
+    EXPECT_FALSE(ticks.wait(150));
+}
+
+TEST(ProgressBoxWidgetTest, ThePaintedWidgetShowsTheGradientColumns) {
+    ProgressBoxWidget w;
+    w.resize(101, 12);
+    w.SetBackColor(RGB(1, 1, 1));
+    w.SetStartColor(RGB(0, 0, 0));
+    w.SetFinishColor(RGB(202, 0, 100));
+    w.SetShowPercentual(false);
+    w.SetValue(50);
+    QImage shown = w.grab().toImage();
+    ASSERT_EQ(shown.size(), QSize(101, 12));
+    // 101 columns: the gradient is laid over 102, and half of it is shown.
+    EXPECT_EQ(Shown(shown, 0, 6), RGB(0, 0, 0));
+    EXPECT_EQ(Shown(shown, 10, 0), RGB(20, 0, 10));
+    EXPECT_EQ(Shown(shown, 49, 11), RGB(98, 0, 49));
+    EXPECT_EQ(Shown(shown, 50, 6), RGB(1, 1, 1));
+    EXPECT_EQ(Shown(shown, 100, 6), RGB(1, 1, 1));
+
+    w.SetPivotColor(RGB(0, 255, 0));
+    w.SetGradientStyle(ProgressBoxWidget::Gaussian);
+    w.SetValue(0);  // the pivot at column 0, then towards the finish colour
+    shown = w.grab().toImage();
+    EXPECT_EQ(Shown(shown, 0, 6), RGB(0, 255, 0));
+    EXPECT_EQ(Shown(shown, 100, 6), RGB(200, 3, 99));
+
+    // With a frame the gradient starts inside it.
+    w.SetGradientStyle(ProgressBoxWidget::Linear);
+    w.SetValue(100);
+    w.SetBorderStyle(ProgressBoxWidget::FixedSingle);
+    w.SetAppearance(ProgressBoxWidget::ThreeD);
+    shown = w.grab().toImage();
+    EXPECT_EQ(Shown(shown, 0, 0), TranslateSysColor(SystemColor(COLOR_BTNSHADOW)));
+    EXPECT_EQ(Shown(shown, 2, 6), RGB(0, 0, 0));
+    EXPECT_EQ(Shown(shown, 12, 6), RGB(21, 0, 10));  // 97 columns now: steps of 202 / 97
+}
+
+TEST(ProgressBoxWidgetTest, TheCaptionIsDrawnInTheForeColourWithARealFont) {
+    ProgressBoxWidget w;
+    w.resize(200, 24);
+    w.SetBackColor(RGB(255, 255, 255));
+    w.SetForeColor(RGB(200, 0, 0));
+    w.SetValue(0);
+    const QImage empty = w.grab().toImage();
+    w.SetText(QStringLiteral("Copying"));
+    const QImage shown = w.grab().toImage();
+    int reddish = 0, left = 200, right = -1;
+    for (int y = 0; y < 24; ++y)
+        for (int x = 0; x < 200; ++x)
+            if (shown.pixel(x, y) != empty.pixel(x, y)) {
+                ++reddish;
+                left = std::min(left, x);
+                right = std::max(right, x);
+                EXPECT_GE(qRed(shown.pixel(x, y)), qGreen(shown.pixel(x, y)));
+            }
+    EXPECT_GT(reddish, 40);
+    EXPECT_NEAR((left + right) / 2.0, 99.5, 4);  // centred by default
+}
+
+TEST(ProgressBoxWidgetTest, ADivisionByZeroInARepaintIsReportedAndTheBarGoesOn) {
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("flat.json"));
+    // A stored range of 50..50: loading trusts it, and the repaint divides by zero.
+    host::Form form;
+    host::FormControl entry;
+    entry.className = "ProgressBox";
+    entry.name = "bar";
+    entry.width = 120;
+    entry.height = 20;
+    entry.properties.Set("MinValue", Variant(50.0));
+    entry.properties.Set("MaxValue", Variant(50.0));
+    form.controls.push_back(entry);
+    host::SaveFormFile(path.toStdString(), form);
+
+    QWidget parent;
+    const LoadedForm loaded = LoadForm(path, &parent);
+    ASSERT_EQ(loaded.widgets.size(), 1);
+    EXPECT_TRUE(loaded.error.contains(QStringLiteral("error 11"))) << loaded.error.toStdString();
+    auto* bar = qobject_cast<ProgressBoxWidget*>(loaded.widgets.first());
+    ASSERT_NE(bar, nullptr);
+    EXPECT_EQ(bar->MinValue(), 50);
+    QSignalSpy errors(bar, &ControlWidget::hostError);
+    bar->SetValue(50);  // still 50..50: reported again, not thrown
+    ASSERT_EQ(errors.size(), 1);
+    EXPECT_EQ(errors.at(0).at(0).toInt(), 11);
+    bar->SetMaxValue(150);
+    bar->SetValue(100);
+    EXPECT_EQ(errors.size(), 1);
+    EXPECT_EQ(bar->Percentual(), 50);
+}
+
+TEST(ProgressBoxWidgetTest, FormsKeepClassNameGeometryAndPropertiesAndRefuseBadFiles) {
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("form.json"));
+    QWidget parent;
+    auto* a = new ProgressBoxWidget(&parent);
+    a->setObjectName(QStringLiteral("first"));
+    a->setGeometry(10, 20, 240, 30);
+    a->SetMaxValue(500);
+    a->SetValue(125);
+    a->SetText(QStringLiteral("Loading"));
+    a->SetGradientStyle(ProgressBoxWidget::GaussianSquared);
+    a->SetStartColor(RGB(1, 2, 3));
+    auto* b = new ProgressBoxWidget(&parent);
+    b->setObjectName(QStringLiteral("second"));
+    b->setGeometry(10, 60, 100, 20);
+    ASSERT_TRUE(SaveForm(path, {a, b}).isEmpty());
+
+    QWidget other;
+    const LoadedForm loaded = LoadForm(path, &other);
+    ASSERT_TRUE(loaded.error.isEmpty()) << loaded.error.toStdString();
+    ASSERT_EQ(loaded.widgets.size(), 2);
+    auto* c = qobject_cast<ProgressBoxWidget*>(loaded.widgets[0]);
+    ASSERT_NE(c, nullptr);
+    EXPECT_EQ(c->objectName(), QStringLiteral("first"));
+    EXPECT_EQ(c->geometry(), QRect(10, 20, 240, 30));
+    EXPECT_EQ(c->parentWidget(), &other);
+    const auto before = DispatchState(*a->control());
+    const auto after = DispatchState(*c->control());
+    for (std::size_t i = 0; i < before.size(); ++i)
+        EXPECT_TRUE(host::SameValue(before[i].second, after[i].second)) << before[i].first;
+    EXPECT_EQ(loaded.widgets[1]->geometry(), QRect(10, 60, 100, 20));
+
+    // A file cut short loads nothing.
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+    const QByteArray text = file.readAll();
+    file.resize(text.size() / 2);
+    file.close();
+    QWidget third;
+    const LoadedForm bad = LoadForm(path, &third);
+    EXPECT_FALSE(bad.error.isEmpty());
+    EXPECT_TRUE(bad.widgets.isEmpty());
+    EXPECT_TRUE(third.findChildren<ControlWidget*>().isEmpty());
+    EXPECT_FALSE(LoadForm(dir.filePath(QStringLiteral("missing.json")), &third).error.isEmpty());
+    EXPECT_FALSE(SaveForm(dir.filePath(QStringLiteral("no/such/dir/form.json")), {a}).isEmpty());
+
+    EXPECT_EQ(CreateControlWidget(QStringLiteral("NoSuchControl")), nullptr);
+    std::unique_ptr<ControlWidget> generic(CreateControlWidget(QStringLiteral("Kelvarin.ProgressBox")));
+    ASSERT_NE(generic, nullptr);
+    EXPECT_EQ(generic->className(), QStringLiteral("ProgressBox"));
+}
+
+// A popup that closes on Escape and counts what reached it.
+class TestPopup : public host::Popup {
+public:
+    host::Size ClientSize() override { return {80, 40}; }
+    void Paint(host::Surface& surface) override { surface.FillRect({0, 0, 80, 40}, RGB(0, 128, 0)); }
+    void KeyDown(Integer& keyCode, Integer) override {
+        keys.push_back(keyCode);
+        if (keyCode == 27) open = false;
+    }
+    void KeyPress(Integer&) override {}
+    void KeyUp(Integer&, Integer) override {}
+    void MouseDown(Integer, Integer, Single, Single) override {}
+    void MouseMove(Integer, Integer, Single, Single) override {}
+    void MouseUp(Integer, Integer, Single, Single) override {}
+    void Deactivated() override {
+        ++deactivated;
+        open = false;
+    }
+    bool IsOpen() const override { return open; }
+
+    std::vector<int> keys;
+    int deactivated = 0;
+    bool open = true;
+};
+
+TEST(ProgressBoxWidgetTest, APopupRunsModallyUntilItClosesOrLosesActivation) {
+    ProgressBoxWidget w;
+    w.show();
+    TestPopup popup;
+    QTimer::singleShot(0, [] {
+        QWidget* window = QApplication::activePopupWidget();
+        ASSERT_NE(window, nullptr);
+        QTest::keyClick(window, Qt::Key_Down);
+        QTest::keyClick(window, Qt::Key_Escape);
+    });
+    w.ShowModal(popup, {5, 5});
+    EXPECT_EQ(popup.keys, (std::vector<int>{40, 27}));
+    EXPECT_FALSE(popup.IsOpen());
+    EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
+
+    TestPopup second;
+    QTimer::singleShot(0, [] {
+        if (QWidget* window = QApplication::activePopupWidget()) window->hide();  // as a click elsewhere does
+    });
+    w.ShowModal(second, {5, 5});
+    EXPECT_EQ(second.deactivated, 1);
+}
+
+}  // namespace
+}  // namespace kelvarin::qt
