@@ -11,6 +11,7 @@
 #include "common/Text.h"
 #include "common/Picture.h"
 #include "host/FormFile.h"
+#include "host/Keys.h"
 #include "library/ClassFactory.h"
 #include "library/Dispatch.h"
 
@@ -197,6 +198,12 @@ void ScriptHost::SendKey(std::string_view action, int code, int shift) {
         if (action == "down") popup->KeyDown(key, mask);
         else if (action == "up") popup->KeyUp(key, mask);
         else popup->KeyPress(key);
+        return;
+    }
+    if (code == host::kKeyTab) {
+        // The form takes Tab for itself: it moves the focus and no control sees the key.
+        if (action == "down" && !host_.FocusNext((mask & host::kShiftMask) == 0))
+            out_ << "focus refused\n";
         return;
     }
     Placed* focused = host_.Focused();

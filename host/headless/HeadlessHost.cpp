@@ -223,4 +223,18 @@ bool HeadlessHost::SetFocus(Placed* target) {
     return true;
 }
 
+bool HeadlessHost::FocusNext(bool forward) {
+    const auto count = static_cast<std::ptrdiff_t>(placed_.size());
+    if (count == 0) return true;
+    std::ptrdiff_t at = forward ? -1 : count;  // with no focus, from the first or the last
+    for (std::ptrdiff_t i = 0; i < count; ++i)
+        if (placed_[static_cast<std::size_t>(i)].get() == focused_) at = i;
+    for (std::ptrdiff_t step = 1; step <= count; ++step) {
+        const std::ptrdiff_t i = ((at + (forward ? step : -step)) % count + count) % count;
+        Placed* next = placed_[static_cast<std::size_t>(i)].get();
+        if (next->Get().SurfaceState().enabled) return SetFocus(next);
+    }
+    return true;
+}
+
 }  // namespace kelvarin::host::headless

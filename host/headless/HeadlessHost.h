@@ -131,6 +131,10 @@ public:
     // Moves the focus; false when the focused control keeps it or the
     // target is disabled.
     bool SetFocus(Placed* target);
+    // Tab and Shift+Tab: moves the focus to the next enabled control in
+    // creation order (or the previous one), wrapping round; false when the
+    // focused control keeps it.
+    bool FocusNext(bool forward);
 
     // ---- Records for the script (off: nothing is kept, as a benchmark wants)
     bool recording = true;
