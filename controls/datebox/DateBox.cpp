@@ -10,6 +10,7 @@
 #include "controls/calendar/CalendarHook.h"
 #include "controls/calendar/frmMese.h"
 #include "controls/datebox/ChangeFlags.h"
+#include "host/Keys.h"
 
 namespace kelvarin::controls {
 
@@ -788,21 +789,254 @@ void DateBox::MouseUp(Integer button, Integer shift, Single x, Single y) {
     RaiseMouse(kMouseUp, "MouseUp", button, shift, x, y);
 }
 
+// ---- Keyboard -------------------------------------------------------------------------
+//
+// The boxes never take a character themselves: every key is interpreted
+// here, on the focused box, in an overwrite style with a one-character
+// cursor (a selection of length 1), and then handed to the container and
+// swallowed. While a key is being worked the control is not ready, so a
+// key that arrives meanwhile is dropped.
+
 void DateBox::KeyDown(Integer& keyCode, Integer shift) {
     focusJustArrived_ = false;
-    Variant args[] = {Variant(keyCode), Variant(shift)};
+    if (Locked() || !ready_) return;
+    const Integer received = keyCode;
+    {
+        NotReady working(ready_);
+        keyUnderscore_ = UnderscoreWidth();
+        if (const int box = ActiveBox()) HandleKey(box, received, shift);
+    }
+    Redraw();
+    // The container sees the key after its effect, focus moves included.
+    Variant args[] = {Variant(received), Variant(shift)};
     RaiseEvent(kKeyDown, "KeyDown", args);
+    keyCode = 0;
 }
 
+// The container sees every character, and no box ever gets one.
 void DateBox::KeyPress(Integer& keyAscii) {
     focusJustArrived_ = false;
     Variant args[] = {Variant(keyAscii)};
     RaiseEvent(kKeyPress, "KeyPress", args);
+    keyAscii = 0;
 }
 
 void DateBox::KeyUp(Integer& keyCode, Integer shift) {
     Variant args[] = {Variant(keyCode), Variant(shift)};
     RaiseEvent(kKeyUp, "KeyUp", args);
+}
+
+// Only the first matching row acts; keys without a row do nothing here.
+void DateBox::HandleKey(int box, Integer keyCode, Integer shift) {
+    using namespace host;
+    switch (keyCode) {
+    case kKeyReturn:
+        MoveToBox(box, shift == 0);  // with any modifier, back to the previous field
+        return;
+    case kKeyRight:
+        MoveToBox(box, true);  // never within the box, unlike Left
+        return;
+    case kKeyLeft:
+        KeyLeft(box);
+        return;
+    case kKeyDelete:
+        KeyDelete(box);
+        return;
+    case kKeyBack:
+        KeyBackspace(box);
+        return;
+    case kKeyUp:
+    case kKeyDown:
+    case kKeyPageUp:
+    case kKeyPageDown:
+        if (shift == 0) Step(box, keyCode);
+        else if (keyCode == kKeyDown) OpenCalendar(kLeftButton, kShiftMask, 1, 1);
+        return;
+    case kKeyF5:
+        Today(box);
+        return;
+    case kKeyF4:
+        OpenCalendar(kLeftButton, kShiftMask, 1, 1);
+        return;
+    default:
+        break;
+    }
+    if (keyCode >= kKey0 && keyCode <= kKey0 + 9) KeyDigit(box, static_cast<char>('0' + keyCode - kKey0));
+    else if (keyCode >= kKeyNumpad0 && keyCode <= kKeyNumpad0 + 9)
+        KeyDigit(box, static_cast<char>('0' + keyCode - kKeyNumpad0));
+}
+
+int DateBox::MoveToBox(int box, bool forward) {
+    const int count = txtData_.Count();
+    if (!txtData_.Exists(box)) return box;
+    if (!CommitBox(box)) {
+        SelectBox(box);
+        return box;
+    }
+    // Cyclic over every field box, display-only ones included.
+    const int next = forward ? (box >= count ? 1 : box + 1) : (box <= 1 ? count : box - 1);
+    activeBox_ = next;
+    // The box that gets the focus selects its whole text. A box that moves
+    // to itself (a pattern of one field) does the same, so the cursor never
+    // stays past its last character.
+    SelectBox(next);
+    return next;
+}
+
+void DateBox::SelectCharacter(int box, int position) {
+    if (!txtData_.Exists(box)) return;
+    TextBoxElement& b = txtData_(box);
+    const int length = b.Length();
+    b.selStart = std::clamp(position, 0, length);
+    b.selLength = std::min(1, length - b.selStart);
+}
+
+void DateBox::OverwriteAt(int box, int position, char c) {
+    if (!txtData_.Exists(box)) return;
+    TextBoxElement& b = txtData_(box);
+    if (position < 0 || position >= b.Length()) return;
+    const std::size_t from = ByteOffset(b.text, position), to = ByteOffset(b.text, position + 1);
+    b.SetText(b.text.substr(0, from) + c + b.text.substr(to));
+}
+
+void DateBox::KeyLeft(int box) {
+    const FormatToken* t = TokenOfBox(box);
+    if (!t) return;
+    if (!t->editable) {
+        MoveToBox(box, false);
+        return;
+    }
+    const TextBoxElement& b = txtData_(box);
+    if (b.selLength == b.Length()) {
+        SelectCharacter(box, b.Length() - 1);
+        return;
+    }
+    if (b.selStart != 0) {
+        SelectCharacter(box, b.selStart - 1);
+        return;
+    }
+    const int moved = MoveToBox(box, false);
+    if (moved == box) return;
+    const FormatToken* previous = TokenOfBox(moved);
+    if (previous && previous->editable) SelectCharacter(moved, txtData_(moved).Length() - 1);
+    else SelectBox(moved);
+}
+
+// A cursor in a typed field blanks one character; a whole field, or one
+// that only shows a name, is emptied.
+void DateBox::KeyDelete(int box) {
+    const FormatToken* t = TokenOfBox(box);
+    if (!t) return;
+    const Long part = t->part;
+    const int position = txtData_(box).selStart;
+    if (txtData_(box).selLength != t->digits && t->editable) {
+        OverwriteAt(box, position, '_');
+        SetPart(part, LeadingNumber(txtData_(box).text), box);
+        SelectCharacter(box, position);
+        return;
+    }
+    SetPart(part, kBlank, box);
+    SelectBox(box);
+    BlankBox(box, keyUnderscore_);
+}
+
+// Blanks the character under the cursor (not the one before it) and walks
+// back; a whole field is emptied and left for the previous one.
+void DateBox::KeyBackspace(int box) {
+    const FormatToken* t = TokenOfBox(box);
+    if (!t) return;
+    const Long part = t->part;
+    const TextBoxElement& b = txtData_(box);
+    if (b.selLength == b.Length() || !t->editable) {
+        BlankBox(box, keyUnderscore_);
+        SetPart(part, kBlank, box);
+        MoveToBox(box, false);
+        return;
+    }
+    const int position = b.selStart;
+    OverwriteAt(box, position, '_');
+    if (position != 0) {
+        SetPart(part, LeadingNumber(txtData_(box).text), box);
+        SelectCharacter(box, position - 1);
+        return;
+    }
+    const int moved = MoveToBox(box, false);
+    if (moved == box) return;
+    // The field left behind has been completed by its commit; store what it shows.
+    SetPart(part, LeadingNumber(txtData_(box).text), box);
+    SelectCharacter(moved, txtData_(moved).Length() - 1);
+}
+
+// Overwrites the character under the cursor; the last one typed moves on
+// to the next field. Ranges are not checked here but when the field is left.
+void DateBox::KeyDigit(int box, char digit) {
+    const FormatToken* t = TokenOfBox(box);
+    if (!t || !t->editable) return;
+    const Long part = t->part;
+    if (txtData_(box).selLength == txtData_(box).Length()) {
+        txtData_(box).SetText(std::string(static_cast<std::size_t>(txtData_(box).Length()), '_'));
+        SelectCharacter(box, 0);
+    }
+    const int position = txtData_(box).selStart;
+    OverwriteAt(box, position, digit);
+    SetPart(part, LeadingNumber(txtData_(box).text), box);
+    SelectCharacter(box, position + 1);
+    if (txtData_(box).selStart == txtData_(box).Length()) MoveToBox(box, true);
+}
+
+// Steps the box's part by whole intervals with the calendar's addition; a
+// step that would leave MinDate..MaxDate does nothing, and blank fields
+// other than this one stay blank.
+void DateBox::Step(int box, Integer keyCode) {
+    const FormatToken* t = TokenOfBox(box);
+    if (!t || t->part < 0) return;
+    const Long part = t->part;
+    Long step = 0;
+    switch (keyCode) {
+    case host::kKeyUp: step = smallChange_; break;
+    case host::kKeyDown: step = CheckedSub(0, smallChange_); break;
+    case host::kKeyPageUp: step = largeChange_; break;
+    default: step = CheckedSub(0, largeChange_); break;
+    }
+    step = CheckedMul(step, t->stepMultiplier);
+    PartValues snapshot;
+    SnapshotParts(parts_, snapshot);
+    Date stepped = 0;
+    try {
+        stepped = DateAdd(partRange_[part].interval, step, WorkingValue());
+    } catch (const HostError&) {
+        return;  // past the calendar's last or first day: beyond the limits too
+    }
+    if (stepped < minDate_ || stepped > maxDate_) return;
+    ValueToParts(stepped, parts_);
+    for (int i = kYear; i <= kSecond; ++i) {
+        if (snapshot[i] == kBlank && i != part) parts_[i] = kBlank;
+        else SetPart(i, parts_[i], -1);
+    }
+    if (parts_ != snapshot) RaiseChange();
+    SelectBox(box);
+}
+
+// Today's date in every part (the time of day becomes midnight); the cursor
+// stays where it was.
+void DateBox::Today(int box) {
+    if (!HasSite()) return;
+    const Date today = DatePortion(Site().Now());
+    if (today < minDate_ || today > maxDate_) return;
+    const int position = txtData_(box).selStart;
+    PartValues snapshot;
+    SnapshotParts(parts_, snapshot);
+    ValueToParts(today, parts_);
+    for (int i = kYear; i <= kSecond; ++i) SetPart(i, parts_[i], -1);
+    SelectCharacter(box, position);
+    // Change only when a part the pattern shows moved.
+    for (const FormatToken& token : tokens_) {
+        if (token.isLiteral || token.part < 0) continue;
+        if (snapshot[token.part] != parts_[token.part]) {
+            RaiseChange();
+            return;
+        }
+    }
 }
 
 // ---- Calendar -------------------------------------------------------------------------

@@ -165,6 +165,10 @@ public:
     // Moves the focus to another box; the box being left is committed first
     // and a refusal keeps the focus there.
     bool FocusBox(int box);
+    // Commits the box and moves to the next field box (forward) or the
+    // previous one, cyclically over all of them; returns the box that has
+    // the focus afterwards, which is `box` itself when the commit refused.
+    int MoveToBox(int box, bool forward);
 
     // ---- Host
     void InitProperties() override;
@@ -196,6 +200,18 @@ private:
     Hit HitTest(Single x, Single y) const;
     int CaretAt(const TextBoxElement& box, Single x) const;
     void RaiseChange();
+    // ---- Keyboard: the key table's rows, on the focused box
+    void HandleKey(int box, Integer keyCode, Integer shift);
+    void KeyLeft(int box);
+    void KeyDelete(int box);
+    void KeyBackspace(int box);
+    void KeyDigit(int box, char digit);
+    void Step(int box, Integer keyCode);
+    void Today(int box);
+    // Puts `c` in place of the character at `position` of a box's text.
+    void OverwriteAt(int box, int position, char c);
+    // The one-character cursor on the character at `position`.
+    void SelectCharacter(int box, int position);
     // lblValueChanged's change handler: takes over the date in its caption.
     void TakeCalendarDate();
     void RaiseMouse(int number, const char* name, Integer button, Integer shift, Single x, Single y);
@@ -239,6 +255,7 @@ private:
     bool focusJustArrived_ = false;
     Hit captured_;       // the element that took the mouse press
     int selAnchor_ = 0;  // where a drag selection started
+    int keyUnderscore_ = 0;  // width of "_", measured once for each key
 };
 
 }  // namespace kelvarin::controls
