@@ -2,15 +2,22 @@
 # One entry point for set-up, build and run on Debian 12.
 #   tools/dev.sh test   install what is missing, build, run every test
 #                       (a normal build, then one under address and UB sanitizers)
-#   tools/dev.sh run    install what is missing, build, run the main program
-#                       (the script host on its sample script; more arguments go to it)
+#   tools/dev.sh run    install what is missing, build, start the main program,
+#                       the gallery (more arguments go to it); without a display
+#                       it runs offscreen and writes a screenshot instead
+#   tools/dev.sh run-host [SCRIPT]
+#                       install what is missing, build, run the script host
+#                       (on its sample script unless given one; more arguments go to it)
 #   tools/dev.sh build  install what is missing and build, nothing else
 # Re-running only rebuilds what changed.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 packages=(g++ cmake ninja-build pkg-config libgtest-dev libgmock-dev libbenchmark-dev
-          nlohmann-json3-dev)
+          nlohmann-json3-dev
+          # Qt 6 Widgets, Designer's plugin interface, and what the offscreen
+          # platform needs to draw text in tests and screenshots.
+          qt6-base-dev qt6-tools-dev libgl-dev fonts-dejavu-core)
 
 install_missing() {
     local missing=()
@@ -52,6 +59,19 @@ run)
     install_missing
     build build -DCMAKE_BUILD_TYPE=RelWithDebInfo
     shift
+    if [ -z "${DISPLAY:-}" ] && [ -z "${WAYLAND_DISPLAY:-}" ]; then
+        shot=build/kelvarin-gallery.png
+        echo "No display (DISPLAY and WAYLAND_DISPLAY are unset): running the gallery offscreen."
+        QT_QPA_PLATFORM=offscreen build/apps/gallery/kelvarin-gallery --screenshot "$shot" "$@"
+        echo "Open $PWD/$shot to see the window."
+        exit 0
+    fi
+    exec build/apps/gallery/kelvarin-gallery "$@"
+    ;;
+run-host)
+    install_missing
+    build build -DCMAKE_BUILD_TYPE=RelWithDebInfo
+    shift
     if [ $# -eq 0 ]; then set -- apps/host/samples/welcome.khs; fi
     exec build/apps/host/kelvarin-host "$@"
     ;;
@@ -60,7 +80,7 @@ build)
     build build -DCMAKE_BUILD_TYPE=RelWithDebInfo
     ;;
 *)
-    echo "usage: tools/dev.sh test|run [SCRIPT]|build" >&2
+    echo "usage: tools/dev.sh test|run [GALLERY OPTIONS]|run-host [SCRIPT]|build" >&2
     exit 2
     ;;
 esac
