@@ -828,42 +828,49 @@ void DateBox::KeyUp(Integer& keyCode, Integer shift) {
 
 // Only the first matching row acts; keys without a row do nothing here.
 void DateBox::HandleKey(int box, Integer keyCode, Integer shift) {
-    using namespace host;
     switch (keyCode) {
-    case kKeyReturn:
+    case host::kKeyReturn:
         MoveToBox(box, shift == 0);  // with any modifier, back to the previous field
         return;
-    case kKeyRight:
+    case host::kKeyRight:
         MoveToBox(box, true);  // never within the box, unlike Left
         return;
-    case kKeyLeft:
+    case host::kKeyLeft:
         KeyLeft(box);
         return;
-    case kKeyDelete:
+    case host::kKeyDelete:
         KeyDelete(box);
         return;
-    case kKeyBack:
+    case host::kKeyBack:
         KeyBackspace(box);
         return;
-    case kKeyUp:
-    case kKeyDown:
-    case kKeyPageUp:
-    case kKeyPageDown:
+    case host::kKeyUp:
+    case host::kKeyDown:
+    case host::kKeyPageUp:
+    case host::kKeyPageDown:
         if (shift == 0) Step(box, keyCode);
-        else if (keyCode == kKeyDown) OpenCalendar(kLeftButton, kShiftMask, 1, 1);
+        else if (keyCode == host::kKeyDown) KeyCalendar(box);
         return;
-    case kKeyF5:
+    case host::kKeyF5:
         Today(box);
         return;
-    case kKeyF4:
-        OpenCalendar(kLeftButton, kShiftMask, 1, 1);
+    case host::kKeyF4:
+        KeyCalendar(box);
         return;
     default:
         break;
     }
-    if (keyCode >= kKey0 && keyCode <= kKey0 + 9) KeyDigit(box, static_cast<char>('0' + keyCode - kKey0));
-    else if (keyCode >= kKeyNumpad0 && keyCode <= kKeyNumpad0 + 9)
-        KeyDigit(box, static_cast<char>('0' + keyCode - kKeyNumpad0));
+    if (keyCode >= host::kKey0 && keyCode <= host::kKey0 + 9)
+        KeyDigit(box, static_cast<char>('0' + keyCode - host::kKey0));
+    else if (keyCode >= host::kKeyNumpad0 && keyCode <= host::kKeyNumpad0 + 9)
+        KeyDigit(box, static_cast<char>('0' + keyCode - host::kKeyNumpad0));
+}
+
+// The calendar opens as from its button. When it closes the focus comes
+// back to the box, which selects its whole text as on any arrival.
+void DateBox::KeyCalendar(int box) {
+    OpenCalendar(host::kLeftButton, host::kShiftMask, 1, 1);
+    if (ActiveBox() == box) SelectBox(box);
 }
 
 int DateBox::MoveToBox(int box, bool forward) {

@@ -208,6 +208,7 @@ private:
     void KeyDigit(int box, char digit);
     void Step(int box, Integer keyCode);
     void Today(int box);
+    void KeyCalendar(int box);
     // Puts `c` in place of the character at `position` of a box's text.
     void OverwriteAt(int box, int position, char c);
     // The one-character cursor on the character at `position`.

@@ -4,6 +4,7 @@
 
 #include "common/HostError.h"
 #include "controls/datebox/ChangeFlags.h"
+#include "host/Keys.h"
 #include "host/headless/HeadlessHost.h"
 
 namespace kelvarin::controls {
@@ -596,6 +597,90 @@ TEST_F(DateBoxTest, DispatchReachesPropertiesAndTheLayoutMethods) {
     EXPECT_EQ(b.CallMethod(DateBox::kTextTop, {}), Variant(Long(1)));
     EXPECT_THROW(b.GetProperty(DateBox::kTextLeft), HostError);
     EXPECT_THROW(b.CallMethod(DateBox::kValue, {}), HostError);
+}
+
+
+// ---- Keyboard --------------------------------------------------------------------
+
+// Sends one key down and returns the code it leaves behind.
+Integer Down(DateBox& b, int code, int shift = 0) {
+    Integer key = static_cast<Integer>(code);
+    b.KeyDown(key, static_cast<Integer>(shift));
+    return key;
+}
+
+TEST_F(DateBoxTest, AKeyIsSwallowedOnceWorkedAndIgnoredWhileNotReadyOrLocked) {
+    DateBox& b = Make();
+    b.SetValue(Ymd(2007, 12, 25));
+    b.GotFocus();
+    Drain();
+    EXPECT_EQ(Down(b, host::kKeyUp), 0);
+    EXPECT_TRUE(b.Ready());
+    EXPECT_EQ(Events(), (Strings{"Change", "KeyDown"}));
+    Integer ascii = '7';
+    b.KeyPress(ascii);
+    EXPECT_EQ(ascii, 0);
+    EXPECT_EQ(Texts(b), (Strings{"26", "12", "2007"}));
+
+    // A key arriving while another is being worked is dropped whole.
+    b.SetReady(false);
+    EXPECT_EQ(Down(b, host::kKeyUp), host::kKeyUp);
+    b.SetReady(true);
+    b.SetLocked(true);
+    EXPECT_EQ(Down(b, host::kKeyDown), host::kKeyDown);
+    EXPECT_EQ(Texts(b), (Strings{"26", "12", "2007"}));
+    EXPECT_EQ(Events(), Strings{"KeyPress"});
+}
+
+TEST_F(DateBoxTest, AStepThatOverflowsIsTheHostsErrorAndOneBeyondTheCalendarDoesNothing) {
+    DateBox& b = Make("dd ww yyyy");
+    b.SetValue(Ymd(2007, 12, 25));
+    b.GotFocus();
+    b.SetSmallChange(400000000);
+    Down(b, host::kKeyRight);
+    try {
+        Down(b, host::kKeyUp);  // 7 x 400000000 leaves 32 bits
+        ADD_FAILURE() << "no overflow";
+    } catch (const HostError& e) {
+        EXPECT_EQ(e.Number(), 6);
+    }
+    EXPECT_TRUE(b.Ready());
+    b.SetLargeChange(2000000000);
+    Drain();
+    Down(b, host::kKeyRight);
+    Down(b, host::kKeyPageUp);  // two thousand million years on
+    EXPECT_EQ(Texts(b), (Strings{"25", "52", "2007"}));
+    EXPECT_EQ(Events(), (Strings{"KeyDown", "KeyDown"}));
+}
+
+TEST_F(DateBoxTest, NameFieldsTakeNoDigitsButStepAndEmpty) {
+    DateBox& b = Make("dd mmmm yyyy");
+    b.SetValue(Ymd(2007, 12, 25));
+    b.GotFocus();
+    Down(b, host::kKeyRight);
+    Down(b, '5');
+    EXPECT_EQ(b.Value(), Ymd(2007, 12, 25));
+    EXPECT_EQ(b.ActiveBox(), 2);
+    Down(b, host::kKeyUp);
+    EXPECT_EQ(b.Value(), Ymd(2008, 1, 25));
+    EXPECT_EQ(b.TxtData()(3).text, "2008");
+    Down(b, host::kKeyDelete);
+    EXPECT_EQ(b.Parts()[kMonth], kBlank);
+    EXPECT_EQ(b.TxtData()(2).text.find_first_not_of('_'), std::string::npos);
+    Down(b, host::kKeyLeft);  // a name field is left at once
+    EXPECT_EQ(b.ActiveBox(), 1);
+    EXPECT_EQ(b.TxtData()(1).selLength, 2);
+}
+
+TEST_F(DateBoxTest, ASingleFieldWrapsOntoItselfSelectedWhole) {
+    DateBox& b = Make("yyyy");
+    b.GotFocus();
+    for (int key : {'1', '9', '9', '9'}) Down(b, key);
+    EXPECT_EQ(b.ActiveBox(), 1);
+    EXPECT_EQ(b.TxtData()(1).text, "1999");
+    EXPECT_EQ(b.TxtData()(1).selLength, 4);
+    Down(b, host::kKeyNumpad0 + 2);
+    EXPECT_EQ(b.TxtData()(1).text, "2___");
 }
 
 }  // namespace
