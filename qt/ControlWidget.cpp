@@ -449,7 +449,7 @@ void ControlWidget::changeEvent(QEvent* event) {
         guard("AmbientChanged", [&] { control_->AmbientChanged("Font"); });
     } else if (event->type() == QEvent::PaletteChange) {
         // The desktop theme changed: system colours are read again.
-        ApplyPlatformSettings();
+        SetSysColors(SysColorsFrom(QApplication::palette()));
         guard("Paint", [&] { control_->Paint(); });
         paintFrame();
         update();
