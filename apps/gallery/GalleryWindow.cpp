@@ -283,6 +283,12 @@ void GalleryWindow::buildJob(QGridLayout* grid) {
     body->addSpacing(6);
     body->addLayout(buttons);
     body->addStretch(1);
+    auto* note = new QLabel(QStringLiteral("The estimate is of the whole run, as the bar reports it; what is "
+                                           "left is the estimate less the time elapsed."),
+                            frame);
+    note->setObjectName(QStringLiteral("cardSubtitle"));
+    note->setWordWrap(true);
+    body->addWidget(note);
     connect(interval, &QSpinBox::valueChanged, this, [this](int ms) { jobBar_->SetTimerChangedInterval(ms); });
     grid->addWidget(frame, 1, 0);
 

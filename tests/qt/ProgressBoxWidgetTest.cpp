@@ -7,6 +7,9 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QCursor>
+#include <QDate>
+#include <QScreen>
 #include <QDir>
 #include <QFile>
 #include <QLayout>
@@ -409,6 +412,46 @@ TEST(ProgressBoxWidgetTest, FormsKeepClassNameGeometryAndPropertiesAndRefuseBadF
     std::unique_ptr<ControlWidget> generic(CreateControlWidget(QStringLiteral("Kelvarin.ProgressBox")));
     ASSERT_NE(generic, nullptr);
     EXPECT_EQ(generic->className(), QStringLiteral("ProgressBox"));
+}
+
+TEST(ProgressBoxWidgetTest, TheSiteAnswersFromTheWidgetAndTheScreen) {
+    QWidget form;
+    QFont font(QStringLiteral("DejaVu Sans"));
+    font.setPointSizeF(13);
+    form.setFont(font);
+    form.resize(400, 200);
+    auto* w = new ProgressBoxWidget(&form);
+    auto* other = new ProgressBoxWidget(&form);
+    w->setObjectName(QStringLiteral("bar7"));
+    w->setGeometry(30, 40, 150, 24);
+    w->SetBorderStyle(ProgressBoxWidget::FixedSingle);  // flat: one pixel
+    w->SetAppearance(ProgressBoxWidget::Flat);
+    form.move(100, 50);
+    form.show();
+    QApplication::processEvents();
+
+    EXPECT_EQ(w->ExtenderName(), "bar7");
+    EXPECT_EQ(w->ExtenderLeft(), 30);
+    EXPECT_EQ(w->ExtenderTop(), 40);
+    EXPECT_EQ(w->ExtenderWidth(), 150);
+    EXPECT_EQ(w->AmbientFont()->size, 13);
+    EXPECT_EQ(w->Font().pointSizeF(), 13);  // a new control takes the container's font
+    EXPECT_NE(w->WindowHandle(), other->WindowHandle());
+    EXPECT_EQ(w->hWnd(), w->WindowHandle());
+    EXPECT_EQ(w->ClientSurface().Width(), 148);
+    const QPoint corner = w->mapToGlobal(QPoint(1, 1));
+    EXPECT_EQ(w->ClientToScreen({0, 0}), (host::Point{corner.x(), corner.y()}));
+    const QRect screen = QApplication::primaryScreen()->geometry();
+    EXPECT_EQ(w->ScreenSize(), (host::Size{screen.width(), screen.height()}));
+    const Date now = w->Now();
+    const QDate today = QDate::currentDate();
+    EXPECT_NEAR(now, DateSerial(today.year(), today.month(), today.day()), 1.01);
+
+    QCursor::setPos(w->mapToGlobal(QPoint(20, 10)));
+    EXPECT_TRUE(w->IsPointerOver());
+    EXPECT_FALSE(other->IsPointerOver());
+    QCursor::setPos(form.mapToGlobal(QPoint(390, 190)));
+    EXPECT_FALSE(w->IsPointerOver());
 }
 
 // A popup that closes on Escape and counts what reached it.
