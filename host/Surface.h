@@ -33,7 +33,8 @@ public:
     // Colours are plain RGB (0x00BBGGRR): callers translate system colours.
     virtual void FillRect(const Rect& rect, OLE_COLOR color) = 0;
     // From (x1, y1) up to, not including, (x2, y2), as the platform draws lines.
-    virtual void DrawLine(Point from, Point to, OLE_COLOR color) = 0;
+    // Drawn pixel by pixel through SetPixel; a host may draw it faster.
+    virtual void DrawLine(Point from, Point to, OLE_COLOR color);
     virtual void SetPixel(Point p, OLE_COLOR color) = 0;
     virtual OLE_COLOR GetPixel(Point p) const = 0;
 
@@ -44,7 +45,8 @@ public:
     // Width and height of one line of text.
     virtual Size MeasureText(std::string_view text, const Font& font) = 0;
     // The dotted focus rectangle, drawn by inverting.
-    virtual void DrawFocusRect(const Rect& rect) = 0;
+    // Drawn pixel by pixel through GetPixel and SetPixel.
+    virtual void DrawFocusRect(const Rect& rect);
 };
 
 }  // namespace kelvarin::host

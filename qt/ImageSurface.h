@@ -24,13 +24,11 @@ public:
     int Width() const override { return view_.width(); }
     int Height() const override { return view_.height(); }
     void FillRect(const host::Rect& rect, OLE_COLOR color) override;
-    void DrawLine(host::Point from, host::Point to, OLE_COLOR color) override;
     void SetPixel(host::Point p, OLE_COLOR color) override;
     OLE_COLOR GetPixel(host::Point p) const override;
     int DrawText(std::string_view text, host::Rect& rect, unsigned format, const Font& font,
                  OLE_COLOR color) override;
     host::Size MeasureText(std::string_view text, const Font& font) override;
-    void DrawFocusRect(const host::Rect& rect) override;
 
     // ---- DeviceContext: the view's rows.
     int PixelWidth() const override { return Width(); }

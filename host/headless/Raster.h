@@ -54,13 +54,11 @@ public:
     int Width() const override { return view_.Width(); }
     int Height() const override { return view_.Height(); }
     void FillRect(const Rect& rect, OLE_COLOR color) override;
-    void DrawLine(Point from, Point to, OLE_COLOR color) override;
     void SetPixel(Point p, OLE_COLOR color) override;
     OLE_COLOR GetPixel(Point p) const override;
     int DrawText(std::string_view text, Rect& rect, unsigned format, const Font& font,
                  OLE_COLOR color) override;
     Size MeasureText(std::string_view text, const Font& font) override;
-    void DrawFocusRect(const Rect& rect) override;
     // ---- DeviceContext: the view's rows, blue, green, red bytes.
     int PixelWidth() const override { return Width(); }
     int PixelHeight() const override { return Height(); }
