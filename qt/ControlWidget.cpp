@@ -181,14 +181,17 @@ Variant ControlWidget::ToVariant(const QVariant& value) {
         }
         case QMetaType::QDate: {
             const QDate d = value.toDate();
+            if (!d.isValid()) RaiseHostError(HostErrorCode::TypeMismatch);
             return Variant::FromDate(DateSerial(d.year(), d.month(), d.day()));
         }
         case QMetaType::QTime: {
             const QTime t = value.toTime();
+            if (!t.isValid()) RaiseHostError(HostErrorCode::TypeMismatch);
             return Variant::FromDate(TimeSerial(t.hour(), t.minute(), t.second()));
         }
         case QMetaType::QDateTime: {
             const QDateTime dt = value.toDateTime();
+            if (!dt.isValid()) RaiseHostError(HostErrorCode::TypeMismatch);
             const QDate d = dt.date();
             const QTime t = dt.time();
             return Variant::FromDate(CombineDateTime(DateSerial(d.year(), d.month(), d.day()),
@@ -213,7 +216,9 @@ QVariant ControlWidget::FromVariant(const Variant& value) {
         case VarType::Double: return value.ToDouble();
         case VarType::Date: {
             const DateParts p = SplitDate(value.ToDate());
-            return QDateTime(QDate(p.year, p.month, p.day), QTime(p.hour, p.minute, p.second));
+            // A wall-clock value: kept in UTC so that no time of day falls
+            // into a daylight-saving gap.
+            return QDateTime(QDate(p.year, p.month, p.day), QTime(p.hour, p.minute, p.second), Qt::UTC);
         }
         case VarType::String: return QString::fromStdString(value.ToString());
         case VarType::Object: {
@@ -234,6 +239,12 @@ QVariant ControlWidget::getMember(const QString& name) {
     });
     return result;
 }
+
+uint ControlWidget::colorMember(const char* name) {
+    return static_cast<uint>(getMember(QString::fromLatin1(name)).toInt());
+}
+
+int ControlWidget::intMember(const char* name) { return getMember(QString::fromLatin1(name)).toInt(); }
 
 bool ControlWidget::letMember(const QString& name, const QVariant& value) {
     const bool ok = guard("Let", [&] {
@@ -566,14 +577,23 @@ void ControlWidget::mouseDoubleClickEvent(QMouseEvent* event) {
     syncSurface();
 }
 
+// The control hears of focus moves inside its window only: a popup that
+// takes the keys for a while (the calendar), or another application's window
+// coming to the front, neither takes the focus nor gives it back.
 void ControlWidget::focusInEvent(QFocusEvent* event) {
     QWidget::focusInEvent(event);
-    if (control_) guard("GotFocus", [&] { control_->GotFocus(); });
+    if (!control_ || hasControlFocus_) return;
+    hasControlFocus_ = true;
+    guard("GotFocus", [&] { control_->GotFocus(); });
 }
 
 void ControlWidget::focusOutEvent(QFocusEvent* event) {
     QWidget::focusOutEvent(event);
-    if (control_) guard("LostFocus", [&] { control_->LostFocus(); });
+    const Qt::FocusReason reason = event->reason();
+    if (!control_ || !hasControlFocus_ || reason == Qt::PopupFocusReason || reason == Qt::ActiveWindowFocusReason)
+        return;
+    hasControlFocus_ = false;
+    guard("LostFocus", [&] { control_->LostFocus(); });
 }
 
 bool ControlWidget::focusNextPrevChild(bool next) {

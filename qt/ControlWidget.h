@@ -30,6 +30,13 @@ class ControlWidget : public QWidget, public host::ControlSite {
     Q_OBJECT
 
 public:
+    // The enumerations every control's frame shares (the type library's
+    // names have blanks).
+    enum BorderStyleKind { None = 0, FixedSingle = 1 };
+    Q_ENUM(BorderStyleKind)
+    enum AppearanceKind { Flat = 0, ThreeD = 1 };
+    Q_ENUM(AppearanceKind)
+
     // Sites a control made by the class factory and initialises it as a new
     // instance placed on a form. A null control (an unknown class) makes an
     // empty widget whose calls all fail with a reported error.
@@ -90,6 +97,11 @@ protected:
         (void)number;
         (void)args;
     }
+
+    // Typed reads for the Q_PROPERTYs of subclasses. Colours travel as the
+    // 32 bits of a Long and read back unsigned.
+    uint colorMember(const char* name);
+    int intMember(const char* name);
 
     // Runs f, reporting any error; false when one was raised.
     template <typename F>
@@ -167,6 +179,7 @@ private:
     bool initialised_ = false;
     bool afterDoubleClick_ = false;
     bool doubleClickPending_ = false;
+    bool hasControlFocus_ = false;  // GotFocus told, LostFocus not yet
     quint64 lastPressTime_ = 0;
     Qt::MouseButton lastPressButton_ = Qt::NoButton;
     QPoint lastPressAt_;

@@ -5,6 +5,7 @@
 #include "common/Text.h"
 #include "host/FormFile.h"
 #include "library/ClassFactory.h"
+#include "qt/DateBoxWidget.h"
 #include "qt/ProgressBoxWidget.h"
 
 namespace kelvarin::qt {
@@ -13,6 +14,7 @@ ControlWidget* CreateControlWidget(const QString& className, QWidget* parent) {
     const library::ClassInfo* info = library::ClassRegistry::Instance().Find(className.toStdString());
     if (!info) return nullptr;
     if (EqualsIgnoreCase(info->name, "ProgressBox")) return new ProgressBoxWidget(parent);
+    if (EqualsIgnoreCase(info->name, "DateBox")) return new DateBoxWidget(parent);
     auto control = library::ClassRegistry::Instance().Create(info->name);
     if (!control) return nullptr;
     return new ControlWidget(std::move(control), parent);

@@ -10,7 +10,7 @@
 namespace kelvarin::qt {
 
 PopupWindow::PopupWindow(host::Popup& popup, QWidget* owner)
-    : QWidget(owner, Qt::Popup), popup_(popup), surface_(image_, text_) {
+    : QWidget(owner, Qt::Popup | Qt::FramelessWindowHint), popup_(popup), surface_(image_, text_) {
     setAttribute(Qt::WA_OpaquePaintEvent);
     setMouseTracking(true);
     setFocusPolicy(Qt::StrongFocus);
@@ -36,9 +36,9 @@ void PopupWindow::exec(const QPoint& screen) {
     const host::Size size = popup_.ClientSize();
     resize(std::max(size.width, 1), std::max(size.height, 1));
     move(screen);
+    // Qt gives a popup the keyboard as it opens; the owner keeps its focus
+    // and hears only that a popup took the keys for a while.
     show();
-    activateWindow();
-    setFocus();
     if (popup_.IsOpen() && isVisible()) loop_.exec();
     hide();
 }

@@ -13,16 +13,9 @@ QString ProgressBoxWidget::caption() const {
     return box ? QString::fromStdString(box->Caption()) : QString();
 }
 
-// Colours travel as the 32 bits of a Long; read back unsigned.
-uint ProgressBoxWidget::color(const char* name) {
-    return static_cast<uint>(getMember(QString::fromLatin1(name)).toInt());
-}
-
-int ProgressBoxWidget::number(const char* name) { return getMember(QString::fromLatin1(name)).toInt(); }
-
-uint ProgressBoxWidget::BackColor() { return color("BackColor"); }
+uint ProgressBoxWidget::BackColor() { return colorMember("BackColor"); }
 void ProgressBoxWidget::SetBackColor(uint c) { letMember(QStringLiteral("BackColor"), c); }
-uint ProgressBoxWidget::ForeColor() { return color("ForeColor"); }
+uint ProgressBoxWidget::ForeColor() { return colorMember("ForeColor"); }
 void ProgressBoxWidget::SetForeColor(uint c) { letMember(QStringLiteral("ForeColor"), c); }
 bool ProgressBoxWidget::Enabled() { return getMember(QStringLiteral("Enabled")).toBool(); }
 void ProgressBoxWidget::SetEnabled(bool e) { letMember(QStringLiteral("Enabled"), e); }
@@ -30,30 +23,30 @@ QFont ProgressBoxWidget::Font() { return getMember(QStringLiteral("Font")).value
 void ProgressBoxWidget::SetFont(const QFont& f) { setMember(QStringLiteral("Font"), f); }
 
 ProgressBoxWidget::BorderStyleKind ProgressBoxWidget::BorderStyle() {
-    return static_cast<BorderStyleKind>(number("BorderStyle"));
+    return static_cast<BorderStyleKind>(intMember("BorderStyle"));
 }
 void ProgressBoxWidget::SetBorderStyle(BorderStyleKind s) {
     letMember(QStringLiteral("BorderStyle"), static_cast<int>(s));
 }
 ProgressBoxWidget::AppearanceKind ProgressBoxWidget::Appearance() {
-    return static_cast<AppearanceKind>(number("Appearance"));
+    return static_cast<AppearanceKind>(intMember("Appearance"));
 }
 void ProgressBoxWidget::SetAppearance(AppearanceKind a) {
     letMember(QStringLiteral("Appearance"), static_cast<int>(a));
 }
-int ProgressBoxWidget::hWnd() { return number("hWnd"); }
+int ProgressBoxWidget::hWnd() { return intMember("hWnd"); }
 
 QPixmap ProgressBoxWidget::MouseIcon() {
     const QImage image = getMember(QStringLiteral("MouseIcon")).value<QImage>();
     return image.isNull() ? QPixmap() : QPixmap::fromImage(image);
 }
 void ProgressBoxWidget::SetMouseIcon(const QPixmap& icon) { setMember(QStringLiteral("MouseIcon"), icon); }
-int ProgressBoxWidget::MousePointer() { return number("MousePointer"); }
+int ProgressBoxWidget::MousePointer() { return intMember("MousePointer"); }
 void ProgressBoxWidget::SetMousePointer(int p) { letMember(QStringLiteral("MousePointer"), p); }
 
-uint ProgressBoxWidget::StartColor() { return color("StartColor"); }
+uint ProgressBoxWidget::StartColor() { return colorMember("StartColor"); }
 void ProgressBoxWidget::SetStartColor(uint c) { letMember(QStringLiteral("StartColor"), c); }
-uint ProgressBoxWidget::FinishColor() { return color("FinishColor"); }
+uint ProgressBoxWidget::FinishColor() { return colorMember("FinishColor"); }
 void ProgressBoxWidget::SetFinishColor(uint c) { letMember(QStringLiteral("FinishColor"), c); }
 double ProgressBoxWidget::Value() { return getMember(QStringLiteral("Value")).toDouble(); }
 void ProgressBoxWidget::SetValue(double v) { letMember(QStringLiteral("Value"), v); }
@@ -63,7 +56,7 @@ bool ProgressBoxWidget::ShowPercentual() { return getMember(QStringLiteral("Show
 void ProgressBoxWidget::SetShowPercentual(bool s) { letMember(QStringLiteral("ShowPercentual"), s); }
 
 ProgressBoxWidget::AlignmentText ProgressBoxWidget::Alignment() {
-    return static_cast<AlignmentText>(number("Alignment"));
+    return static_cast<AlignmentText>(intMember("Alignment"));
 }
 void ProgressBoxWidget::SetAlignment(AlignmentText a) {
     letMember(QStringLiteral("Alignment"), static_cast<int>(a));
@@ -77,14 +70,14 @@ double ProgressBoxWidget::Percentual() { return getMember(QStringLiteral("Percen
 void ProgressBoxWidget::SetPercentual(double p) { letMember(QStringLiteral("Percentual"), p); }
 
 ProgressBoxWidget::GradientStyleKind ProgressBoxWidget::GradientStyle() {
-    return static_cast<GradientStyleKind>(number("GradientStyle"));
+    return static_cast<GradientStyleKind>(intMember("GradientStyle"));
 }
 void ProgressBoxWidget::SetGradientStyle(GradientStyleKind s) {
     letMember(QStringLiteral("GradientStyle"), static_cast<int>(s));
 }
-uint ProgressBoxWidget::PivotColor() { return color("PivotColor"); }
+uint ProgressBoxWidget::PivotColor() { return colorMember("PivotColor"); }
 void ProgressBoxWidget::SetPivotColor(uint c) { letMember(QStringLiteral("PivotColor"), c); }
-int ProgressBoxWidget::TimerChangedInterval() { return number("TimerChangedInterval"); }
+int ProgressBoxWidget::TimerChangedInterval() { return intMember("TimerChangedInterval"); }
 void ProgressBoxWidget::SetTimerChangedInterval(int ms) {
     letMember(QStringLiteral("TimerChangedInterval"), ms);
 }

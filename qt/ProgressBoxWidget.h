@@ -21,8 +21,8 @@ class ProgressBoxWidget : public ControlWidget {
     Q_PROPERTY(uint ForeColor READ ForeColor WRITE SetForeColor)
     Q_PROPERTY(bool Enabled READ Enabled WRITE SetEnabled)
     Q_PROPERTY(QFont Font READ Font WRITE SetFont)
-    Q_PROPERTY(BorderStyleKind BorderStyle READ BorderStyle WRITE SetBorderStyle)
-    Q_PROPERTY(AppearanceKind Appearance READ Appearance WRITE SetAppearance)
+    Q_PROPERTY(ControlWidget::BorderStyleKind BorderStyle READ BorderStyle WRITE SetBorderStyle)
+    Q_PROPERTY(ControlWidget::AppearanceKind Appearance READ Appearance WRITE SetAppearance)
     Q_PROPERTY(int hWnd READ hWnd DESIGNABLE false)
     Q_PROPERTY(QPixmap MouseIcon READ MouseIcon WRITE SetMouseIcon)
     Q_PROPERTY(int MousePointer READ MousePointer WRITE SetMousePointer)
@@ -45,10 +45,6 @@ public:
     Q_ENUM(AlignmentText)
     enum GradientStyleKind { Linear = 0, Gaussian = 1, GaussianSquared = 2 };
     Q_ENUM(GradientStyleKind)
-    enum BorderStyleKind { None = 0, FixedSingle = 1 };
-    Q_ENUM(BorderStyleKind)
-    enum AppearanceKind { Flat = 0, ThreeD = 1 };
-    Q_ENUM(AppearanceKind)
 
     explicit ProgressBoxWidget(QWidget* parent = nullptr);
 
@@ -113,10 +109,6 @@ signals:
 
 protected:
     void emitTypedEvent(int number, const QVariantList& args) override;
-
-private:
-    uint color(const char* name);
-    int number(const char* name);
 };
 
 }  // namespace kelvarin::qt

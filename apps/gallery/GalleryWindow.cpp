@@ -14,8 +14,11 @@
 #include <QPushButton>
 #include <QSlider>
 #include <QSpinBox>
+#include <QTabWidget>
 #include <QVBoxLayout>
 
+#include "apps/gallery/Cards.h"
+#include "apps/gallery/DatePage.h"
 #include "common/OleColor.h"
 #include "host/FormFile.h"
 #include "library/ClassFactory.h"
@@ -57,6 +60,9 @@ const char* const kStyleSheet = R"(
     QLabel#caption { color: #4b5563; }
     QLabel#readout { color: #1f2937; font-family: "DejaVu Sans Mono"; }
     QLabel#status { color: #6b7280; }
+    QTabWidget#pages::pane { border: none; }
+    QTabBar::tab { padding: 6px 16px; color: #4b5563; }
+    QTabBar::tab:selected { color: #111827; font-weight: 600; border-bottom: 2px solid #6366f1; }
     QPushButton#swatch { border: 1px solid #cbd2db; border-radius: 4px; min-width: 22px; max-width: 22px;
                          min-height: 22px; max-height: 22px; }
 )";
@@ -83,28 +89,46 @@ GalleryWindow::GalleryWindow(QWidget* parent) : QWidget(parent) {
     auto* title = new QLabel(QStringLiteral("Kelvarin Gallery"), this);
     title->setObjectName(QStringLiteral("title"));
     auto* subtitle = new QLabel(
-        QStringLiteral("ProgressBox, the gradient progress bar with caption and run timing. "
-                       "Every bar here is the same control, set up through its properties."),
+        QStringLiteral("The Kelvarin controls at work: every bar and every date field here is one "
+                       "control, set up through its properties."),
         this);
     subtitle->setObjectName(QStringLiteral("subtitle"));
     subtitle->setWordWrap(true);
     outer->addWidget(title);
     outer->addWidget(subtitle);
 
-    auto* grid = new QGridLayout;
+    tabs_ = new QTabWidget(this);
+    tabs_->setObjectName(QStringLiteral("pages"));
+    tabs_->setDocumentMode(true);
+    outer->addWidget(tabs_, 1);
+
+    auto* progressPage = new QWidget(tabs_);
+    progressPage->setObjectName(QStringLiteral("progressPage"));
+    auto* grid = new QGridLayout(progressPage);
+    grid->setContentsMargins(0, 8, 0, 0);
     grid->setHorizontalSpacing(16);
     grid->setVerticalSpacing(16);
     grid->setColumnStretch(0, 1);
     grid->setColumnStretch(1, 1);
-    outer->addLayout(grid, 1);
     buildStyles(grid);
     buildCaptions(grid);
     buildJob(grid);
     buildPlayground(grid);
+    tabs_->addTab(progressPage, QStringLiteral("ProgressBox"));
 
-    formCard_ = card(QString(), QString(), &formBody_);
-    formCard_->hide();
-    grid->addWidget(formCard_, 2, 0, 1, 2);
+    datePage_ = new DatePage(tabs_);
+    connect(datePage_, &DatePage::status, this, &GalleryWindow::showStatus);
+    tabs_->addTab(datePage_, QStringLiteral("DateBox"));
+
+    // Controls of a loaded form that the gallery lacks get a page of their own.
+    auto* formPage = new QWidget(tabs_);
+    auto* formLayout = new QVBoxLayout(formPage);
+    formLayout->setContentsMargins(0, 8, 0, 0);
+    formCard_ = Card(formPage, QString(), QString(), &formBody_);
+    formLayout->addWidget(formCard_);
+    formLayout->addStretch(1);
+    tabs_->addTab(formPage, QStringLiteral("Form"));
+    tabs_->setTabVisible(kFormTab, false);
 
     statusLine_ = new QLabel(this);
     statusLine_->setObjectName(QStringLiteral("status"));
@@ -117,32 +141,14 @@ GalleryWindow::GalleryWindow(QWidget* parent) : QWidget(parent) {
 
     jobTimer_.setInterval(30);
     connect(&jobTimer_, &QTimer::timeout, this, &GalleryWindow::advanceJob);
-    resize(1040, 660);
-}
-
-QFrame* GalleryWindow::card(const QString& title, const QString& subtitle, QVBoxLayout** body) {
-    auto* frame = new QFrame(this);
-    frame->setObjectName(QStringLiteral("card"));
-    auto* layout = new QVBoxLayout(frame);
-    layout->setContentsMargins(18, 14, 18, 16);
-    layout->setSpacing(8);
-    auto* heading = new QLabel(title, frame);
-    heading->setObjectName(QStringLiteral("cardTitle"));
-    layout->addWidget(heading);
-    auto* sub = new QLabel(subtitle, frame);
-    sub->setObjectName(QStringLiteral("cardSubtitle"));
-    sub->setWordWrap(true);
-    layout->addWidget(sub);
-    if (subtitle.isEmpty()) sub->hide();
-    layout->addSpacing(4);
-    *body = layout;
-    return frame;
+    resize(1040, 720);
 }
 
 ProgressBoxWidget* GalleryWindow::bar(QWidget* parent, const QString& name) {
     auto* b = new ProgressBoxWidget(parent);
     b->setObjectName(name);
-    b->setMinimumHeight(26);
+    // A bar has no zero width (it would divide by it), not even on a page not yet shown.
+    b->setMinimumSize(160, 26);
     b->SetBackColor(kTrack);
     b->SetForeColor(kInk);
     b->SetBorderStyle(ProgressBoxWidget::FixedSingle);
@@ -152,7 +158,7 @@ ProgressBoxWidget* GalleryWindow::bar(QWidget* parent, const QString& name) {
 
 void GalleryWindow::buildStyles(QGridLayout* grid) {
     QVBoxLayout* body = nullptr;
-    QFrame* frame = card(QStringLiteral("Gradient styles"),
+    QFrame* frame = Card(this, QStringLiteral("Gradient styles"),
                          QStringLiteral("Linear reveals a fixed gradient; the Gaussian styles peak at the "
                                         "pivot colour where the value stands."),
                          &body);
@@ -174,8 +180,7 @@ void GalleryWindow::buildStyles(QGridLayout* grid) {
     form->setColumnStretch(1, 1);
     int r = 0;
     for (const Row& row : rows) {
-        auto* label = new QLabel(QString::fromUtf8(row.label), frame);
-        label->setObjectName(QStringLiteral("caption"));
+        QLabel* label = Caption(frame, QString::fromUtf8(row.label));
         label->setFixedWidth(72);
         ProgressBoxWidget* b = bar(frame, QString::fromLatin1(row.name));
         b->SetStartColor(row.start);
@@ -196,7 +201,7 @@ void GalleryWindow::buildStyles(QGridLayout* grid) {
 
 void GalleryWindow::buildCaptions(QGridLayout* grid) {
     QVBoxLayout* body = nullptr;
-    QFrame* frame = card(QStringLiteral("Captions and alignment"),
+    QFrame* frame = Card(this, QStringLiteral("Captions and alignment"),
                          QStringLiteral("Text before the rounded percentage, placed left, centred or right."),
                          &body);
     struct Row {
@@ -221,8 +226,7 @@ void GalleryWindow::buildCaptions(QGridLayout* grid) {
     form->setColumnStretch(1, 1);
     int r = 0;
     for (const Row& row : rows) {
-        auto* label = new QLabel(QString::fromUtf8(row.label), frame);
-        label->setObjectName(QStringLiteral("caption"));
+        QLabel* label = Caption(frame, QString::fromUtf8(row.label));
         label->setFixedWidth(72);
         ProgressBoxWidget* b = bar(frame, QString::fromLatin1(row.name));
         b->SetStartColor(row.start);
@@ -244,7 +248,7 @@ void GalleryWindow::buildCaptions(QGridLayout* grid) {
 
 void GalleryWindow::buildJob(QGridLayout* grid) {
     QVBoxLayout* body = nullptr;
-    QFrame* frame = card(QStringLiteral("A timed job"),
+    QFrame* frame = Card(this, QStringLiteral("A timed job"),
                          QStringLiteral("The bar times its run from minimum to maximum and reports elapsed "
                                         "and estimated time through TimerChange."),
                          &body);
@@ -273,8 +277,7 @@ void GalleryWindow::buildJob(QGridLayout* grid) {
     interval->setSingleStep(50);
     interval->setSuffix(QStringLiteral(" ms"));
     interval->setValue(jobBar_->TimerChangedInterval());
-    auto* every = new QLabel(QStringLiteral("Report every"), frame);
-    every->setObjectName(QStringLiteral("caption"));
+    QLabel* every = Caption(frame, QStringLiteral("Report every"));
     buttons->addWidget(startButton_);
     buttons->addWidget(pauseButton_);
     buttons->addStretch(1);
@@ -358,7 +361,7 @@ QString GalleryWindow::jobReadout() const { return readout_->text(); }
 
 void GalleryWindow::buildPlayground(QGridLayout* grid) {
     QVBoxLayout* body = nullptr;
-    QFrame* frame = card(QStringLiteral("Playground"),
+    QFrame* frame = Card(this, QStringLiteral("Playground"),
                          QStringLiteral("Change the bar's value, range, style, caption and colours."), &body);
     playBar_ = bar(frame, QStringLiteral("playground"));
     playBar_->setMinimumHeight(30);
@@ -373,11 +376,7 @@ void GalleryWindow::buildPlayground(QGridLayout* grid) {
     auto* form = new QGridLayout;
     form->setHorizontalSpacing(10);
     form->setVerticalSpacing(8);
-    const auto label = [frame](const char* text) {
-        auto* l = new QLabel(QString::fromLatin1(text), frame);
-        l->setObjectName(QStringLiteral("caption"));
-        return l;
-    };
+    const auto label = [frame](const char* text) { return Caption(frame, QString::fromLatin1(text)); };
 
     valueSlider_ = new QSlider(Qt::Horizontal, frame);
     valueSlider_->setRange(0, 1000);
@@ -575,14 +574,25 @@ QString GalleryWindow::loadForm(const QString& path) {
         formBody_->addWidget(formCanvas_);
         static_cast<QLabel*>(formBody_->itemAt(0)->widget())
             ->setText(QStringLiteral("Form %1").arg(QFileInfo(path).fileName()));
-        formCard_->show();
+        tabs_->setTabVisible(kFormTab, true);
+        tabs_->setCurrentIndex(kFormTab);
     } else {
-        formCard_->hide();
+        tabs_->setTabVisible(kFormTab, false);
     }
     showStatus(firstError.isEmpty()
                    ? QStringLiteral("Loaded %1 controls from %2.").arg(form.controls.size()).arg(path)
                    : QStringLiteral("Loaded %1 with an error: %2").arg(path, firstError));
     return firstError;
+}
+
+bool GalleryWindow::showPage(const QString& name) {
+    for (int i = 0; i < tabs_->count(); ++i) {
+        if (tabs_->isTabVisible(i) && tabs_->tabText(i).compare(name, Qt::CaseInsensitive) == 0) {
+            tabs_->setCurrentIndex(i);
+            return true;
+        }
+    }
+    return false;
 }
 
 bool GalleryWindow::saveScreenshot(const QString& path) { return grab().save(path, "PNG"); }

@@ -1,7 +1,8 @@
-// The gallery: one window that shows the controls at work. For the progress
-// bar: the three gradient styles, captions and alignments, a simulated job
-// timed by the bar itself, and a playground whose controls change value,
-// range, style, caption and colours.
+// The gallery: one window that shows the controls at work, a page each.
+// For the progress bar: the three gradient styles, captions and alignments,
+// a simulated job timed by the bar itself, and a playground whose controls
+// change value, range, style, caption and colours. The date field has its
+// own page (DatePage).
 //
 // Sections: construction; forms; the simulated job; the playground.
 #pragma once
@@ -21,6 +22,7 @@ class QLabel;
 class QLineEdit;
 class QPushButton;
 class QSlider;
+class QTabWidget;
 class QVBoxLayout;
 
 namespace kelvarin::qt {
@@ -29,6 +31,8 @@ class ProgressBoxWidget;
 }  // namespace kelvarin::qt
 
 namespace kelvarin::gallery {
+
+class DatePage;
 
 class GalleryWindow : public QWidget {
     Q_OBJECT
@@ -56,6 +60,11 @@ public:
     void pauseJob();
     int timerChanges() const noexcept { return timerChanges_; }
 
+    DatePage* datePage() const noexcept { return datePage_; }
+    // Brings a page to the front by its tab's title ("DateBox"); false if
+    // there is none.
+    bool showPage(const QString& name);
+
     // Renders the window to a PNG file; false if it could not be written.
     bool saveScreenshot(const QString& path);
 
@@ -64,7 +73,6 @@ signals:
     void status(const QString& text);
 
 private:
-    QFrame* card(const QString& title, const QString& subtitle, QVBoxLayout** body);
     qt::ProgressBoxWidget* bar(QWidget* parent, const QString& name);
     void buildStyles(QGridLayout* grid);
     void buildCaptions(QGridLayout* grid);
@@ -77,6 +85,9 @@ private:
     void report(int number, const QString& text, const QString& where);
     void showStatus(const QString& text);
 
+    static constexpr int kFormTab = 2;
+    QTabWidget* tabs_ = nullptr;
+    DatePage* datePage_ = nullptr;
     QLabel* statusLine_ = nullptr;
     QVBoxLayout* formBody_ = nullptr;
     QFrame* formCard_ = nullptr;

@@ -1,8 +1,9 @@
-// kelvarin-gallery [--form FILE] [--save FILE] [--screenshot FILE.png]:
-// the controls at work in a real window. --form loads a form file into the
-// gallery, --save writes the gallery's controls to one and --screenshot
-// renders the window to a PNG; with either the program exits when done
-// (the offscreen platform will do).
+// kelvarin-gallery [--page NAME] [--form FILE] [--save FILE] [--screenshot FILE.png]:
+// the controls at work in a real window. --page opens a page ("DateBox"),
+// --form loads a form file into the gallery, --save writes the gallery's
+// controls to one and --screenshot renders the window to a PNG; with
+// either of the last two the program exits when done (the offscreen
+// platform will do).
 #include <cstdio>
 
 #include <QApplication>
@@ -49,7 +50,9 @@ int main(int argc, char** argv) {
     const QCommandLineOption screenshot(QStringLiteral("screenshot"),
                                         QStringLiteral("Render the window to a PNG file and exit."),
                                         QStringLiteral("FILE"));
-    parser.addOptions({form, save, screenshot});
+    const QCommandLineOption page(QStringLiteral("page"), QStringLiteral("Open a page: ProgressBox or DateBox."),
+                                  QStringLiteral("NAME"));
+    parser.addOptions({page, form, save, screenshot});
     parser.process(app);
     if (!parser.positionalArguments().isEmpty()) {
         std::fprintf(stderr, "kelvarin-gallery: unexpected argument %s\n",
@@ -65,6 +68,10 @@ int main(int argc, char** argv) {
             std::fprintf(stderr, "kelvarin-gallery: %s\n", qPrintable(error));
             status = 1;
         }
+    }
+    if (parser.isSet(page) && !window.showPage(parser.value(page))) {
+        std::fprintf(stderr, "kelvarin-gallery: no page %s\n", qPrintable(parser.value(page)));
+        return 2;
     }
     window.show();
     QApplication::processEvents();  // laid out, so the saved geometry is the shown one

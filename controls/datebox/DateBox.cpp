@@ -1263,6 +1263,15 @@ Variant DateBox::CallMethod(host::DispId id, std::span<Variant> args) {
 
 // ---- Diagnostics ------------------------------------------------------------------------
 
+std::string DateBox::ShownText() const {
+    std::string text;
+    for (const FormatToken& t : tokens_) {
+        if (t.controlIndex < 0) continue;  // not laid out yet
+        text += t.isLiteral ? lblSeparator_(t.controlIndex).caption : txtData_(t.controlIndex).text;
+    }
+    return text;
+}
+
 std::vector<std::string> DateBox::Dump() const {
     std::vector<std::string> lines;
     for (const FormatToken& t : tokens_) {

@@ -158,6 +158,8 @@ public:
     const ElementArray<LabelElement>& LblSeparator() const noexcept { return lblSeparator_; }
     const ButtonElement& CmdSelezione() const noexcept { return cmdSelezione_; }
     ExchangeLabel& LblValueChanged() noexcept { return lblValueChanged_; }
+    // The boxes' and separators' texts in pattern order, as one line.
+    std::string ShownText() const;
     // The box that has the focus while the control has it; 0 for none.
     int ActiveBox() const noexcept { return hasFocus_ ? activeBox_ : 0; }
     // Selects the whole text of a box.

@@ -6,6 +6,7 @@
 
 #include "tests/qt/QtPrinters.h"
 
+#include <QComboBox>
 #include <QFile>
 #include <QImage>
 #include <QProcess>
@@ -16,6 +17,8 @@
 
 #include "host/FormFile.h"
 #include "library/ClassFactory.h"
+#include "apps/gallery/DatePage.h"
+#include "qt/DateBoxWidget.h"
 #include "qt/ProgressBoxWidget.h"
 
 namespace kelvarin::gallery {
@@ -34,7 +37,7 @@ TEST(GalleryTest, SavesItsBarsAndTakesTheirPropertiesBackFromAForm) {
     window.show();
     QApplication::processEvents();
     const QList<qt::ControlWidget*> controls = window.controls();
-    EXPECT_EQ(controls.size(), 9);
+    EXPECT_EQ(controls.size(), 18);  // 9 bars, 9 date fields
     ProgressBoxWidget* linear = Bar(window, "linear");
     ASSERT_NE(linear, nullptr);
     EXPECT_EQ(linear->Value(), 72);
@@ -48,7 +51,7 @@ TEST(GalleryTest, SavesItsBarsAndTakesTheirPropertiesBackFromAForm) {
 
     // The file keeps each bar's place in the window.
     const host::Form form = host::LoadFormFile(path.toStdString(), [](std::string_view) { return true; });
-    ASSERT_EQ(form.controls.size(), 9u);
+    ASSERT_EQ(form.controls.size(), 18u);
     for (const host::FormControl& entry : form.controls) {
         const qt::ControlWidget* w = window.control(QString::fromStdString(entry.name));
         ASSERT_NE(w, nullptr) << entry.name;
@@ -110,6 +113,39 @@ TEST(GalleryTest, TheJobRunsToItsEndWithALiveReadout) {
     EXPECT_GE(window.timerChanges(), 1);
 }
 
+TEST(GalleryTest, TheDatePageReadsOutTheBoxTypedIntoAndKeepsItsControlsInStep) {
+    GalleryWindow window;
+    QSignalSpy status(&window, &GalleryWindow::status);
+    ASSERT_TRUE(window.showPage(QStringLiteral("DateBox")));
+    window.show();
+    QApplication::setActiveWindow(&window);
+    QApplication::processEvents();
+    EXPECT_TRUE(status.isEmpty()) << status.at(0).at(0).toString().toStdString();  // no control complained
+
+    auto* empty = qobject_cast<qt::DateBoxWidget*>(window.control(QStringLiteral("nullable")));
+    ASSERT_NE(empty, nullptr);
+    EXPECT_EQ(empty->ValueDB().metaType().id(), QMetaType::Nullptr);
+    empty->setFocus(Qt::TabFocusReason);
+    for (Qt::Key k : {Qt::Key_0, Qt::Key_9, Qt::Key_0, Qt::Key_3, Qt::Key_2, Qt::Key_0, Qt::Key_0, Qt::Key_7})
+        QTest::keyClick(empty, k);
+    EXPECT_EQ(empty->displayText(), QStringLiteral("09/03/2007"));
+    DatePage* page = window.datePage();
+    EXPECT_EQ(page->watched(), empty);
+    const QString readout = page->readout();
+    EXPECT_TRUE(readout.contains(QStringLiteral("nullable"))) << readout.toStdString();
+    EXPECT_TRUE(readout.contains(QStringLiteral("9 Mar 2007"))) << readout.toStdString();
+
+    // The playground's box: a pattern written to it comes back to the combo
+    // box; one it refuses leaves both as they were.
+    auto* play = qobject_cast<qt::DateBoxWidget*>(window.control(QStringLiteral("datePlayground")));
+    ASSERT_NE(play, nullptr);
+    auto* pattern = page->findChild<QComboBox*>();
+    ASSERT_NE(pattern, nullptr);
+    play->SetDateFormat(QStringLiteral("mm/yyyy"));
+    EXPECT_EQ(pattern->currentText(), QStringLiteral("mm/yyyy"));
+    EXPECT_EQ(play->Value().date().day(), 1);
+}
+
 // ---- The program -------------------------------------------------------------------------------
 
 struct ProgramRun {
@@ -154,13 +190,20 @@ TEST(GalleryTest, TheProgramSavesLoadsAndTakesAScreenshot) {
         for (int x = 0; x < image.width(); x += 3) colours.insert(image.pixel(x, y));
     EXPECT_GT(colours.size(), 200);  // gradients, text, cards: not a blank window
 
-    // Loading the saved form and saving again gives the same file.
-    const ProgramRun again = Gallery({QStringLiteral("--form"), first, QStringLiteral("--save"), second});
-    ASSERT_EQ(again.exitCode, 0) << again.err.toStdString();
-    QFile a(first), b(second);
-    ASSERT_TRUE(a.open(QIODevice::ReadOnly));
+    // Loading a saved form and saving again gives the same file, once a
+    // loaded date field has lowered its default upper limit (31/12/9999 to
+    // 31/12/9980) the one time it does so.
+    const QString third = dir.filePath(QStringLiteral("third.json"));
+    for (const auto& [from, to] : {std::pair{first, second}, std::pair{second, third}}) {
+        const ProgramRun again = Gallery({QStringLiteral("--form"), from, QStringLiteral("--save"), to});
+        ASSERT_EQ(again.exitCode, 0) << again.err.toStdString();
+    }
+    QFile b(second), c(third);
     ASSERT_TRUE(b.open(QIODevice::ReadOnly));
-    EXPECT_EQ(a.readAll(), b.readAll());
+    ASSERT_TRUE(c.open(QIODevice::ReadOnly));
+    const QByteArray settled = b.readAll();
+    EXPECT_EQ(settled, c.readAll());
+    EXPECT_EQ(settled.count("\"9980-12-31T00:00:00\""), 8);  // all date fields but the limited one
 
     const ProgramRun missing = Gallery({QStringLiteral("--form"), dir.filePath(QStringLiteral("none.json")),
                                  QStringLiteral("--save"), second});
@@ -168,6 +211,13 @@ TEST(GalleryTest, TheProgramSavesLoadsAndTakesAScreenshot) {
     EXPECT_TRUE(missing.err.contains(QStringLiteral("none.json"))) << missing.err.toStdString();
 
     EXPECT_EQ(Gallery({QStringLiteral("surplus")}).exitCode, 2);
+    EXPECT_EQ(Gallery({QStringLiteral("--page"), QStringLiteral("nowhere"), QStringLiteral("--save"), second}).exitCode,
+              2);
+    const ProgramRun dates =
+        Gallery({QStringLiteral("--page"), QStringLiteral("DateBox"), QStringLiteral("--screenshot"), picture});
+    ASSERT_EQ(dates.exitCode, 0) << dates.err.toStdString();
+    EXPECT_FALSE(dates.err.contains(QStringLiteral("error"))) << dates.err.toStdString();
+    EXPECT_NE(QImage(picture), image);
 }
 
 }  // namespace

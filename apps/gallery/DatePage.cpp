@@ -1,0 +1,319 @@
+#include "apps/gallery/DatePage.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDateEdit>
+#include <QFrame>
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include "apps/gallery/Cards.h"
+#include "common/DateTime.h"
+#include "common/OleColor.h"
+#include "qt/DateBoxWidget.h"
+
+namespace kelvarin::gallery {
+
+using qt::DateBoxWidget;
+
+namespace {
+
+QDateTime At(int year, int month, int day, int hour = 0, int minute = 0, int second = 0) {
+    return QDateTime(QDate(year, month, day), QTime(hour, minute, second), Qt::UTC);
+}
+
+// A value as the host writes a date: "25/12/2007", "14:35:20", or both.
+QString HostText(const QVariant& value) {
+    if (value.isNull() || value.metaType().id() == QMetaType::Nullptr) return QStringLiteral("Null");
+    return QString::fromStdString(DateToText(qt::ControlWidget::ToVariant(value).ToDate()));
+}
+
+// The patterns the playground offers; any other can be typed in.
+const char* const kPatterns[] = {"dd/mm/yyyy", "d mmmm yyyy", "dddd dd/mm/yyyy", "dd/mm/yy hh:nn",
+                                 "hh:nn:ss",   "mm/yyyy",     "c"};
+
+}  // namespace
+
+// ---- Construction --------------------------------------------------------------------
+
+DatePage::DatePage(QWidget* parent) : QWidget(parent) {
+    setObjectName(QStringLiteral("datePage"));
+    auto* grid = new QGridLayout(this);
+    grid->setContentsMargins(0, 8, 0, 0);
+    grid->setHorizontalSpacing(16);
+    grid->setVerticalSpacing(16);
+    grid->setColumnStretch(0, 1);
+    grid->setColumnStretch(1, 1);
+    buildReadout(grid);  // first: the boxes report to it as they are set up
+    buildPatterns(grid);
+    buildEmptyAndLimits(grid);
+    buildPlayground(grid);
+    watch(findChild<DateBoxWidget*>(QStringLiteral("patternDate")));
+}
+
+DateBoxWidget* DatePage::dateBox(QWidget* parent, const QString& name, const QString& pattern) {
+    auto* box = new DateBoxWidget(parent);
+    box->setObjectName(name);
+    box->setMinimumHeight(26);
+    box->setMinimumWidth(220);
+    box->SetDateFormat(pattern);
+    box->SetBackColor(RGB(255, 255, 255));
+    box->SetForeColor(RGB(31, 41, 55));
+    // The readout follows the box the user works in, whatever happens there.
+    connect(box, &qt::ControlWidget::eventRaised, this,
+            [this, box](int, const QString& event, const QVariantList& args) {
+                QStringList shown;
+                for (const QVariant& a : args) shown << a.toString();
+                eventLine_->setText(QStringLiteral("Last event: %1(%2)").arg(event, shown.join(QStringLiteral(", "))));
+                if (box != watched_) changes_ = 0;
+                if (event == QStringLiteral("Change")) ++changes_;
+                watch(box);
+            });
+    connect(box, &qt::ControlWidget::hostError, this, [this, box](int n, const QString& text, const QString& where) {
+        emit status(QStringLiteral("%1: %2 raised error %3: %4").arg(box->objectName(), where).arg(n).arg(text));
+    });
+    return box;
+}
+
+void DatePage::buildPatterns(QGridLayout* grid) {
+    QVBoxLayout* body = nullptr;
+    QFrame* frame = Card(this, QStringLiteral("Patterns"),
+                         QStringLiteral("One box per field of the pattern, literal text between them. Click a "
+                                        "field, type digits, step with the arrow keys."),
+                         &body);
+    struct Row {
+        const char* name;
+        const char* pattern;
+        QDateTime value;
+    };
+    const Row rows[] = {
+        {"patternDate", "dd/mm/yyyy", At(2007, 12, 25)},
+        {"patternLong", "d mmmm yyyy", At(1969, 7, 20)},
+        {"patternWeekday", "dddd dd/mm/yyyy", At(2026, 11, 22)},
+        {"patternTime", "hh:nn:ss", At(1899, 12, 30, 14, 35, 20)},
+        {"patternGeneral", "c", At(2024, 2, 29, 9, 5, 0)},
+    };
+    auto* form = new QGridLayout;
+    form->setHorizontalSpacing(12);
+    form->setVerticalSpacing(10);
+    form->setColumnStretch(1, 1);
+    int r = 0;
+    for (const Row& row : rows) {
+        QLabel* label = Caption(frame, QString::fromLatin1(row.pattern));
+        label->setObjectName(QStringLiteral("readout"));
+        label->setFixedWidth(130);
+        DateBoxWidget* box = dateBox(frame, QString::fromLatin1(row.name), QString::fromLatin1(row.pattern));
+        box->SetValue(row.value);
+        form->addWidget(label, r, 0);
+        form->addWidget(box, r, 1);
+        ++r;
+    }
+    body->addLayout(form);
+    body->addStretch(1);
+    grid->addWidget(frame, 0, 0);
+}
+
+void DatePage::buildEmptyAndLimits(QGridLayout* grid) {
+    QVBoxLayout* body = nullptr;
+    QFrame* frame = Card(this, QStringLiteral("Empty values and limits"),
+                         QStringLiteral("A Nullable box may be left empty (ValueDB is Null); one that is not "
+                                        "keeps the focus until its fields are filled. Limits hold for typing, "
+                                        "stepping and the calendar."),
+                         &body);
+    auto* form = new QGridLayout;
+    form->setHorizontalSpacing(12);
+    form->setVerticalSpacing(10);
+    form->setColumnStretch(1, 1);
+
+    DateBoxWidget* empty = dateBox(frame, QStringLiteral("nullable"), QStringLiteral("dd/mm/yyyy"));
+    DateBoxWidget* required = dateBox(frame, QStringLiteral("required"), QStringLiteral("dd/mm/yyyy"));
+    required->SetNullable(false);
+    required->SetValue(At(2026, 1, 15));
+    DateBoxWidget* limited = dateBox(frame, QStringLiteral("limited"), QStringLiteral("dd/mm/yyyy"));
+    limited->SetMinDate(At(2020, 1, 1));
+    limited->SetMaxDate(At(2029, 12, 31));
+    limited->SetValue(At(2024, 6, 15));
+    limited->SetNullable(false);
+
+    const std::pair<const char*, DateBoxWidget*> rows[] = {
+        {"Nullable, empty", empty}, {"Not Nullable", required}, {"2020 to 2029", limited}};
+    int r = 0;
+    for (const auto& [text, box] : rows) {
+        QLabel* label = Caption(frame, QString::fromLatin1(text));
+        label->setFixedWidth(130);
+        form->addWidget(label, r, 0);
+        form->addWidget(box, r, 1);
+        ++r;
+    }
+    body->addLayout(form);
+    body->addStretch(1);
+    grid->addWidget(frame, 0, 1);
+}
+
+// ---- The readout ----------------------------------------------------------------------
+
+void DatePage::buildReadout(QGridLayout* grid) {
+    QVBoxLayout* body = nullptr;
+    QFrame* frame = Card(this, QStringLiteral("Value and ValueDB"),
+                         QStringLiteral("What the program reads from the box you last worked in."),
+                         &body);
+    watchedName_ = new QLabel(frame);
+    watchedName_->setObjectName(QStringLiteral("cardTitle"));
+    valueLine_ = new QLabel(frame);
+    valueDBLine_ = new QLabel(frame);
+    eventLine_ = new QLabel(QStringLiteral("Last event: none"), frame);
+    for (QLabel* l : {valueLine_, valueDBLine_}) l->setObjectName(QStringLiteral("readout"));
+    eventLine_->setObjectName(QStringLiteral("cardSubtitle"));
+    body->addWidget(watchedName_);
+    body->addWidget(valueLine_);
+    body->addWidget(valueDBLine_);
+    body->addWidget(eventLine_);
+    body->addSpacing(6);
+    auto* keys = new QLabel(
+        QStringLiteral("<b>Keys</b>: digits type over the field \u00b7 <b>\u2191 \u2193</b> step by SmallChange, "
+                       "<b>Page Up/Down</b> by LargeChange \u00b7 <b>\u2190 \u2192 Enter</b> move \u00b7 "
+                       "<b>Delete Backspace</b> clear \u00b7 <b>F5</b> today \u00b7 <b>F4 Alt+\u2193</b> calendar"),
+        frame);
+    keys->setObjectName(QStringLiteral("cardSubtitle"));
+    keys->setWordWrap(true);
+    keys->setTextFormat(Qt::RichText);
+    body->addWidget(keys);
+    body->addStretch(1);
+    grid->addWidget(frame, 1, 0);
+}
+
+void DatePage::watch(DateBoxWidget* box) {
+    if (!box) return;
+    if (box != watched_) changes_ = 0;
+    watched_ = box;
+    showReadout();
+}
+
+void DatePage::showReadout() {
+    if (!watched_) return;
+    watchedName_->setText(QStringLiteral("%1  \u00b7  \"%2\"").arg(watched_->objectName(), watched_->DateFormat()));
+    valueLine_->setText(QStringLiteral("Value    %1").arg(HostText(watched_->Value())));
+    valueDBLine_->setText(QStringLiteral("ValueDB  %1   (%2 changes)").arg(HostText(watched_->ValueDB())).arg(changes_));
+}
+
+QString DatePage::readout() const {
+    return QStringList{watchedName_->text(), valueLine_->text(), valueDBLine_->text(), eventLine_->text()}.join(
+        QLatin1Char('\n'));
+}
+
+// ---- The playground --------------------------------------------------------------------
+
+void DatePage::buildPlayground(QGridLayout* grid) {
+    QVBoxLayout* body = nullptr;
+    QFrame* frame = Card(this, QStringLiteral("Playground"),
+                         QStringLiteral("Change the pattern, alignment, limits and behaviour of one box."), &body);
+    playBox_ = dateBox(frame, QStringLiteral("datePlayground"), QStringLiteral("dd/mm/yyyy"));
+    playBox_->SetValue(At(2026, 11, 22));
+    body->addWidget(playBox_);
+
+    patternBox_ = new QComboBox(frame);
+    patternBox_->setEditable(true);
+    for (const char* p : kPatterns) patternBox_->addItem(QString::fromLatin1(p));
+    alignBox_ = new QComboBox(frame);
+    alignBox_->addItems({QStringLiteral("Left"), QStringLiteral("Right"), QStringLiteral("Centre")});
+    nullableBox_ = new QCheckBox(QStringLiteral("Nullable"), frame);
+    buttonBox_ = new QCheckBox(QStringLiteral("Calendar button"), frame);
+    lockedBox_ = new QCheckBox(QStringLiteral("Locked"), frame);
+    minEdit_ = new QDateEdit(frame);
+    maxEdit_ = new QDateEdit(frame);
+    for (QDateEdit* e : {minEdit_, maxEdit_}) {
+        e->setDisplayFormat(QStringLiteral("dd/MM/yyyy"));
+        e->setDateRange(QDate(100, 1, 1), QDate(9999, 12, 31));
+        e->setMinimumWidth(110);
+    }
+    auto* clear = new QPushButton(QStringLiteral("Empty it"), frame);
+    auto* today = new QPushButton(QStringLiteral("Today"), frame);
+
+    auto* form = new QGridLayout;
+    form->setHorizontalSpacing(10);
+    form->setVerticalSpacing(8);
+    form->setColumnStretch(1, 1);
+    auto* pattern = new QHBoxLayout;
+    pattern->addWidget(patternBox_, 1);
+    pattern->addWidget(alignBox_);
+    auto* limits = new QHBoxLayout;
+    limits->setSpacing(10);
+    limits->addWidget(minEdit_);
+    limits->addWidget(Caption(frame, QStringLiteral("to")));
+    limits->addWidget(maxEdit_);
+    limits->addStretch(1);
+    auto* flags = new QHBoxLayout;
+    flags->addWidget(nullableBox_);
+    flags->addWidget(buttonBox_);
+    flags->addWidget(lockedBox_);
+    flags->addStretch(1);
+    auto* actions = new QHBoxLayout;
+    actions->setSpacing(8);
+    actions->addWidget(clear);
+    actions->addWidget(today);
+    actions->addStretch(1);
+    form->addWidget(Caption(frame, QStringLiteral("Pattern")), 0, 0);
+    form->addLayout(pattern, 0, 1);
+    form->addWidget(Caption(frame, QStringLiteral("Limits")), 1, 0);
+    form->addLayout(limits, 1, 1);
+    form->addWidget(Caption(frame, QStringLiteral("Behaviour")), 2, 0);
+    form->addLayout(flags, 2, 1);
+    form->addWidget(Caption(frame, QStringLiteral("Value")), 3, 0);
+    form->addLayout(actions, 3, 1);
+    body->addLayout(form);
+    body->addStretch(1);
+    grid->addWidget(frame, 1, 1);
+
+    // The controls write through the box's properties; its notifications
+    // bring them back in step (a refused pattern, limits that moved).
+    connect(patternBox_->lineEdit(), &QLineEdit::editingFinished, this, [this] {
+        if (!syncing_) playBox_->SetDateFormat(patternBox_->currentText());
+    });
+    connect(patternBox_, &QComboBox::activated, this, [this](int) {
+        if (!syncing_) playBox_->SetDateFormat(patternBox_->currentText());
+    });
+    connect(alignBox_, &QComboBox::currentIndexChanged, this, [this](int i) {
+        if (!syncing_) playBox_->SetAlignment(static_cast<DateBoxWidget::AlignmentKind>(i));
+    });
+    connect(nullableBox_, &QCheckBox::toggled, this, [this](bool on) {
+        if (!syncing_) playBox_->SetNullable(on);
+    });
+    connect(buttonBox_, &QCheckBox::toggled, this, [this](bool on) {
+        if (!syncing_) playBox_->SetCalendarButton(on);
+    });
+    connect(lockedBox_, &QCheckBox::toggled, this, [this](bool on) {
+        if (!syncing_) playBox_->SetLocked(on);
+    });
+    connect(minEdit_, &QDateEdit::dateChanged, this, [this](QDate d) {
+        if (!syncing_) playBox_->SetMinDate(QDateTime(d, QTime(), Qt::UTC));
+    });
+    connect(maxEdit_, &QDateEdit::dateChanged, this, [this](QDate d) {
+        if (!syncing_) playBox_->SetMaxDate(QDateTime(d, QTime(), Qt::UTC));
+    });
+    connect(clear, &QPushButton::clicked, this, [this] { playBox_->SetValueDB(QVariant::fromValue(nullptr)); });
+    connect(today, &QPushButton::clicked, this,
+            [this] { playBox_->SetValue(QDateTime(QDate::currentDate(), QTime(), Qt::UTC)); });
+    connect(playBox_, &qt::ControlWidget::propertyChanged, this, [this](const QString&) {
+        syncPlayground();
+        if (watched_ == playBox_) showReadout();
+    });
+    syncPlayground();
+}
+
+void DatePage::syncPlayground() {
+    syncing_ = true;
+    if (patternBox_->currentText() != playBox_->DateFormat()) patternBox_->setEditText(playBox_->DateFormat());
+    alignBox_->setCurrentIndex(std::clamp(static_cast<int>(playBox_->Alignment()), -1, 2));
+    nullableBox_->setChecked(playBox_->Nullable());
+    buttonBox_->setChecked(playBox_->CalendarButton());
+    lockedBox_->setChecked(playBox_->Locked());
+    minEdit_->setDate(playBox_->MinDate().date());
+    maxEdit_->setDate(playBox_->MaxDate().date());
+    syncing_ = false;
+}
+
+}  // namespace kelvarin::gallery

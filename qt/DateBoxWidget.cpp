@@ -1,0 +1,83 @@
+#include "qt/DateBoxWidget.h"
+
+#include "controls/datebox/DateBox.h"
+#include "library/ClassFactory.h"
+
+namespace kelvarin::qt {
+
+DateBoxWidget::DateBoxWidget(QWidget* parent)
+    : ControlWidget(library::ClassRegistry::Instance().Create("DateBox"), parent) {}
+
+QString DateBoxWidget::displayText() const {
+    const auto* box = dynamic_cast<const controls::DateBox*>(control());
+    return box ? QString::fromStdString(box->ShownText()) : QString();
+}
+
+DateBoxWidget::AppearanceKind DateBoxWidget::Appearance() {
+    return static_cast<AppearanceKind>(intMember("Appearance"));
+}
+void DateBoxWidget::SetAppearance(AppearanceKind a) {
+    letMember(QStringLiteral("Appearance"), static_cast<int>(a));
+}
+uint DateBoxWidget::BackColor() { return colorMember("BackColor"); }
+void DateBoxWidget::SetBackColor(uint c) { letMember(QStringLiteral("BackColor"), c); }
+uint DateBoxWidget::ForeColor() { return colorMember("ForeColor"); }
+void DateBoxWidget::SetForeColor(uint c) { letMember(QStringLiteral("ForeColor"), c); }
+DateBoxWidget::AlignmentKind DateBoxWidget::Alignment() {
+    return static_cast<AlignmentKind>(intMember("Alignment"));
+}
+void DateBoxWidget::SetAlignment(AlignmentKind a) { letMember(QStringLiteral("Alignment"), static_cast<int>(a)); }
+bool DateBoxWidget::Enabled() { return getMember(QStringLiteral("Enabled")).toBool(); }
+void DateBoxWidget::SetEnabled(bool e) { letMember(QStringLiteral("Enabled"), e); }
+QFont DateBoxWidget::Font() { return getMember(QStringLiteral("Font")).value<QFont>(); }
+void DateBoxWidget::SetFont(const QFont& f) { setMember(QStringLiteral("Font"), f); }
+DateBoxWidget::BorderStyleKind DateBoxWidget::BorderStyle() {
+    return static_cast<BorderStyleKind>(intMember("BorderStyle"));
+}
+void DateBoxWidget::SetBorderStyle(BorderStyleKind s) {
+    letMember(QStringLiteral("BorderStyle"), static_cast<int>(s));
+}
+bool DateBoxWidget::Locked() { return getMember(QStringLiteral("Locked")).toBool(); }
+void DateBoxWidget::SetLocked(bool l) { letMember(QStringLiteral("Locked"), l); }
+
+QDateTime DateBoxWidget::Value() { return getMember(QStringLiteral("Value")).toDateTime(); }
+void DateBoxWidget::SetValue(const QDateTime& v) { letMember(QStringLiteral("Value"), v); }
+QVariant DateBoxWidget::ValueDB() { return getMember(QStringLiteral("ValueDB")); }
+void DateBoxWidget::SetValueDB(const QVariant& v) { letMember(QStringLiteral("ValueDB"), v); }
+QString DateBoxWidget::DateFormat() { return getMember(QStringLiteral("DateFormat")).toString(); }
+void DateBoxWidget::SetDateFormat(const QString& p) { letMember(QStringLiteral("DateFormat"), p); }
+int DateBoxWidget::SmallChange() { return intMember("SmallChange"); }
+void DateBoxWidget::SetSmallChange(int s) { letMember(QStringLiteral("SmallChange"), s); }
+int DateBoxWidget::LargeChange() { return intMember("LargeChange"); }
+void DateBoxWidget::SetLargeChange(int s) { letMember(QStringLiteral("LargeChange"), s); }
+bool DateBoxWidget::Nullable() { return getMember(QStringLiteral("Nullable")).toBool(); }
+void DateBoxWidget::SetNullable(bool n) { letMember(QStringLiteral("Nullable"), n); }
+bool DateBoxWidget::CalendarButton() { return getMember(QStringLiteral("CalendarButton")).toBool(); }
+void DateBoxWidget::SetCalendarButton(bool s) { letMember(QStringLiteral("CalendarButton"), s); }
+QDateTime DateBoxWidget::MinDate() { return getMember(QStringLiteral("MinDate")).toDateTime(); }
+void DateBoxWidget::SetMinDate(const QDateTime& d) { letMember(QStringLiteral("MinDate"), d); }
+QDateTime DateBoxWidget::MaxDate() { return getMember(QStringLiteral("MaxDate")).toDateTime(); }
+void DateBoxWidget::SetMaxDate(const QDateTime& d) { letMember(QStringLiteral("MaxDate"), d); }
+
+int DateBoxWidget::TextLeft() { return callMember(QStringLiteral("TextLeft")).toInt(); }
+int DateBoxWidget::TextTop() { return callMember(QStringLiteral("TextTop")).toInt(); }
+int DateBoxWidget::TextWidth() { return callMember(QStringLiteral("TextWidth")).toInt(); }
+int DateBoxWidget::TextHeight() { return callMember(QStringLiteral("TextHeight")).toInt(); }
+
+void DateBoxWidget::emitTypedEvent(int number, const QVariantList& a) {
+    using controls::DateBox;
+    const auto i = [&](int k) { return k < a.size() ? a[k].toInt() : 0; };
+    const auto f = [&](int k) { return k < a.size() ? a[k].toFloat() : 0.0f; };
+    switch (number) {
+        case DateBox::kKeyDown: emit KeyDown(i(0), i(1)); break;
+        case DateBox::kKeyPress: emit KeyPress(i(0)); break;
+        case DateBox::kKeyUp: emit KeyUp(i(0), i(1)); break;
+        case DateBox::kChange: emit Change(); break;
+        case DateBox::kMouseDown: emit MouseDown(i(0), i(1), f(2), f(3)); break;
+        case DateBox::kMouseUp: emit MouseUp(i(0), i(1), f(2), f(3)); break;
+        case DateBox::kMouseMove: emit MouseMove(i(0), i(1), f(2), f(3)); break;
+        default: break;
+    }
+}
+
+}  // namespace kelvarin::qt
