@@ -1,5 +1,6 @@
 #include "qt/PopupWindow.h"
 
+#include <QApplication>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
@@ -14,6 +15,10 @@ PopupWindow::PopupWindow(host::Popup& popup, QWidget* owner)
     setAttribute(Qt::WA_OpaquePaintEvent);
     setMouseTracking(true);
     setFocusPolicy(Qt::StrongFocus);
+    // Another application coming to the front takes the activation away.
+    connect(qApp, &QGuiApplication::applicationStateChanged, this, [this](Qt::ApplicationState state) {
+        if (state != Qt::ApplicationActive && isVisible()) hide();
+    });
 }
 
 template <typename F>

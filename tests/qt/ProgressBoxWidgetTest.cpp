@@ -500,6 +500,11 @@ TEST(ProgressBoxWidgetTest, APopupRunsModallyUntilItClosesOrLosesActivation) {
     });
     w.ShowModal(second, {5, 5});
     EXPECT_EQ(second.deactivated, 1);
+
+    TestPopup third;
+    QTimer::singleShot(0, [] { emit qApp->applicationStateChanged(Qt::ApplicationInactive); });
+    w.ShowModal(third, {5, 5});
+    EXPECT_EQ(third.deactivated, 1);
 }
 
 }  // namespace
