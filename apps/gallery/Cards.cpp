@@ -1,10 +1,21 @@
 #include "apps/gallery/Cards.h"
 
 #include <QFrame>
+#include <QGridLayout>
 #include <QLabel>
 #include <QVBoxLayout>
 
 namespace kelvarin::gallery {
+
+QGridLayout* CardGrid(QWidget* page) {
+    auto* grid = new QGridLayout(page);
+    grid->setContentsMargins(0, 8, 0, 0);
+    grid->setHorizontalSpacing(16);
+    grid->setVerticalSpacing(16);
+    grid->setColumnStretch(0, 1);
+    grid->setColumnStretch(1, 1);
+    return grid;
+}
 
 QFrame* Card(QWidget* parent, const QString& title, const QString& subtitle, QVBoxLayout** body) {
     auto* frame = new QFrame(parent);
@@ -28,6 +39,23 @@ QFrame* Card(QWidget* parent, const QString& title, const QString& subtitle, QVB
 QLabel* Caption(QWidget* parent, const QString& text) {
     auto* label = new QLabel(text, parent);
     label->setObjectName(QStringLiteral("caption"));
+    return label;
+}
+
+CaptionedRows::CaptionedRows(QVBoxLayout* body, int captionWidth)
+    : grid_(new QGridLayout), captionWidth_(captionWidth) {
+    grid_->setHorizontalSpacing(12);
+    grid_->setVerticalSpacing(10);
+    grid_->setColumnStretch(1, 1);
+    body->addLayout(grid_);
+}
+
+QLabel* CaptionedRows::add(const QString& caption, QWidget* field) {
+    QLabel* label = Caption(field->parentWidget(), caption);
+    label->setFixedWidth(captionWidth_);
+    grid_->addWidget(label, rows_, 0);
+    grid_->addWidget(field, rows_, 1);
+    ++rows_;
     return label;
 }
 

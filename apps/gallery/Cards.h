@@ -1,15 +1,20 @@
-// The gallery's building blocks, shared by its pages: a titled card and a
-// caption label, styled by the window's style sheet through their names.
+// The gallery's building blocks, shared by its pages: the grid of cards, a
+// titled card, captions and captioned rows, styled by the window's style
+// sheet through their names.
 #pragma once
 
 #include <QString>
 
 class QFrame;
+class QGridLayout;
 class QLabel;
 class QVBoxLayout;
 class QWidget;
 
 namespace kelvarin::gallery {
+
+// A page's layout: cards in two columns of equal width.
+QGridLayout* CardGrid(QWidget* page);
 
 // A white card with a title and, when given, a line of explanation under
 // it; `body` receives the layout to fill.
@@ -17,5 +22,19 @@ QFrame* Card(QWidget* parent, const QString& title, const QString& subtitle, QVB
 
 // A grey caption for a row of a card.
 QLabel* Caption(QWidget* parent, const QString& text);
+
+// Rows of a card, each a caption of fixed width and a field that takes the
+// rest of the line.
+class CaptionedRows {
+public:
+    CaptionedRows(QVBoxLayout* body, int captionWidth);
+    // Returns the caption, for a style of its own.
+    QLabel* add(const QString& caption, QWidget* field);
+
+private:
+    QGridLayout* grid_;
+    int captionWidth_;
+    int rows_ = 0;
+};
 
 }  // namespace kelvarin::gallery

@@ -42,12 +42,7 @@ const char* const kPatterns[] = {"dd/mm/yyyy", "d mmmm yyyy", "dddd dd/mm/yyyy",
 
 DatePage::DatePage(QWidget* parent) : QWidget(parent) {
     setObjectName(QStringLiteral("datePage"));
-    auto* grid = new QGridLayout(this);
-    grid->setContentsMargins(0, 8, 0, 0);
-    grid->setHorizontalSpacing(16);
-    grid->setVerticalSpacing(16);
-    grid->setColumnStretch(0, 1);
-    grid->setColumnStretch(1, 1);
+    QGridLayout* grid = CardGrid(this);
     buildReadout(grid);  // first: the boxes report to it as they are set up
     buildPatterns(grid);
     buildEmptyAndLimits(grid);
@@ -97,22 +92,12 @@ void DatePage::buildPatterns(QGridLayout* grid) {
         {"patternTime", "hh:nn:ss", At(1899, 12, 30, 14, 35, 20)},
         {"patternGeneral", "c", At(2024, 2, 29, 9, 5, 0)},
     };
-    auto* form = new QGridLayout;
-    form->setHorizontalSpacing(12);
-    form->setVerticalSpacing(10);
-    form->setColumnStretch(1, 1);
-    int r = 0;
+    CaptionedRows captioned(body, 130);
     for (const Row& row : rows) {
-        QLabel* label = Caption(frame, QString::fromLatin1(row.pattern));
-        label->setObjectName(QStringLiteral("readout"));
-        label->setFixedWidth(130);
         DateBoxWidget* box = dateBox(frame, QString::fromLatin1(row.name), QString::fromLatin1(row.pattern));
         box->SetValue(row.value);
-        form->addWidget(label, r, 0);
-        form->addWidget(box, r, 1);
-        ++r;
+        captioned.add(QString::fromLatin1(row.pattern), box)->setObjectName(QStringLiteral("readout"));
     }
-    body->addLayout(form);
     body->addStretch(1);
     grid->addWidget(frame, 0, 0);
 }
@@ -124,11 +109,6 @@ void DatePage::buildEmptyAndLimits(QGridLayout* grid) {
                                         "keeps the focus until its fields are filled. Limits hold for typing, "
                                         "stepping and the calendar."),
                          &body);
-    auto* form = new QGridLayout;
-    form->setHorizontalSpacing(12);
-    form->setVerticalSpacing(10);
-    form->setColumnStretch(1, 1);
-
     DateBoxWidget* empty = dateBox(frame, QStringLiteral("nullable"), QStringLiteral("dd/mm/yyyy"));
     DateBoxWidget* required = dateBox(frame, QStringLiteral("required"), QStringLiteral("dd/mm/yyyy"));
     required->SetNullable(false);
@@ -141,15 +121,8 @@ void DatePage::buildEmptyAndLimits(QGridLayout* grid) {
 
     const std::pair<const char*, DateBoxWidget*> rows[] = {
         {"Nullable, empty", empty}, {"Not Nullable", required}, {"2020 to 2029", limited}};
-    int r = 0;
-    for (const auto& [text, box] : rows) {
-        QLabel* label = Caption(frame, QString::fromLatin1(text));
-        label->setFixedWidth(130);
-        form->addWidget(label, r, 0);
-        form->addWidget(box, r, 1);
-        ++r;
-    }
-    body->addLayout(form);
+    CaptionedRows captioned(body, 130);
+    for (const auto& [text, box] : rows) captioned.add(QString::fromLatin1(text), box);
     body->addStretch(1);
     grid->addWidget(frame, 0, 1);
 }

@@ -61,7 +61,8 @@ const char* const kStyleSheet = R"(
     QLabel#readout { color: #1f2937; font-family: "DejaVu Sans Mono"; }
     QLabel#status { color: #6b7280; }
     QTabWidget#pages::pane { border: none; }
-    QTabBar::tab { padding: 6px 16px; color: #4b5563; }
+    QTabBar::tab { padding: 6px 16px; color: #4b5563; background: transparent; border: none;
+                   border-bottom: 2px solid transparent; }
     QTabBar::tab:selected { color: #111827; font-weight: 600; border-bottom: 2px solid #6366f1; }
     QPushButton#swatch { border: 1px solid #cbd2db; border-radius: 4px; min-width: 22px; max-width: 22px;
                          min-height: 22px; max-height: 22px; }
@@ -104,12 +105,7 @@ GalleryWindow::GalleryWindow(QWidget* parent) : QWidget(parent) {
 
     auto* progressPage = new QWidget(tabs_);
     progressPage->setObjectName(QStringLiteral("progressPage"));
-    auto* grid = new QGridLayout(progressPage);
-    grid->setContentsMargins(0, 8, 0, 0);
-    grid->setHorizontalSpacing(16);
-    grid->setVerticalSpacing(16);
-    grid->setColumnStretch(0, 1);
-    grid->setColumnStretch(1, 1);
+    QGridLayout* grid = CardGrid(progressPage);
     buildStyles(grid);
     buildCaptions(grid);
     buildJob(grid);
@@ -174,14 +170,8 @@ void GalleryWindow::buildStyles(QGridLayout* grid) {
         {"gaussian", "Gaussian", ProgressBoxWidget::Gaussian, kIndigoPale, kIndigo, kIndigoPale, 45},
         {"gaussian2", "Gaussian\u00b2", ProgressBoxWidget::GaussianSquared, kAmberPale, kOrange, kAmberPale, 63},
     };
-    auto* form = new QGridLayout;
-    form->setHorizontalSpacing(12);
-    form->setVerticalSpacing(10);
-    form->setColumnStretch(1, 1);
-    int r = 0;
+    CaptionedRows captioned(body, 72);
     for (const Row& row : rows) {
-        QLabel* label = Caption(frame, QString::fromUtf8(row.label));
-        label->setFixedWidth(72);
         ProgressBoxWidget* b = bar(frame, QString::fromLatin1(row.name));
         b->SetStartColor(row.start);
         b->SetFinishColor(row.finish);
@@ -190,11 +180,8 @@ void GalleryWindow::buildStyles(QGridLayout* grid) {
         b->SetValue(row.value);
         // The pivot band stands where the value is: the caption keeps clear of it.
         if (row.style != ProgressBoxWidget::Linear) b->SetAlignment(ProgressBoxWidget::RightJustify);
-        form->addWidget(label, r, 0);
-        form->addWidget(b, r, 1);
-        ++r;
+        captioned.add(QString::fromUtf8(row.label), b);
     }
-    body->addLayout(form);
     body->addStretch(1);
     grid->addWidget(frame, 0, 0);
 }
@@ -220,14 +207,8 @@ void GalleryWindow::buildCaptions(QGridLayout* grid) {
         {"captionText", "Text only", "Indexing the archive\u2026", ProgressBoxWidget::Center, false, kMint,
          kSky, 81},
     };
-    auto* form = new QGridLayout;
-    form->setHorizontalSpacing(12);
-    form->setVerticalSpacing(10);
-    form->setColumnStretch(1, 1);
-    int r = 0;
+    CaptionedRows captioned(body, 72);
     for (const Row& row : rows) {
-        QLabel* label = Caption(frame, QString::fromUtf8(row.label));
-        label->setFixedWidth(72);
         ProgressBoxWidget* b = bar(frame, QString::fromLatin1(row.name));
         b->SetStartColor(row.start);
         b->SetFinishColor(row.finish);
@@ -235,11 +216,8 @@ void GalleryWindow::buildCaptions(QGridLayout* grid) {
         b->SetShowPercentual(row.percent);
         b->SetAlignment(row.align);
         b->SetValue(row.value);
-        form->addWidget(label, r, 0);
-        form->addWidget(b, r, 1);
-        ++r;
+        captioned.add(QString::fromUtf8(row.label), b);
     }
-    body->addLayout(form);
     body->addStretch(1);
     grid->addWidget(frame, 0, 1);
 }
