@@ -21,9 +21,20 @@ bool HasAvx2() noexcept {
 #endif
 }
 
+bool HasAvx512Vbmi() noexcept {
+#if defined(__x86_64__) || defined(__i386__)
+    __builtin_cpu_init();
+    return __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw") &&
+           __builtin_cpu_supports("avx512vbmi");
+#else
+    return false;
+#endif
+}
+
 // Settings of the user-interface thread.
 bool g_enabled = SimdAvailable();
 bool g_avx2 = g_enabled && HasAvx2();
+bool g_avx512vbmi = g_avx2 && HasAvx512Vbmi();
 
 #if KELVARIN_X86
 
@@ -298,10 +309,12 @@ void EnableSimd(bool on) noexcept {
     g_enabled = on && SimdAvailable();
 #if KELVARIN_X86
     g_avx2 = g_enabled && HasAvx2();
+    g_avx512vbmi = g_avx2 && HasAvx512Vbmi();
 #endif
 }
 bool SimdEnabled() noexcept { return g_enabled; }
 bool Avx2Enabled() noexcept { return g_avx2; }
+bool Avx512VbmiEnabled() noexcept { return g_avx512vbmi; }
 
 Long GrayRowSimd(std::uint8_t* row, Long width, std::uint8_t maskBlue, std::uint8_t maskGreen,
                  std::uint8_t maskRed, bool weighted) noexcept {

@@ -15,6 +15,9 @@ void EnableSimd(bool on) noexcept;
 bool SimdEnabled() noexcept;
 // Whether the 256-bit kernels may run: enabled and the processor has AVX2.
 bool Avx2Enabled() noexcept;
+// Whether the 512-bit byte-permute kernels may run: enabled and the
+// processor has AVX-512 F, BW and VBMI.
+bool Avx512VbmiEnabled() noexcept;
 
 // Color_Gray over one row of pixels: every pixel not equal to the mask
 // (blue, green, red) becomes grey, the largest channel or the weighted

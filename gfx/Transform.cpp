@@ -23,6 +23,7 @@
 #define KELVARIN_X86 1
 #define KELVARIN_SSSE3 __attribute__((target("ssse3")))
 #define KELVARIN_AVX2 __attribute__((target("avx2")))
+#define KELVARIN_AVX512 __attribute__((target("avx2,avx512f,avx512bw,avx512vbmi")))
 #endif
 
 namespace kelvarin {
@@ -145,7 +146,37 @@ struct ColumnTables {
     std::vector<std::int32_t> at, next;  // source byte offsets per destination byte
     std::vector<Single> keep, take;
     std::size_t gatherEnd = 0;  // bytes whose 4-byte reads stay inside the row
+    // For the byte-permute kernel: per block of kBlock destination bytes, the
+    // first source byte it reads; and per destination byte, its two source
+    // bytes counted from there. Empty when a block reads a wider span than
+    // the kernel holds (a strong reduction).
+    static constexpr std::size_t kBlock = 32;
+    static constexpr std::int32_t kSpan = 128;
+    std::vector<std::int32_t> blockBase;
+    std::vector<std::uint8_t> index0, index1;
 };
+
+// Prepares the byte-permute tables; false if some block's sources are too far apart.
+bool PreparePermute(ColumnTables& t) {
+    const std::size_t blocks = t.at.size() / ColumnTables::kBlock;
+    t.blockBase.resize(blocks);
+    t.index0.resize(blocks * ColumnTables::kBlock);
+    t.index1.resize(blocks * ColumnTables::kBlock);
+    for (std::size_t b = 0; b < blocks; ++b) {
+        const std::size_t k0 = b * ColumnTables::kBlock, k1 = k0 + ColumnTables::kBlock;
+        const std::int32_t base = *std::min_element(&t.at[k0], &t.at[k0] + ColumnTables::kBlock);
+        for (std::size_t k = k0; k < k1; ++k) {
+            if (t.next[k] - base >= ColumnTables::kSpan) {
+                t.blockBase.clear();
+                return false;
+            }
+            t.index0[k] = static_cast<std::uint8_t>(t.at[k] - base);
+            t.index1[k] = static_cast<std::uint8_t>(t.next[k] - base);
+        }
+        t.blockBase[b] = base;
+    }
+    return true;
+}
 
 void InterpolateRowPlain(const ColumnTables& t, const std::uint8_t* src, std::uint8_t* out,
                          std::size_t from, std::size_t to) {
@@ -200,6 +231,61 @@ KELVARIN_AVX2 std::size_t InterpolateRowAvx2(const ColumnTables& t, const std::u
     return k;
 }
 
+// The first 16 bytes (GCC 12's cast goes through an extract it warns about).
+KELVARIN_AVX512 inline __m128i Low128(__m512i v) { return _mm_set_epi64x(v[1], v[0]); }
+
+// The same with the two source bytes of 32 destination bytes picked by
+// byte permutes from the 128 bytes where the block reads, in place of
+// gathers. Loads stop at the row's last byte.
+KELVARIN_AVX512 std::size_t InterpolateRowVbmi(const ColumnTables& t, const std::uint8_t* src,
+                                               std::size_t srcBytes, std::uint8_t* out) {
+    std::size_t k = 0;
+    for (std::size_t b = 0; b < t.blockBase.size(); ++b, k += ColumnTables::kBlock) {
+        const auto base = static_cast<std::size_t>(t.blockBase[b]);
+        const std::size_t left = srcBytes - base;
+        const __mmask64 m0 = left >= 64 ? ~__mmask64{0} : (__mmask64{1} << left) - 1;
+        const __mmask64 m1 = left >= 128 ? ~__mmask64{0}
+                             : left > 64  ? (__mmask64{1} << (left - 64)) - 1
+                                          : 0;
+        const __m512i lo = _mm512_maskz_loadu_epi8(m0, src + base);
+        const __m512i hi = _mm512_maskz_loadu_epi8(m1, src + base + 64);
+        // Sixteen destination bytes at a time; the zero-masked forms of the
+        // conversions (all lanes on) keep GCC 12 from warning of the plain
+        // forms' undefined pass-through.
+        constexpr __mmask16 all = 0xFFFF;
+        for (std::size_t at = k; at < k + ColumnTables::kBlock; at += 16) {
+            const __m512i i0 = _mm512_maskz_loadu_epi8(all, &t.index0[at]);
+            const __m512i i1 = _mm512_maskz_loadu_epi8(all, &t.index1[at]);
+            const __m128i b0 = Low128(_mm512_permutex2var_epi8(lo, i0, hi));
+            const __m128i b1 = Low128(_mm512_permutex2var_epi8(lo, i1, hi));
+            const __m512 a = _mm512_maskz_cvtepi32_ps(all, _mm512_maskz_cvtepu8_epi32(all, b0));
+            const __m512 c = _mm512_maskz_cvtepi32_ps(all, _mm512_maskz_cvtepu8_epi32(all, b1));
+            const __m512 v = _mm512_add_ps(_mm512_mul_ps(_mm512_loadu_ps(&t.keep[at]), a),
+                                           _mm512_mul_ps(_mm512_loadu_ps(&t.take[at]), c));
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(out + at),
+                             _mm512_maskz_cvtusepi32_epi8(all, _mm512_maskz_cvtps_epi32(all, v)));
+        }
+    }
+    return k;
+}
+
+KELVARIN_AVX512 std::size_t BlendRowsAvx512(const std::uint8_t* a, const std::uint8_t* b, Single keep,
+                                          Single take, std::uint8_t* out, std::size_t end) {
+    const __m512 wa = _mm512_set1_ps(keep), wb = _mm512_set1_ps(take);
+    constexpr __mmask16 all = 0xFFFF;  // zero-masked forms, as above
+    std::size_t k = 0;
+    for (; k + 16 <= end; k += 16) {
+        const __m512 pa = _mm512_maskz_cvtepi32_ps(
+            all, _mm512_maskz_cvtepu8_epi32(all, _mm_loadu_si128(reinterpret_cast<const __m128i*>(a + k))));
+        const __m512 pb = _mm512_maskz_cvtepi32_ps(
+            all, _mm512_maskz_cvtepu8_epi32(all, _mm_loadu_si128(reinterpret_cast<const __m128i*>(b + k))));
+        const __m512 v = _mm512_add_ps(_mm512_mul_ps(wa, pa), _mm512_mul_ps(wb, pb));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(out + k),
+                         _mm512_maskz_cvtusepi32_epi8(all, _mm512_maskz_cvtps_epi32(all, v)));
+    }
+    return k;
+}
+
 KELVARIN_AVX2 std::size_t BlendRowsAvx2(const std::uint8_t* a, const std::uint8_t* b, Single keep,
                                         Single take, std::uint8_t* out, std::size_t end) {
     const __m256 wa = _mm256_set1_ps(keep), wb = _mm256_set1_ps(take);
@@ -242,6 +328,8 @@ void ResampleFast(const Rows& from, const Rows& to, Single sx, Single sy) {
     while (t.gatherEnd < outBytes && t.next[t.gatherEnd] + 4 <= rowPixelBytes) ++t.gatherEnd;
 
     const bool avx2 = Avx2Enabled();
+    const bool permute = Avx512VbmiEnabled() && PreparePermute(t);
+    const auto srcBytes = static_cast<std::size_t>(rowPixelBytes);
     Bytes cache[2] = {Bytes(outBytes + 32), Bytes(outBytes + 32)};
     Long cached[2] = {-1, -1};
     auto across = [&](Long y) -> const std::uint8_t* {
@@ -253,7 +341,11 @@ void ResampleFast(const Rows& from, const Rows& to, Single sx, Single sy) {
         std::size_t done = 0;
 #if KELVARIN_X86
         const std::size_t safe = y + 1 < from.height ? outBytes : t.gatherEnd;
-        if (avx2) done = InterpolateRowAvx2(t, src, cache[slot].data(), safe);
+        if (permute) {
+            done = InterpolateRowVbmi(t, src, srcBytes, cache[slot].data());
+        } else if (avx2) {
+            done = InterpolateRowAvx2(t, src, cache[slot].data(), safe);
+        }
 #endif
         InterpolateRowPlain(t, src, cache[slot].data(), done, outBytes);
         cached[slot] = y;
@@ -266,7 +358,11 @@ void ResampleFast(const Rows& from, const Rows& to, Single sx, Single sy) {
         std::uint8_t* out = to.Row(j);
         std::size_t done = 0;
 #if KELVARIN_X86
-        if (avx2) done = BlendRowsAvx2(a, b, row.keep, row.take, out, outBytes);
+        if (permute) {
+            done = BlendRowsAvx512(a, b, row.keep, row.take, out, outBytes);
+        } else if (avx2) {
+            done = BlendRowsAvx2(a, b, row.keep, row.take, out, outBytes);
+        }
 #endif
         BlendRowsPlain(a, b, row.keep, row.take, out, done, outBytes);
     }
