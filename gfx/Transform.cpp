@@ -6,8 +6,9 @@
 //
 // Every operation keeps a plain loop that follows its rule pixel by pixel
 // from a full copy; that loop is the reference. The fast paths (in-place
-// swaps, a row cache and 256-bit kernels for the resample, cache tiles for
-// the turn) give the same bytes and run while the vector kernels are enabled
+// swaps; for the resample a row cache with 256-bit gathers or 512-bit byte
+// permutes, and both passes at once where rows are not shared; cache tiles
+// for the turn) give the same bytes and run while the vector kernels are enabled
 // (gfx_detail::EnableSimd); the tests compare both on random images.
 #include "gfx/clsGFX_2D.h"
 
@@ -232,56 +233,99 @@ KELVARIN_AVX2 std::size_t InterpolateRowAvx2(const ColumnTables& t, const std::u
 }
 
 // The first 16 bytes (GCC 12's cast goes through an extract it warns about).
-KELVARIN_AVX512 inline __m128i Low128(__m512i v) { return _mm_set_epi64x(v[1], v[0]); }
+KELVARIN_AVX512 inline __m128i Low128(__m512i v) {
+    return _mm_set_epi64x(v[1], v[0]);
+}
 
 // The same with the two source bytes of 32 destination bytes picked by
 // byte permutes from the 128 bytes where the block reads, in place of
-// gathers. Loads stop at the row's last byte.
+// gathers. Loads stop at the row's last byte. The zero-masked forms of the
+// conversions (all lanes on) keep GCC 12 from warning of the plain forms'
+// undefined pass-through.
+constexpr __mmask16 kAllLanes = 0xFFFF;
+
+struct BlockBytes {
+    __m512i lo, hi;
+};
+
+KELVARIN_AVX512 inline BlockBytes LoadBlock(const std::uint8_t* src, std::size_t base,
+                                            std::size_t srcBytes) {
+    const std::size_t left = srcBytes - base;
+    const __mmask64 m0 = left >= 64 ? ~__mmask64{0} : (__mmask64{1} << left) - 1;
+    const __mmask64 m1 = left >= 128 ? ~__mmask64{0}
+                         : left > 64 ? (__mmask64{1} << (left - 64)) - 1
+                                     : 0;
+    return {_mm512_maskz_loadu_epi8(m0, src + base), _mm512_maskz_loadu_epi8(m1, src + base + 64)};
+}
+
+KELVARIN_AVX512 inline __m512 Floats16(__m128i bytes) {
+    return _mm512_maskz_cvtepi32_ps(kAllLanes, _mm512_maskz_cvtepu8_epi32(kAllLanes, bytes));
+}
+
+// Sixteen destination bytes across one source row, rounded, as 32-bit lanes.
+KELVARIN_AVX512 inline __m512i Across16(const BlockBytes& s, __m512i i0, __m512i i1, __m512 keep,
+                                        __m512 take) {
+    const __m512 a = Floats16(Low128(_mm512_permutex2var_epi8(s.lo, i0, s.hi)));
+    const __m512 b = Floats16(Low128(_mm512_permutex2var_epi8(s.lo, i1, s.hi)));
+    return _mm512_maskz_cvtps_epi32(kAllLanes,
+                                    _mm512_add_ps(_mm512_mul_ps(keep, a), _mm512_mul_ps(take, b)));
+}
+
+KELVARIN_AVX512 inline void Store16(std::uint8_t* out, __m512i lanes) {
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(out),
+                     _mm512_maskz_cvtusepi32_epi8(kAllLanes, lanes));
+}
+
 KELVARIN_AVX512 std::size_t InterpolateRowVbmi(const ColumnTables& t, const std::uint8_t* src,
                                                std::size_t srcBytes, std::uint8_t* out) {
     std::size_t k = 0;
     for (std::size_t b = 0; b < t.blockBase.size(); ++b, k += ColumnTables::kBlock) {
-        const auto base = static_cast<std::size_t>(t.blockBase[b]);
-        const std::size_t left = srcBytes - base;
-        const __mmask64 m0 = left >= 64 ? ~__mmask64{0} : (__mmask64{1} << left) - 1;
-        const __mmask64 m1 = left >= 128 ? ~__mmask64{0}
-                             : left > 64  ? (__mmask64{1} << (left - 64)) - 1
-                                          : 0;
-        const __m512i lo = _mm512_maskz_loadu_epi8(m0, src + base);
-        const __m512i hi = _mm512_maskz_loadu_epi8(m1, src + base + 64);
-        // Sixteen destination bytes at a time; the zero-masked forms of the
-        // conversions (all lanes on) keep GCC 12 from warning of the plain
-        // forms' undefined pass-through.
-        constexpr __mmask16 all = 0xFFFF;
+        const BlockBytes s = LoadBlock(src, static_cast<std::size_t>(t.blockBase[b]), srcBytes);
         for (std::size_t at = k; at < k + ColumnTables::kBlock; at += 16) {
-            const __m512i i0 = _mm512_maskz_loadu_epi8(all, &t.index0[at]);
-            const __m512i i1 = _mm512_maskz_loadu_epi8(all, &t.index1[at]);
-            const __m128i b0 = Low128(_mm512_permutex2var_epi8(lo, i0, hi));
-            const __m128i b1 = Low128(_mm512_permutex2var_epi8(lo, i1, hi));
-            const __m512 a = _mm512_maskz_cvtepi32_ps(all, _mm512_maskz_cvtepu8_epi32(all, b0));
-            const __m512 c = _mm512_maskz_cvtepi32_ps(all, _mm512_maskz_cvtepu8_epi32(all, b1));
-            const __m512 v = _mm512_add_ps(_mm512_mul_ps(_mm512_loadu_ps(&t.keep[at]), a),
-                                           _mm512_mul_ps(_mm512_loadu_ps(&t.take[at]), c));
-            _mm_storeu_si128(reinterpret_cast<__m128i*>(out + at),
-                             _mm512_maskz_cvtusepi32_epi8(all, _mm512_maskz_cvtps_epi32(all, v)));
+            Store16(out + at, Across16(s, _mm512_maskz_loadu_epi8(kAllLanes, &t.index0[at]),
+                                       _mm512_maskz_loadu_epi8(kAllLanes, &t.index1[at]),
+                                       _mm512_loadu_ps(&t.keep[at]), _mm512_loadu_ps(&t.take[at])));
         }
     }
     return k;
 }
 
-KELVARIN_AVX512 std::size_t BlendRowsAvx512(const std::uint8_t* a, const std::uint8_t* b, Single keep,
-                                          Single take, std::uint8_t* out, std::size_t end) {
+// Both passes at once for a destination row whose two source rows no other
+// row shares: across each, rounded, then blended down, as the two passes
+// would round them.
+KELVARIN_AVX512 std::size_t ResampleRowVbmi(const ColumnTables& t, const std::uint8_t* low,
+                                            const std::uint8_t* high, std::size_t srcBytes,
+                                            Single keep, Single take, std::uint8_t* out) {
     const __m512 wa = _mm512_set1_ps(keep), wb = _mm512_set1_ps(take);
-    constexpr __mmask16 all = 0xFFFF;  // zero-masked forms, as above
+    std::size_t k = 0;
+    for (std::size_t b = 0; b < t.blockBase.size(); ++b, k += ColumnTables::kBlock) {
+        const auto base = static_cast<std::size_t>(t.blockBase[b]);
+        const BlockBytes sa = LoadBlock(low, base, srcBytes);
+        const BlockBytes sb = LoadBlock(high, base, srcBytes);
+        for (std::size_t at = k; at < k + ColumnTables::kBlock; at += 16) {
+            const __m512i i0 = _mm512_maskz_loadu_epi8(kAllLanes, &t.index0[at]);
+            const __m512i i1 = _mm512_maskz_loadu_epi8(kAllLanes, &t.index1[at]);
+            const __m512 ck = _mm512_loadu_ps(&t.keep[at]), ct = _mm512_loadu_ps(&t.take[at]);
+            const __m512 a = _mm512_maskz_cvtepi32_ps(kAllLanes, Across16(sa, i0, i1, ck, ct));
+            const __m512 c = _mm512_maskz_cvtepi32_ps(kAllLanes, Across16(sb, i0, i1, ck, ct));
+            Store16(out + at,
+                    _mm512_maskz_cvtps_epi32(
+                        kAllLanes, _mm512_add_ps(_mm512_mul_ps(wa, a), _mm512_mul_ps(wb, c))));
+        }
+    }
+    return k;
+}
+
+KELVARIN_AVX512 std::size_t BlendRowsAvx512(const std::uint8_t* a, const std::uint8_t* b,
+                                            Single keep, Single take, std::uint8_t* out,
+                                            std::size_t end) {
+    const __m512 wa = _mm512_set1_ps(keep), wb = _mm512_set1_ps(take);
     std::size_t k = 0;
     for (; k + 16 <= end; k += 16) {
-        const __m512 pa = _mm512_maskz_cvtepi32_ps(
-            all, _mm512_maskz_cvtepu8_epi32(all, _mm_loadu_si128(reinterpret_cast<const __m128i*>(a + k))));
-        const __m512 pb = _mm512_maskz_cvtepi32_ps(
-            all, _mm512_maskz_cvtepu8_epi32(all, _mm_loadu_si128(reinterpret_cast<const __m128i*>(b + k))));
-        const __m512 v = _mm512_add_ps(_mm512_mul_ps(wa, pa), _mm512_mul_ps(wb, pb));
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(out + k),
-                         _mm512_maskz_cvtusepi32_epi8(all, _mm512_maskz_cvtps_epi32(all, v)));
+        const __m512 pa = Floats16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(a + k)));
+        const __m512 pb = Floats16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(b + k)));
+        Store16(out + k, _mm512_maskz_cvtps_epi32(kAllLanes, _mm512_add_ps(_mm512_mul_ps(wa, pa),
+                                                                           _mm512_mul_ps(wb, pb))));
     }
     return k;
 }
@@ -353,6 +397,26 @@ void ResampleFast(const Rows& from, const Rows& to, Single sx, Single sy) {
     };
     for (Long j = 0; j < to.height; ++j) {
         const Sample row = SampleAt(j, sy, from.height);
+#if KELVARIN_X86
+        // Rows that neither the row before nor the row after reads go
+        // through both passes at once.
+        const bool shared = cached[0] == row.at || cached[1] == row.at || cached[0] == row.next ||
+                            cached[1] == row.next ||
+                            (j + 1 < to.height && SampleAt(j + 1, sy, from.height).at <= row.next);
+        if (permute && !shared) {
+            std::uint8_t* out = to.Row(j);
+            const std::uint8_t* low = from.Row(row.at);
+            const std::uint8_t* high = from.Row(row.next);
+            const std::size_t done =
+                ResampleRowVbmi(t, low, high, srcBytes, row.keep, row.take, out);
+            for (std::size_t k = done; k < outBytes; ++k) {  // the last bytes, as the plain loop
+                const Single a = RoundByte(t.keep[k] * low[t.at[k]] + t.take[k] * low[t.next[k]]);
+                const Single b = RoundByte(t.keep[k] * high[t.at[k]] + t.take[k] * high[t.next[k]]);
+                out[k] = RoundByte(row.keep * a + row.take * b);
+            }
+            continue;
+        }
+#endif
         const std::uint8_t* a = across(row.at);
         const std::uint8_t* b = across(row.next);
         std::uint8_t* out = to.Row(j);

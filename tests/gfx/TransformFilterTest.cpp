@@ -366,7 +366,9 @@ TEST(FastPaths, MatchThePlainLoopsOnRandomImages) {
     ExpectSameBytes("FlipY", [](clsGFX_2D& g) { g.Image_FlipY(); });
     ExpectSameBytes("Rotate", [](clsGFX_2D& g) { g.Image_Rotate(); }, {1, 5, 7, 37, 70},
                     {1, 5, 7, 37, 70});
-    const struct { Long w, h; } sizes[] = {{2, 2}, {3, 5}, {11, 9}, {37, 21}, {71, 33}, {140, 3}};
+    const struct {
+        Long w, h;
+    } sizes[] = {{2, 2}, {3, 5}, {11, 9}, {23, 6}, {35, 9}, {37, 21}, {71, 33}, {140, 3}};
     for (const auto& s : sizes) {
         ExpectSameBytes("Resample", [&](clsGFX_2D& g) { g.Image_Resample(s.w, s.h); });
     }
