@@ -370,10 +370,13 @@ KELVARIN_AVX2 void SmoothWavefront(const Rows& rows) {
     for (Long xs = x0; xs <= x1; xs += kLanes) {
         const int lanes = static_cast<int>(std::min<Long>(kLanes, x1 - xs + 1));
         const int columns = static_cast<int>(std::min<Long>(kLanes, rows.width - 1 - xs));
-        for (Long y = y0 - 1; y <= y1 + 1; ++y) {
+        // A pixel goes in as four bytes; the fourth lands on the next column
+        // two image rows lower, which is copied after it (rows go downwards).
+        // The image row read is never its last: four bytes stay inside it.
+        for (Long y = y1 + 1; y >= y0 - 1; --y) {
             const std::uint8_t* from = rows.Row(y) + 3 * xs;
             for (int k = -1; k <= columns; ++k)
-                std::memcpy(cell(y + 2 * (k + 1), k), from + 3 * k, 3);
+                std::memcpy(cell(y + 2 * (k + 1), k), from + 3 * k, 4);
         }
         // Step t does image row t - 2k of lane k, all at buffer row t + 2.
         for (Long t = y0; t <= y1 + 2 * (lanes - 1); ++t) {
@@ -396,9 +399,13 @@ KELVARIN_AVX2 void SmoothWavefront(const Rows& rows) {
             _mm256_storeu_si256(reinterpret_cast<__m256i*>(cell(s, 0)),
                                 _mm256_blendv_epi8(w.v[1][1], result, active));
         }
+        // Out as four bytes too, the fourth overwritten by the next lane;
+        // the last lane's three exactly, its neighbour is not done.
         for (Long y = y0; y <= y1; ++y) {
             std::uint8_t* to = rows.Row(y) + 3 * xs;
-            for (int k = 0; k < lanes; ++k) std::memcpy(to + 3 * k, cell(y + 2 * (k + 1), k), 3);
+            int k = 0;
+            for (; k < lanes - 1; ++k) std::memcpy(to + 3 * k, cell(y + 2 * (k + 1), k), 4);
+            std::memcpy(to + 3 * k, cell(y + 2 * (k + 1), k), 3);
         }
     }
 }
