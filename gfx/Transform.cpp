@@ -7,8 +7,9 @@
 // Every operation keeps a plain loop that follows its rule pixel by pixel
 // from a full copy; that loop is the reference. The fast paths (in-place
 // swaps; for the resample a row cache with 256-bit gathers or 512-bit byte
-// permutes, and both passes at once where rows are not shared; cache tiles
-// for the turn) give the same bytes and run while the vector kernels are enabled
+// permutes, and both passes at once where rows are not shared; for the
+// 24-bit turn, tiles moved in place round cycles of four) give the same
+// bytes and run while the vector kernels are enabled
 // (gfx_detail::EnableSimd); the tests compare both on random images.
 #include "gfx/clsGFX_2D.h"
 
@@ -455,7 +456,7 @@ template <int kBytes, typename Rows>
 void RotateTiled(const Rows& rows) {
     const RowsCopy copy = CopyRows(rows, kBytes);
     const Long n = rows.width;
-    constexpr Long kTile = 8;
+    constexpr Long kTile = 64;
     for (Long c0 = 0; c0 < n; c0 += kTile) {
         const Long c1 = std::min(c0 + kTile, n);
         for (Long r0 = 0; r0 < n; r0 += kTile) {
@@ -471,6 +472,114 @@ void RotateTiled(const Rows& rows) {
                                 kBytes);
                 }
             }
+        }
+    }
+}
+
+
+// A 24-bit square turns in place, a tile at a time. The turn moves every
+// pixel around a cycle of four, one in each quadrant: quadrant 0 (x below
+// (n + 1) / 2, y below n / 2) takes its pixels from quadrant 1, that one from
+// quadrant 2, that from 3, and 3 from 0; the centre of an odd side stays. So
+// a tile of quadrant 0 is saved, then each of the four places is filled from
+// the next, which is still untouched, and the last from the saved copy. No
+// copy of the whole image is made, and the pixels of one tile's four places
+// stay in the cache.
+struct Plane24 {
+    std::uint8_t* base;  // pixel (x0, y0)
+    std::ptrdiff_t stride;
+    Long x0, y0;
+    std::uint8_t* At(Long x, Long y) const {
+        return base + static_cast<std::ptrdiff_t>(y - y0) * stride +
+               3 * static_cast<std::ptrdiff_t>(x - x0);
+    }
+};
+
+#if KELVARIN_X86
+// Eight pixels of eight rows across the diagonal: destination row i gets
+// pixel i of source rows 0..7 in order. Each row is read and written as
+// exactly its 24 bytes; a pixel travels as a 32-bit lane.
+KELVARIN_AVX2 inline void Transpose8x8Px24(const std::uint8_t* src, std::ptrdiff_t srcStride,
+                                           std::uint8_t* dst, std::ptrdiff_t dstStride) {
+    // Bytes 0..15 in the low half, 8..23 in the high half.
+    const __m256i widen = _mm256_setr_epi8(0, 1, 2, -1, 3, 4, 5, -1, 6, 7, 8, -1, 9, 10, 11, -1,
+                                           4, 5, 6, -1, 7, 8, 9, -1, 10, 11, 12, -1, 13, 14, 15, -1);
+    const __m256i narrow = _mm256_setr_epi8(0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, -1, -1, -1, -1,
+                                            0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, -1, -1, -1, -1);
+    const __m256i join = _mm256_setr_epi32(0, 1, 2, 4, 5, 6, 3, 7);
+    __m256i v[8];
+    for (int j = 0; j < 8; ++j) {
+        const std::uint8_t* p = src + j * srcStride;
+        v[j] = _mm256_shuffle_epi8(
+            _mm256_setr_m128i(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p)),
+                              _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + 8))),
+            widen);
+    }
+    __m256i t[8], u[8];
+    for (int j = 0; j < 8; j += 2) {
+        t[j] = _mm256_unpacklo_epi32(v[j], v[j + 1]);
+        t[j + 1] = _mm256_unpackhi_epi32(v[j], v[j + 1]);
+    }
+    for (int j = 0; j < 8; j += 4) {
+        u[j] = _mm256_unpacklo_epi64(t[j], t[j + 2]);
+        u[j + 1] = _mm256_unpackhi_epi64(t[j], t[j + 2]);
+        u[j + 2] = _mm256_unpacklo_epi64(t[j + 1], t[j + 3]);
+        u[j + 3] = _mm256_unpackhi_epi64(t[j + 1], t[j + 3]);
+    }
+    for (int i = 0; i < 8; ++i) {
+        const __m256i column = i < 4 ? _mm256_permute2x128_si256(u[i], u[i + 4], 0x20)
+                                     : _mm256_permute2x128_si256(u[i - 4], u[i], 0x31);
+        const __m256i packed =
+            _mm256_permutevar8x32_epi32(_mm256_shuffle_epi8(column, narrow), join);
+        std::uint8_t* q = dst + i * dstStride;
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(q), _mm256_castsi256_si128(packed));
+        _mm_storel_epi64(reinterpret_cast<__m128i*>(q + 16), _mm256_extracti128_si256(packed, 1));
+    }
+}
+#endif
+
+// The destination rectangle x in [xa, xb), y in [ya, yb) takes its pixels
+// from src as the turn says: new (x = r, y = c) is old (x = c, y = n - 1 - r).
+void TurnInto(const Plane24& dst, const Plane24& src, Long xa, Long xb, Long ya, Long yb, Long n,
+              bool wide) {
+    Long c = ya;
+#if KELVARIN_X86
+    if (wide) {
+        for (; c + 8 <= yb; c += 8) {
+            Long r = xa;
+            for (; r + 8 <= xb; r += 8)
+                Transpose8x8Px24(src.At(c, n - 1 - r), -src.stride, dst.At(r, c), dst.stride);
+            for (Long cc = c; cc < c + 8; ++cc) {
+                for (Long rr = r; rr < xb; ++rr) std::memcpy(dst.At(rr, cc), src.At(cc, n - 1 - rr), 3);
+            }
+        }
+    }
+#else
+    (void)wide;
+#endif
+    for (; c < yb; ++c) {
+        for (Long r = xa; r < xb; ++r) std::memcpy(dst.At(r, c), src.At(c, n - 1 - r), 3);
+    }
+}
+
+template <typename Rows>
+void RotateInPlace24(const Rows& rows, bool wide) {
+    const Long n = rows.width;
+    const Long qx = (n + 1) / 2, qy = n / 2;  // quadrant 0
+    constexpr Long kTile = 64;
+    const Plane24 image{rows.Row(0), rows.stride, 0, 0};
+    Bytes saved(static_cast<std::size_t>(kTile * kTile * 3));
+    for (Long y0 = 0; y0 < qy; y0 += kTile) {
+        const Long y1 = std::min(y0 + kTile, qy);
+        for (Long x0 = 0; x0 < qx; x0 += kTile) {
+            const Long x1 = std::min(x0 + kTile, qx);
+            const Plane24 copy{saved.data(), kTile * 3, x0, y0};
+            for (Long y = y0; y < y1; ++y)
+                std::memcpy(copy.At(x0, y), image.At(x0, y), static_cast<std::size_t>(3 * (x1 - x0)));
+            TurnInto(image, image, x0, x1, y0, y1, n, wide);                  // from quadrant 1
+            TurnInto(image, image, y0, y1, n - x1, n - x0, n, wide);          // from quadrant 2
+            TurnInto(image, image, n - x1, n - x0, n - y1, n - y0, n, wide);  // from quadrant 3
+            TurnInto(image, copy, n - y1, n - y0, x0, x1, n, wide);           // from the saved tile
         }
     }
 }
@@ -613,7 +722,7 @@ bool clsGFX_2D::Image_Rotate() {
             RotateTiled<2>(rows);
             break;
         case 3:
-            RotateTiled<3>(rows);
+            RotateInPlace24(rows, Avx2Enabled());
             break;
         default:
             RotateTiled<4>(rows);

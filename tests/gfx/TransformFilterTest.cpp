@@ -364,8 +364,11 @@ void ExpectSameBytes(const char* what, const std::function<void(clsGFX_2D&)>& op
 TEST(FastPaths, MatchThePlainLoopsOnRandomImages) {
     ExpectSameBytes("FlipX", [](clsGFX_2D& g) { g.Image_FlipX(); });
     ExpectSameBytes("FlipY", [](clsGFX_2D& g) { g.Image_FlipY(); });
-    ExpectSameBytes("Rotate", [](clsGFX_2D& g) { g.Image_Rotate(); }, {1, 5, 7, 37, 70},
-                    {1, 5, 7, 37, 70});
+    // Squares of every side to 17, and sides where the quarters span
+    // several tiles with blocks left over; and refusals of other shapes.
+    for (Long n : {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 31, 33, 70, 129, 137})
+        ExpectSameBytes("Rotate", [](clsGFX_2D& g) { g.Image_Rotate(); }, {n}, {n});
+    ExpectSameBytes("Rotate", [](clsGFX_2D& g) { g.Image_Rotate(); }, {5, 37}, {7, 36});
     const struct {
         Long w, h;
     } sizes[] = {{2, 2}, {3, 5}, {11, 9}, {23, 6}, {35, 9}, {37, 21}, {71, 33}, {140, 3}};
