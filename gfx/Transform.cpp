@@ -91,6 +91,24 @@ KELVARIN_SSSE3 void ReverseRow24(std::uint8_t* row, const std::uint8_t* copy, Lo
                     copy + 3 * static_cast<std::ptrdiff_t>(width - 1 - x), 3);
     }
 }
+
+// Two rows exchanged through registers, 128 bytes a step: each byte is read
+// and written once, with no row in between.
+KELVARIN_AVX2 void SwapRowsAvx2(std::uint8_t* a, std::uint8_t* b, std::size_t bytes) {
+    std::size_t k = 0;
+    for (; k + 128 <= bytes; k += 128) {
+        __m256i va[4], vb[4];
+        for (int q = 0; q < 4; ++q) {
+            va[q] = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(a + k + 32 * q));
+            vb[q] = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(b + k + 32 * q));
+        }
+        for (int q = 0; q < 4; ++q) {
+            _mm256_storeu_si256(reinterpret_cast<__m256i*>(a + k + 32 * q), vb[q]);
+            _mm256_storeu_si256(reinterpret_cast<__m256i*>(b + k + 32 * q), va[q]);
+        }
+    }
+    for (; k < bytes; ++k) std::swap(a[k], b[k]);
+}
 #endif
 
 // ---- 2. Bilinear resample --------------------------------------------------
@@ -653,6 +671,12 @@ void clsGFX_2D::Image_FlipY() {
         for (Long y = 0; y < h; ++y) std::memcpy(rows.Row(y), copy.Row(h - 1 - y), rowBytes);
         return;
     }
+#if KELVARIN_X86
+    if (Avx2Enabled()) {
+        for (Long y = 0; y < h / 2; ++y) SwapRowsAvx2(rows.Row(y), rows.Row(h - 1 - y), rowBytes);
+        return;
+    }
+#endif
     Bytes spare(rowBytes);
     for (Long y = 0; y < h / 2; ++y) {
         std::memcpy(spare.data(), rows.Row(y), rowBytes);
