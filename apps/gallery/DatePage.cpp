@@ -26,7 +26,8 @@ QDateTime At(int year, int month, int day, int hour = 0, int minute = 0, int sec
     return QDateTime(QDate(year, month, day), QTime(hour, minute, second), Qt::UTC);
 }
 
-// A value as the host writes a date: "25/12/2007", "14:35:20", or both.
+// A value as the host writes it: the short date of the user's locale, the
+// time of day, or both.
 QString HostText(const QVariant& value) {
     if (value.isNull() || value.metaType().id() == QMetaType::Nullptr) return QStringLiteral("Null");
     return QString::fromStdString(DateToText(qt::ControlWidget::ToVariant(value).ToDate()));
