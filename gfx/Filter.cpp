@@ -25,6 +25,7 @@
 #include <immintrin.h>
 #define KELVARIN_X86 1
 #define KELVARIN_AVX2 __attribute__((target("avx2")))
+#define KELVARIN_AVX512 __attribute__((target("avx2,avx512f,avx512bw,avx512vbmi")))
 #endif
 
 namespace kelvarin {
@@ -409,6 +410,198 @@ KELVARIN_AVX2 void SmoothWavefront(const Rows& rows) {
         }
     }
 }
+
+// The same wavefront on 512-bit vectors, 19 lanes (bytes 3..59; bytes 0..2
+// hold column -1, 60..62 column 19), streamed through a short run of skew
+// rows that stays in the first-level cache: each step moves one image row
+// in, keeps the seven skew rows around the current one in registers (a
+// result is used at once, not stored and read back) and moves one finished
+// image row out. Pixels move as four-byte words: in from one byte before
+// the pixel, so that the spare byte lands on the last byte of the lane to
+// the left in a skew row which that lane fills two steps later; out in lane
+// order, each spare byte overwritten by the next lane's word, the last
+// lane's three bytes exactly.
+constexpr int kWideLanes = 19;
+constexpr Long kInAhead = 10;                    // image row t + 10 moves in at step t
+constexpr Long kOutBehind = 2 * kWideLanes + 2;  // image row t - 40 moves out
+constexpr Long kPrefetchAhead = 5;               // row t + 15 is asked for
+constexpr std::size_t kRunStride = 64;
+// From one lane's bytes in skew row q to the next lane's in row q + 2.
+constexpr std::ptrdiff_t kLaneStep = 2 * kRunStride + 3;
+
+// Skew rows base .. base + kRows - 1; when a step would pass the end, the
+// rows still in use move to the front.
+class SkewRun {
+  public:
+    static constexpr Long kRows = 256;
+    // A move then always frees rows: those in use span fewer than kRows.
+    static_assert(kRows > kInAhead + 2 * kWideLanes + kOutBehind);
+    SkewRun() : bytes_(1 + kRows * kRunStride) {}  // a spare byte before row 0
+    void Reset(Long base) { base_ = base; }
+    std::uint8_t* Row(Long q) {
+        return bytes_.data() + 1 + static_cast<std::size_t>(q - base_) * kRunStride;
+    }
+    // Keeps the rows from `from` on, making room up to row `to`.
+    void Reach(Long from, Long to) {
+        if (to < base_ + kRows) return;
+        std::memmove(bytes_.data() + 1, Row(from),
+                     static_cast<std::size_t>(base_ + kRows - from) * kRunStride);
+        base_ = from;
+    }
+
+  private:
+    std::vector<std::uint8_t> bytes_;
+    Long base_ = 0;
+};
+
+KELVARIN_AVX512 inline __m512i Min(__m512i a, __m512i b) {
+    return _mm512_min_epu8(a, b);
+}
+KELVARIN_AVX512 inline __m512i Max(__m512i a, __m512i b) {
+    return _mm512_max_epu8(a, b);
+}
+KELVARIN_AVX512 inline __m512i Med3(__m512i a, __m512i b, __m512i c) {
+    return Max(Min(a, b), Min(Max(a, b), c));
+}
+
+// Rows a (below), b, c (above) of the left, centre and right views.
+KELVARIN_AVX512 inline __m512i Median9(__m512i la, __m512i lb, __m512i lc, __m512i ca, __m512i cb,
+                                       __m512i cc, __m512i ra, __m512i rb, __m512i rc) {
+    const __m512i lmn = Min(la, lb), lmx = Max(la, lb);
+    const __m512i cmn = Min(ca, cb), cmx = Max(ca, cb);
+    const __m512i rmn = Min(ra, rb), rmx = Max(ra, rb);
+    const __m512i low = Max(Max(Min(lmn, lc), Min(cmn, cc)), Min(rmn, rc));
+    const __m512i high = Min(Min(Max(lmx, lc), Max(cmx, cc)), Max(rmx, rc));
+    const __m512i mid =
+        Med3(Max(lmn, Min(lmx, lc)), Max(cmn, Min(cmx, cc)), Max(rmn, Min(rmx, rc)));
+    return Med3(low, mid, high);
+}
+
+KELVARIN_AVX512 inline __m512i LineKeeping9(__m512i la, __m512i lb, __m512i lc, __m512i ca,
+                                            __m512i cb, __m512i cc, __m512i ra, __m512i rb,
+                                            __m512i rc) {
+    const __m512i z0 = Med3(lb, cb, rb);
+    const __m512i z1 = Med3(ca, cb, cc);
+    const __m512i z2 = Med3(la, cb, rc);
+    const __m512i z3 = Med3(lc, cb, ra);
+    return Med3(cb, Max(Max(z0, z1), Max(z2, z3)), Min(Min(z0, z1), Min(z2, z3)));
+}
+
+// Bytes 3(first + 1) to 3(last + 1) + 2: lanes first..last.
+inline __mmask64 LaneBytes(Long first, Long last) {
+    if (last < first) return 0;
+    const auto count = static_cast<unsigned>(3 * (last - first + 1));
+    return (~__mmask64{0} >> (64 - count)) << (3 * (first + 1));
+}
+
+// The zero-masked form, all lanes on: GCC 12 warns of the plain form's
+// undefined pass-through.
+KELVARIN_AVX512 inline __m512i Shifted(__m512i index, __m512i v) {
+    return _mm512_maskz_permutexvar_epi8(~__mmask64{0}, index, v);
+}
+
+// Image row y's pixels of columns -1 .. count - 2 into their skew rows.
+template <int kCount>
+inline void MoveIn(const std::uint8_t* from, std::uint8_t* to, int count) {
+    if (kCount > 0) count = kCount;
+    for (int j = 0; j < count; ++j) std::memcpy(to + j * kLaneStep, from + 3 * j, 4);
+}
+
+// Lanes 0 .. count - 1 of image row y from their skew rows.
+template <int kCount>
+inline void MoveOut(const std::uint8_t* from, std::uint8_t* to, int count) {
+    if (kCount > 0) count = kCount;
+    int k = 0;
+    for (; k < count - 1; ++k) std::memcpy(to + 3 * k, from + k * kLaneStep, 4);
+    std::memcpy(to + 3 * k, from + k * kLaneStep, 3);
+}
+
+template <bool kLinePreserve, bool kFull, typename Rows>
+KELVARIN_AVX512 void SmoothStrip512(const Rows& rows, Long xs, SkewRun& run, __m512i toLeft,
+                                    __m512i toRight) {
+    const Long y0 = 2, y1 = rows.height - 3;
+    const int lanes =
+        kFull ? kWideLanes : static_cast<int>(std::min<Long>(kWideLanes, rows.width - 3 - xs + 1));
+    const int columns =
+        kFull ? kWideLanes : static_cast<int>(std::min<Long>(kWideLanes, rows.width - 1 - xs));
+    auto moveIn = [&](Long y) {
+        if (y >= rows.height) return;
+        MoveIn<kFull ? kWideLanes + 2 : 0>(rows.Row(y) + 3 * (xs - 1) - 1, run.Row(y) - 1,
+                                           columns + 2);
+    };
+    auto moveOut = [&](Long y) {
+        if (y < y0 || y > y1) return;
+        MoveOut<kFull ? kWideLanes : 0>(run.Row(y) + kLaneStep, rows.Row(y) + 3 * xs, lanes);
+    };
+    // Step t does image row t - 2k of lane k; its skew row is s = t + 2.
+    const Long first = y0, last = y1 + 2 * (lanes - 1);
+    run.Reset(0);
+    for (Long y = 0; y < first + kInAhead; ++y) moveIn(y);
+    // Skew rows s-3..s+3; left views of s-3..s-1, right views of s+1..s+3.
+    __m512i r0 = _mm512_loadu_si512(run.Row(first - 1)), r1 = _mm512_loadu_si512(run.Row(first)),
+            r2 = _mm512_loadu_si512(run.Row(first + 1)),
+            r3 = _mm512_loadu_si512(run.Row(first + 2)),
+            r4 = _mm512_loadu_si512(run.Row(first + 3)),
+            r5 = _mm512_loadu_si512(run.Row(first + 4)),
+            r6 = _mm512_loadu_si512(run.Row(first + 5));
+    __m512i l0 = Shifted(toLeft, r0), l1 = Shifted(toLeft, r1), l2 = Shifted(toLeft, r2);
+    __m512i q4 = Shifted(toRight, r4), q5 = Shifted(toRight, r5), q6 = Shifted(toRight, r6);
+    for (Long t = first; t <= last; ++t) {
+        // Highest skew row written this step: that of column 19 for image row t + 10.
+        run.Reach(t - kOutBehind + 2, t + kInAhead + 2 * kWideLanes + 2);
+        // Both cache lines of the strip in an image row a few steps ahead are
+        // asked for together; left to the loads, the row comes in far slower.
+        if (t + kInAhead + kPrefetchAhead < rows.height) {
+            const char* ahead = reinterpret_cast<const char*>(
+                rows.Row(t + kInAhead + kPrefetchAhead) + 3 * (xs - 1) - 1);
+            _mm_prefetch(ahead, _MM_HINT_T0);
+            _mm_prefetch(ahead + 63, _MM_HINT_T0);
+        }
+        moveIn(t + kInAhead);
+        const __m512i result = kLinePreserve ? LineKeeping9(l0, l1, l2, r2, r3, r4, q4, q5, q6)
+                                             : Median9(l0, l1, l2, r2, r3, r4, q4, q5, q6);
+        // The lanes whose image row lies in y0..y1 this step.
+        const Long a = std::max<Long>(0, (t - y1 + 1) / 2);
+        const Long b = std::min<Long>(lanes - 1, (t - y0) / 2);
+        const __m512i done = _mm512_mask_blend_epi8(LaneBytes(a, b), r3, result);
+        _mm512_storeu_si512(run.Row(t + 2), done);
+        moveOut(t - kOutBehind);
+        // One row on: the result joins the rows below, a new row comes above.
+        r0 = r1;
+        r1 = r2;
+        r2 = done;
+        r3 = r4;
+        r4 = r5;
+        r5 = r6;
+        r6 = _mm512_loadu_si512(run.Row(t + 6));
+        l0 = l1;
+        l1 = l2;
+        l2 = Shifted(toLeft, done);
+        q4 = q5;
+        q5 = q6;
+        q6 = Shifted(toRight, r6);
+    }
+    for (Long y = last + 1 - kOutBehind; y <= y1; ++y) moveOut(y);
+}
+
+template <bool kLinePreserve, typename Rows>
+KELVARIN_AVX512 void SmoothWavefront512(const Rows& rows) {
+    // Byte p of the left neighbour's view is byte p - 3 of the row, of the right one's p + 3.
+    alignas(64) std::uint8_t leftIndex[64], rightIndex[64];
+    for (int p = 0; p < 64; ++p) {
+        leftIndex[p] = static_cast<std::uint8_t>(p >= 3 ? p - 3 : p);
+        rightIndex[p] = static_cast<std::uint8_t>(p <= 60 ? p + 3 : p);
+    }
+    const __m512i toLeft = _mm512_load_si512(leftIndex), toRight = _mm512_load_si512(rightIndex);
+    SkewRun run;
+    for (Long xs = 2; xs <= rows.width - 3; xs += kWideLanes) {
+        if (xs + kWideLanes + 2 <= rows.width) {  // 19 lanes and column 19 in the image
+            SmoothStrip512<kLinePreserve, true>(rows, xs, run, toLeft, toRight);
+        } else {
+            SmoothStrip512<kLinePreserve, false>(rows, xs, run, toLeft, toRight);
+        }
+    }
+}
 #endif
 
 }  // namespace
@@ -503,6 +696,14 @@ void clsGFX_2D::Filter_Smoothing(bool blnLinePreserve) {
     const ImageRows rows = SessionRows();
     if (rows.width < 5 || rows.height < 5) return;  // all frame
 #if KELVARIN_X86
+    if (Avx512VbmiEnabled()) {
+        if (blnLinePreserve) {
+            SmoothWavefront512<true>(rows);
+        } else {
+            SmoothWavefront512<false>(rows);
+        }
+        return;
+    }
     if (Avx2Enabled()) {
         if (blnLinePreserve) {
             SmoothWavefront<true>(rows);
