@@ -412,47 +412,16 @@ KELVARIN_AVX2 void SmoothWavefront(const Rows& rows) {
 }
 
 // The same wavefront on 512-bit vectors, 19 lanes (bytes 3..59; bytes 0..2
-// hold column -1, 60..62 column 19), streamed through a short run of skew
-// rows that stays in the first-level cache: each step moves one image row
-// in, keeps the seven skew rows around the current one in registers (a
-// result is used at once, not stored and read back) and moves one finished
-// image row out. Pixels move as four-byte words: in from one byte before
-// the pixel, so that the spare byte lands on the last byte of the lane to
-// the left in a skew row which that lane fills two steps later; out in lane
-// order, each spare byte overwritten by the next lane's word, the last
-// lane's three bytes exactly.
+// hold column -1, 60..62 column 19), with no skewed copy of the strip. A
+// lane that must come 2j rows late passes through delay lines of 2, 4, 8,
+// 16 and 32 rows, one for each bit of j, each a blend of the row with the
+// one that many rows back: image rows go in whole (64 bytes from column -1)
+// and skew rows come out in a register. The seven skew rows around the
+// current one stay in registers, so a result is used at once rather than
+// stored and read back. The results go through the complementary delays
+// (lane k waits 2(18 - k) rows) and come out as whole image rows.
 constexpr int kWideLanes = 19;
-constexpr Long kInAhead = 10;                    // image row t + 10 moves in at step t
-constexpr Long kOutBehind = 2 * kWideLanes + 2;  // image row t - 40 moves out
-constexpr Long kPrefetchAhead = 5;               // row t + 15 is asked for
-constexpr std::size_t kRunStride = 64;
-// From one lane's bytes in skew row q to the next lane's in row q + 2.
-constexpr std::ptrdiff_t kLaneStep = 2 * kRunStride + 3;
-
-// Skew rows base .. base + kRows - 1; when a step would pass the end, the
-// rows still in use move to the front.
-class SkewRun {
-  public:
-    static constexpr Long kRows = 256;
-    // A move then always frees rows: those in use span fewer than kRows.
-    static_assert(kRows > kInAhead + 2 * kWideLanes + kOutBehind);
-    SkewRun() : bytes_(1 + kRows * kRunStride) {}  // a spare byte before row 0
-    void Reset(Long base) { base_ = base; }
-    std::uint8_t* Row(Long q) {
-        return bytes_.data() + 1 + static_cast<std::size_t>(q - base_) * kRunStride;
-    }
-    // Keeps the rows from `from` on, making room up to row `to`.
-    void Reach(Long from, Long to) {
-        if (to < base_ + kRows) return;
-        std::memmove(bytes_.data() + 1, Row(from),
-                     static_cast<std::size_t>(base_ + kRows - from) * kRunStride);
-        base_ = from;
-    }
-
-  private:
-    std::vector<std::uint8_t> bytes_;
-    Long base_ = 0;
-};
+constexpr Long kPrefetchAhead = 5;  // image row t + 11 is asked for at step t
 
 KELVARIN_AVX512 inline __m512i Min(__m512i a, __m512i b) {
     return _mm512_min_epu8(a, b);
@@ -500,72 +469,94 @@ KELVARIN_AVX512 inline __m512i Shifted(__m512i index, __m512i v) {
     return _mm512_maskz_permutexvar_epi8(~__mmask64{0}, index, v);
 }
 
-// Image row y's pixels of columns -1 .. count - 2 into their skew rows.
-template <int kCount>
-inline void MoveIn(const std::uint8_t* from, std::uint8_t* to, int count) {
-    if (kCount > 0) count = kCount;
-    for (int j = 0; j < count; ++j) std::memcpy(to + j * kLaneStep, from + 3 * j, 4);
+// The delay lines of one strip.
+class Shear {
+  public:
+    // delayOf(j): the delay in units of two rows of the lane at bytes 3j..3j+2.
+    template <typename DelayOf>
+    explicit Shear(DelayOf delayOf) {
+        for (int b = 0; b < kStages; ++b) {
+            __mmask64 m = 0;
+            for (int j = 0; j < 21; ++j) {
+                if (delayOf(j) >> b & 1) m |= __mmask64{7} << (3 * j);
+            }
+            mask_[b] = m;
+        }
+        std::memset(ring_, 0, sizeof ring_);
+    }
+    KELVARIN_AVX512 __m512i Push(__m512i x) {
+        int at = 0;  // stage b's ring of 2^(b+1) rows starts at 2^(b+1) - 2
+#pragma GCC unroll 8
+        for (int b = 0; b < kStages; ++b) {
+            const int size = 2 << b;
+            __m512i* slot = &ring_[at + (count_ & (size - 1))];
+            const __m512i old = *slot;
+            *slot = x;
+            x = _mm512_mask_blend_epi8(mask_[b], x, old);
+            at += size;
+        }
+        ++count_;
+        return x;
+    }
+
+  private:
+    static constexpr int kStages = 5;  // delays up to 2 * 31 rows
+    __mmask64 mask_[kStages];
+    __m512i ring_[(2 << kStages) - 2];
+    unsigned count_ = 0;
+};
+
+// Pushes image row y of the strip (its readable bytes from column -1 on)
+// into the shear; gives skew row y.
+template <typename Rows>
+KELVARIN_AVX512 inline __m512i PushRow(Shear& in, const Rows& rows, Long xs, __mmask64 readable,
+                                       Long y) {
+    return in.Push(y < rows.height ? _mm512_maskz_loadu_epi8(readable, rows.Row(y) + 3 * (xs - 1))
+                                   : _mm512_setzero_si512());
 }
 
-// Lanes 0 .. count - 1 of image row y from their skew rows.
-template <int kCount>
-inline void MoveOut(const std::uint8_t* from, std::uint8_t* to, int count) {
-    if (kCount > 0) count = kCount;
-    int k = 0;
-    for (; k < count - 1; ++k) std::memcpy(to + 3 * k, from + k * kLaneStep, 4);
-    std::memcpy(to + 3 * k, from + k * kLaneStep, 3);
-}
-
-template <bool kLinePreserve, bool kFull, typename Rows>
-KELVARIN_AVX512 void SmoothStrip512(const Rows& rows, Long xs, SkewRun& run, __m512i toLeft,
-                                    __m512i toRight) {
+template <bool kLinePreserve, typename Rows>
+KELVARIN_AVX512 void SmoothStrip512(const Rows& rows, Long xs, __m512i toLeft, __m512i toRight) {
     const Long y0 = 2, y1 = rows.height - 3;
-    const int lanes =
-        kFull ? kWideLanes : static_cast<int>(std::min<Long>(kWideLanes, rows.width - 3 - xs + 1));
-    const int columns =
-        kFull ? kWideLanes : static_cast<int>(std::min<Long>(kWideLanes, rows.width - 1 - xs));
-    auto moveIn = [&](Long y) {
-        if (y >= rows.height) return;
-        MoveIn<kFull ? kWideLanes + 2 : 0>(rows.Row(y) + 3 * (xs - 1) - 1, run.Row(y) - 1,
-                                           columns + 2);
-    };
-    auto moveOut = [&](Long y) {
-        if (y < y0 || y > y1) return;
-        MoveOut<kFull ? kWideLanes : 0>(run.Row(y) + kLaneStep, rows.Row(y) + 3 * xs, lanes);
-    };
+    // The last strip may have fewer lanes, and its 64 bytes may pass the
+    // row's end; rows are read and written through byte masks.
+    const Long lanes = std::min<Long>(kWideLanes, rows.width - 2 - xs);
+    const bool whole = xs + kWideLanes + 2 <= rows.width;
+    const __mmask64 readable =
+        whole ? ~__mmask64{0} : ~__mmask64{0} >> (64 - 3 * (rows.width - xs + 1));
+    const __mmask64 written = LaneBytes(0, lanes - 1);
+    Shear in([](int j) { return j; });  // lane j of skew row q from image row q - 2j
+    Shear out([](int j) { return j >= 1 && j <= kWideLanes ? kWideLanes - j : 0; });
     // Step t does image row t - 2k of lane k; its skew row is s = t + 2.
-    const Long first = y0, last = y1 + 2 * (lanes - 1);
-    run.Reset(0);
-    for (Long y = 0; y < first + kInAhead; ++y) moveIn(y);
-    // Skew rows s-3..s+3; left views of s-3..s-1, right views of s+1..s+3.
-    __m512i r0 = _mm512_loadu_si512(run.Row(first - 1)), r1 = _mm512_loadu_si512(run.Row(first)),
-            r2 = _mm512_loadu_si512(run.Row(first + 1)),
-            r3 = _mm512_loadu_si512(run.Row(first + 2)),
-            r4 = _mm512_loadu_si512(run.Row(first + 3)),
-            r5 = _mm512_loadu_si512(run.Row(first + 4)),
-            r6 = _mm512_loadu_si512(run.Row(first + 5));
+    const Long first = y0, last = y1 + 2 * (kWideLanes - 1);
+    for (Long y = 0; y < first - 1; ++y) PushRow(in, rows, xs, readable, y);
+    __m512i r0 = PushRow(in, rows, xs, readable, first - 1),
+            r1 = PushRow(in, rows, xs, readable, first),
+            r2 = PushRow(in, rows, xs, readable, first + 1),
+            r3 = PushRow(in, rows, xs, readable, first + 2),
+            r4 = PushRow(in, rows, xs, readable, first + 3),
+            r5 = PushRow(in, rows, xs, readable, first + 4),
+            r6 = PushRow(in, rows, xs, readable, first + 5);
     __m512i l0 = Shifted(toLeft, r0), l1 = Shifted(toLeft, r1), l2 = Shifted(toLeft, r2);
     __m512i q4 = Shifted(toRight, r4), q5 = Shifted(toRight, r5), q6 = Shifted(toRight, r6);
     for (Long t = first; t <= last; ++t) {
-        // Highest skew row written this step: that of column 19 for image row t + 10.
-        run.Reach(t - kOutBehind + 2, t + kInAhead + 2 * kWideLanes + 2);
-        // Both cache lines of the strip in an image row a few steps ahead are
-        // asked for together; left to the loads, the row comes in far slower.
-        if (t + kInAhead + kPrefetchAhead < rows.height) {
-            const char* ahead = reinterpret_cast<const char*>(
-                rows.Row(t + kInAhead + kPrefetchAhead) + 3 * (xs - 1) - 1);
+        // Both cache lines of an image row a few steps ahead are asked for
+        // together; left to the load, the row comes in far slower.
+        if (t + 6 + kPrefetchAhead < rows.height) {
+            const char* ahead =
+                reinterpret_cast<const char*>(rows.Row(t + 6 + kPrefetchAhead) + 3 * (xs - 1));
             _mm_prefetch(ahead, _MM_HINT_T0);
             _mm_prefetch(ahead + 63, _MM_HINT_T0);
         }
-        moveIn(t + kInAhead);
         const __m512i result = kLinePreserve ? LineKeeping9(l0, l1, l2, r2, r3, r4, q4, q5, q6)
                                              : Median9(l0, l1, l2, r2, r3, r4, q4, q5, q6);
-        // The lanes whose image row lies in y0..y1 this step.
         const Long a = std::max<Long>(0, (t - y1 + 1) / 2);
         const Long b = std::min<Long>(lanes - 1, (t - y0) / 2);
         const __m512i done = _mm512_mask_blend_epi8(LaneBytes(a, b), r3, result);
-        _mm512_storeu_si512(run.Row(t + 2), done);
-        moveOut(t - kOutBehind);
+        // Image row t - 36 has all its lanes done now.
+        const __m512i finished = out.Push(done);
+        const Long y = t - 2 * (kWideLanes - 1);
+        if (y >= y0) _mm512_mask_storeu_epi8(rows.Row(y) + 3 * (xs - 1), written, finished);
         // One row on: the result joins the rows below, a new row comes above.
         r0 = r1;
         r1 = r2;
@@ -573,7 +564,7 @@ KELVARIN_AVX512 void SmoothStrip512(const Rows& rows, Long xs, SkewRun& run, __m
         r3 = r4;
         r4 = r5;
         r5 = r6;
-        r6 = _mm512_loadu_si512(run.Row(t + 6));
+        r6 = PushRow(in, rows, xs, readable, t + 6);
         l0 = l1;
         l1 = l2;
         l2 = Shifted(toLeft, done);
@@ -581,7 +572,6 @@ KELVARIN_AVX512 void SmoothStrip512(const Rows& rows, Long xs, SkewRun& run, __m
         q5 = q6;
         q6 = Shifted(toRight, r6);
     }
-    for (Long y = last + 1 - kOutBehind; y <= y1; ++y) moveOut(y);
 }
 
 template <bool kLinePreserve, typename Rows>
@@ -593,14 +583,8 @@ KELVARIN_AVX512 void SmoothWavefront512(const Rows& rows) {
         rightIndex[p] = static_cast<std::uint8_t>(p <= 60 ? p + 3 : p);
     }
     const __m512i toLeft = _mm512_load_si512(leftIndex), toRight = _mm512_load_si512(rightIndex);
-    SkewRun run;
-    for (Long xs = 2; xs <= rows.width - 3; xs += kWideLanes) {
-        if (xs + kWideLanes + 2 <= rows.width) {  // 19 lanes and column 19 in the image
-            SmoothStrip512<kLinePreserve, true>(rows, xs, run, toLeft, toRight);
-        } else {
-            SmoothStrip512<kLinePreserve, false>(rows, xs, run, toLeft, toRight);
-        }
-    }
+    for (Long xs = 2; xs <= rows.width - 3; xs += kWideLanes)
+        SmoothStrip512<kLinePreserve>(rows, xs, toLeft, toRight);
 }
 #endif
 
