@@ -513,7 +513,6 @@ void RotateTiled(const Rows& rows) {
     }
 }
 
-
 // A 24-bit square turns in place, a tile at a time. The turn moves every
 // pixel around a cycle of four, one in each quadrant: quadrant 0 (x below
 // (n + 1) / 2, y below n / 2) takes its pixels from quadrant 1, that one from
@@ -539,8 +538,8 @@ struct Plane24 {
 KELVARIN_AVX2 inline void Transpose8x8Px24(const std::uint8_t* src, std::ptrdiff_t srcStride,
                                            std::uint8_t* dst, std::ptrdiff_t dstStride) {
     // Bytes 0..15 in the low half, 8..23 in the high half.
-    const __m256i widen = _mm256_setr_epi8(0, 1, 2, -1, 3, 4, 5, -1, 6, 7, 8, -1, 9, 10, 11, -1,
-                                           4, 5, 6, -1, 7, 8, 9, -1, 10, 11, 12, -1, 13, 14, 15, -1);
+    const __m256i widen = _mm256_setr_epi8(0, 1, 2, -1, 3, 4, 5, -1, 6, 7, 8, -1, 9, 10, 11, -1, 4,
+                                           5, 6, -1, 7, 8, 9, -1, 10, 11, 12, -1, 13, 14, 15, -1);
     const __m256i narrow = _mm256_setr_epi8(0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, -1, -1, -1, -1,
                                             0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, -1, -1, -1, -1);
     const __m256i join = _mm256_setr_epi32(0, 1, 2, 4, 5, 6, 3, 7);
@@ -575,32 +574,26 @@ KELVARIN_AVX2 inline void Transpose8x8Px24(const std::uint8_t* src, std::ptrdiff
 }
 #endif
 
+#if KELVARIN_X86
 // The destination rectangle x in [xa, xb), y in [ya, yb) takes its pixels
 // from src as the turn says: new (x = r, y = c) is old (x = c, y = n - 1 - r).
-void TurnInto(const Plane24& dst, const Plane24& src, Long xa, Long xb, Long ya, Long yb, Long n,
-              bool wide) {
+void TurnInto(const Plane24& dst, const Plane24& src, Long xa, Long xb, Long ya, Long yb, Long n) {
     Long c = ya;
-#if KELVARIN_X86
-    if (wide) {
-        for (; c + 8 <= yb; c += 8) {
-            Long r = xa;
-            for (; r + 8 <= xb; r += 8)
-                Transpose8x8Px24(src.At(c, n - 1 - r), -src.stride, dst.At(r, c), dst.stride);
-            for (Long cc = c; cc < c + 8; ++cc) {
-                for (Long rr = r; rr < xb; ++rr) std::memcpy(dst.At(rr, cc), src.At(cc, n - 1 - rr), 3);
-            }
+    for (; c + 8 <= yb; c += 8) {
+        Long r = xa;
+        for (; r + 8 <= xb; r += 8)
+            Transpose8x8Px24(src.At(c, n - 1 - r), -src.stride, dst.At(r, c), dst.stride);
+        for (Long cc = c; cc < c + 8; ++cc) {
+            for (Long rr = r; rr < xb; ++rr) std::memcpy(dst.At(rr, cc), src.At(cc, n - 1 - rr), 3);
         }
     }
-#else
-    (void)wide;
-#endif
     for (; c < yb; ++c) {
         for (Long r = xa; r < xb; ++r) std::memcpy(dst.At(r, c), src.At(c, n - 1 - r), 3);
     }
 }
 
 template <typename Rows>
-void RotateInPlace24(const Rows& rows, bool wide) {
+void RotateInPlace24(const Rows& rows) {
     const Long n = rows.width;
     const Long qx = (n + 1) / 2, qy = n / 2;  // quadrant 0
     constexpr Long kTile = 64;
@@ -611,15 +604,18 @@ void RotateInPlace24(const Rows& rows, bool wide) {
         for (Long x0 = 0; x0 < qx; x0 += kTile) {
             const Long x1 = std::min(x0 + kTile, qx);
             const Plane24 copy{saved.data(), kTile * 3, x0, y0};
-            for (Long y = y0; y < y1; ++y)
-                std::memcpy(copy.At(x0, y), image.At(x0, y), static_cast<std::size_t>(3 * (x1 - x0)));
-            TurnInto(image, image, x0, x1, y0, y1, n, wide);                  // from quadrant 1
-            TurnInto(image, image, y0, y1, n - x1, n - x0, n, wide);          // from quadrant 2
-            TurnInto(image, image, n - x1, n - x0, n - y1, n - y0, n, wide);  // from quadrant 3
-            TurnInto(image, copy, n - y1, n - y0, x0, x1, n, wide);           // from the saved tile
+            for (Long y = y0; y < y1; ++y) {
+                std::memcpy(copy.At(x0, y), image.At(x0, y),
+                            static_cast<std::size_t>(3 * (x1 - x0)));
+            }
+            TurnInto(image, image, x0, x1, y0, y1, n);                  // from quadrant 1
+            TurnInto(image, image, y0, y1, n - x1, n - x0, n);          // from quadrant 2
+            TurnInto(image, image, n - x1, n - x0, n - y1, n - y0, n);  // from quadrant 3
+            TurnInto(image, copy, n - y1, n - y0, x0, x1, n);           // from the saved tile
         }
     }
 }
+#endif
 
 }  // namespace
 
@@ -712,9 +708,8 @@ bool clsGFX_2D::Image_Resample(Long lNewWidth, Long lNewHeight) {
     clsGFX_2D target;
     // Every pixel byte is written below; only the padding needs clearing.
     if (!target.Allocate(lNewWidth, lNewHeight, 24, false)) return false;
-    AskForLargePages(target.bits_.get(),
-                     static_cast<std::size_t>(target.Get_BytesPerScanLine()) *
-                         static_cast<std::size_t>(lNewHeight));
+    AskForLargePages(target.bits_.get(), static_cast<std::size_t>(target.Get_BytesPerScanLine()) *
+                                             static_cast<std::size_t>(lNewHeight));
     const auto sx = static_cast<Single>(
         Divide(static_cast<double>(width_) - 1, static_cast<double>(lNewWidth) - 1));
     const auto sy = static_cast<Single>(
@@ -768,7 +763,13 @@ bool clsGFX_2D::Image_Rotate() {
             RotateTiled<2>(rows);
             break;
         case 3:
-            RotateInPlace24(rows, Avx2Enabled());
+#if KELVARIN_X86
+            if (Avx2Enabled()) {
+                RotateInPlace24(rows);
+                break;
+            }
+#endif
+            RotateTiled<3>(rows);
             break;
         default:
             RotateTiled<4>(rows);
