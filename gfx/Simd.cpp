@@ -312,6 +312,14 @@ void EnableSimd(bool on) noexcept {
     g_avx512vbmi = g_avx2 && HasAvx512Vbmi();
 #endif
 }
+void LimitVectorBits(int bits) noexcept {
+#if KELVARIN_X86
+    g_avx2 = g_enabled && HasAvx2() && bits >= 256;
+    g_avx512vbmi = g_avx2 && HasAvx512Vbmi() && bits >= 512;
+#else
+    (void)bits;
+#endif
+}
 bool SimdEnabled() noexcept { return g_enabled; }
 bool Avx2Enabled() noexcept { return g_avx2; }
 bool Avx512VbmiEnabled() noexcept { return g_avx512vbmi; }

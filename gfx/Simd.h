@@ -18,6 +18,10 @@ bool Avx2Enabled() noexcept;
 // Whether the 512-bit byte-permute kernels may run: enabled and the
 // processor has AVX-512 F, BW and VBMI.
 bool Avx512VbmiEnabled() noexcept;
+// Keeps the kernels to vectors of at most this many bits (128, 256 or 512)
+// while they are enabled, so that tests can check each set of kernels the
+// processor has against the scalar loops. EnableSimd lifts the limit.
+void LimitVectorBits(int bits) noexcept;
 
 // Color_Gray over one row of pixels: every pixel not equal to the mask
 // (blue, green, red) becomes grey, the largest channel or the weighted

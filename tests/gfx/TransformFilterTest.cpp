@@ -338,25 +338,32 @@ TEST(Smoothing, MedianKeepsTheFrameAndRemovesASpotLinePreserveKeepsLines) {
 
 // ---- Fast paths against the plain loops ------------------------------------------
 
-// Runs op on two copies of random images of odd sizes, one with the fast
-// paths and one without, and compares every byte.
+// Runs op on copies of random images of odd sizes, once with the vector
+// kernels off and once with each width of vectors the processor has, and
+// compares every byte.
 void ExpectSameBytes(const char* what, const std::function<void(clsGFX_2D&)>& op,
                      std::initializer_list<Long> widths = {1, 5, 7, 13, 37, 70},
                      std::initializer_list<Long> heights = {1, 5, 7, 20}) {
     std::uint32_t seed = 500;
     for (Long w : widths) {
         for (Long h : heights) {
-            clsGFX_2D fast, plain;
-            ASSERT_TRUE(fast.Create(w, h));
-            RandomFill(fast, ++seed);
-            auto copy = test::Clone(fast);
+            clsGFX_2D original;
+            ASSERT_TRUE(original.Create(w, h));
+            RandomFill(original, ++seed);
+            auto plain = test::Clone(original);
             {
                 FastPaths off(false);
-                op(*copy);
+                op(*plain);
             }
-            op(fast);
-            ASSERT_EQ(Bytes(fast), Bytes(*copy)) << what << " " << w << "x" << h;
-            ASSERT_EQ(fast.Get_Width(), copy->Get_Width());
+            for (int bits : {128, 256, 512}) {
+                auto fast = test::Clone(original);
+                gfx_detail::LimitVectorBits(bits);
+                op(*fast);
+                gfx_detail::EnableSimd(true);
+                ASSERT_EQ(Bytes(*fast), Bytes(*plain)) << what << " " << w << "x" << h << ", "
+                                                       << bits << "-bit vectors";
+                ASSERT_EQ(fast->Get_Width(), plain->Get_Width());
+            }
         }
     }
 }
