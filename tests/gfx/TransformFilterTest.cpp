@@ -360,8 +360,8 @@ void ExpectSameBytes(const char* what, const std::function<void(clsGFX_2D&)>& op
                 gfx_detail::LimitVectorBits(bits);
                 op(*fast);
                 gfx_detail::EnableSimd(true);
-                ASSERT_EQ(Bytes(*fast), Bytes(*plain)) << what << " " << w << "x" << h << ", "
-                                                       << bits << "-bit vectors";
+                ASSERT_EQ(Bytes(*fast), Bytes(*plain))
+                    << what << " " << w << "x" << h << ", " << bits << "-bit vectors";
                 ASSERT_EQ(fast->Get_Width(), plain->Get_Width());
             }
         }
