@@ -172,8 +172,9 @@ struct ColumnTables {
     std::size_t gatherEnd = 0;  // bytes whose 4-byte reads stay inside the row
     // For the byte-permute kernel: per block of kBlock destination bytes, the
     // first source byte it reads; and per destination byte, its two source
-    // bytes counted from there. Empty when a block reads a wider span than
-    // the kernel holds (a strong reduction).
+    // bytes counted from there, each in the low byte of a 32-bit lane (the
+    // permute then widens as it picks). Empty when a block reads a wider
+    // span than the kernel holds (a strong reduction).
     static constexpr std::size_t kBlock = 32;
     static constexpr std::int32_t kSpan = 128;
     std::vector<std::int32_t> blockBase;
@@ -184,8 +185,8 @@ struct ColumnTables {
 bool PreparePermute(ColumnTables& t) {
     const std::size_t blocks = t.at.size() / ColumnTables::kBlock;
     t.blockBase.resize(blocks);
-    t.index0.resize(blocks * ColumnTables::kBlock);
-    t.index1.resize(blocks * ColumnTables::kBlock);
+    t.index0.assign(4 * blocks * ColumnTables::kBlock, 0);
+    t.index1.assign(4 * blocks * ColumnTables::kBlock, 0);
     for (std::size_t b = 0; b < blocks; ++b) {
         const std::size_t k0 = b * ColumnTables::kBlock, k1 = k0 + ColumnTables::kBlock;
         const std::int32_t base = *std::min_element(&t.at[k0], &t.at[k0] + ColumnTables::kBlock);
@@ -194,8 +195,8 @@ bool PreparePermute(ColumnTables& t) {
                 t.blockBase.clear();
                 return false;
             }
-            t.index0[k] = static_cast<std::uint8_t>(t.at[k] - base);
-            t.index1[k] = static_cast<std::uint8_t>(t.next[k] - base);
+            t.index0[4 * k] = static_cast<std::uint8_t>(t.at[k] - base);
+            t.index1[4 * k] = static_cast<std::uint8_t>(t.next[k] - base);
         }
         t.blockBase[b] = base;
     }
@@ -255,17 +256,16 @@ KELVARIN_AVX2 std::size_t InterpolateRowAvx2(const ColumnTables& t, const std::u
     return k;
 }
 
-// The first 16 bytes (GCC 12's cast goes through an extract it warns about).
-KELVARIN_AVX512 inline __m128i Low128(__m512i v) {
-    return _mm_set_epi64x(v[1], v[0]);
-}
-
 // The same with the two source bytes of 32 destination bytes picked by
 // byte permutes from the 128 bytes where the block reads, in place of
 // gathers. Loads stop at the row's last byte. The zero-masked forms of the
 // conversions (all lanes on) keep GCC 12 from warning of the plain forms'
 // undefined pass-through.
 constexpr __mmask16 kAllLanes = 0xFFFF;
+// The two-row kernel reads two rows at once, each byte once; it asks for
+// the bytes this far ahead of the block, which the hardware alone brings in
+// too late.
+constexpr std::size_t kReadAhead = 4096;
 
 struct BlockBytes {
     __m512i lo, hi;
@@ -285,11 +285,15 @@ KELVARIN_AVX512 inline __m512 Floats16(__m128i bytes) {
     return _mm512_maskz_cvtepi32_ps(kAllLanes, _mm512_maskz_cvtepu8_epi32(kAllLanes, bytes));
 }
 
-// Sixteen destination bytes across one source row, rounded, as 32-bit lanes.
+// Sixteen destination bytes across one source row, rounded, as 32-bit
+// lanes; i0 and i1 hold the source bytes' places in the low byte of each lane.
 KELVARIN_AVX512 inline __m512i Across16(const BlockBytes& s, __m512i i0, __m512i i1, __m512 keep,
                                         __m512 take) {
-    const __m512 a = Floats16(Low128(_mm512_permutex2var_epi8(s.lo, i0, s.hi)));
-    const __m512 b = Floats16(Low128(_mm512_permutex2var_epi8(s.lo, i1, s.hi)));
+    constexpr __mmask64 kLowBytes = 0x1111111111111111;
+    const __m512 a = _mm512_maskz_cvtepi32_ps(
+        kAllLanes, _mm512_maskz_permutex2var_epi8(kLowBytes, s.lo, i0, s.hi));
+    const __m512 b = _mm512_maskz_cvtepi32_ps(
+        kAllLanes, _mm512_maskz_permutex2var_epi8(kLowBytes, s.lo, i1, s.hi));
     return _mm512_maskz_cvtps_epi32(kAllLanes,
                                     _mm512_add_ps(_mm512_mul_ps(keep, a), _mm512_mul_ps(take, b)));
 }
@@ -305,8 +309,8 @@ KELVARIN_AVX512 std::size_t InterpolateRowVbmi(const ColumnTables& t, const std:
     for (std::size_t b = 0; b < t.blockBase.size(); ++b, k += ColumnTables::kBlock) {
         const BlockBytes s = LoadBlock(src, static_cast<std::size_t>(t.blockBase[b]), srcBytes);
         for (std::size_t at = k; at < k + ColumnTables::kBlock; at += 16) {
-            Store16(out + at, Across16(s, _mm512_maskz_loadu_epi8(kAllLanes, &t.index0[at]),
-                                       _mm512_maskz_loadu_epi8(kAllLanes, &t.index1[at]),
+            Store16(out + at, Across16(s, _mm512_loadu_si512(&t.index0[4 * at]),
+                                       _mm512_loadu_si512(&t.index1[4 * at]),
                                        _mm512_loadu_ps(&t.keep[at]), _mm512_loadu_ps(&t.take[at])));
         }
     }
@@ -323,11 +327,15 @@ KELVARIN_AVX512 std::size_t ResampleRowVbmi(const ColumnTables& t, const std::ui
     std::size_t k = 0;
     for (std::size_t b = 0; b < t.blockBase.size(); ++b, k += ColumnTables::kBlock) {
         const auto base = static_cast<std::size_t>(t.blockBase[b]);
+        if (base + kReadAhead < srcBytes) {
+            _mm_prefetch(reinterpret_cast<const char*>(low + base + kReadAhead), _MM_HINT_T0);
+            _mm_prefetch(reinterpret_cast<const char*>(high + base + kReadAhead), _MM_HINT_T0);
+        }
         const BlockBytes sa = LoadBlock(low, base, srcBytes);
         const BlockBytes sb = LoadBlock(high, base, srcBytes);
         for (std::size_t at = k; at < k + ColumnTables::kBlock; at += 16) {
-            const __m512i i0 = _mm512_maskz_loadu_epi8(kAllLanes, &t.index0[at]);
-            const __m512i i1 = _mm512_maskz_loadu_epi8(kAllLanes, &t.index1[at]);
+            const __m512i i0 = _mm512_loadu_si512(&t.index0[4 * at]);
+            const __m512i i1 = _mm512_loadu_si512(&t.index1[4 * at]);
             const __m512 ck = _mm512_loadu_ps(&t.keep[at]), ct = _mm512_loadu_ps(&t.take[at]);
             const __m512 a = _mm512_maskz_cvtepi32_ps(kAllLanes, Across16(sa, i0, i1, ck, ct));
             const __m512 c = _mm512_maskz_cvtepi32_ps(kAllLanes, Across16(sb, i0, i1, ck, ct));
