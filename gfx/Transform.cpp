@@ -440,11 +440,12 @@ void ResampleFast(const Rows& from, const Rows& to, Single sx, Single sy) {
             const std::uint8_t* high = from.Row(row.next);
             const std::size_t done =
                 ResampleRowVbmi(t, low, high, srcBytes, row.keep, row.take, out);
-            for (std::size_t k = done; k < outBytes; ++k) {  // the last bytes, as the plain loop
-                const Single a = RoundByte(t.keep[k] * low[t.at[k]] + t.take[k] * low[t.next[k]]);
-                const Single b = RoundByte(t.keep[k] * high[t.at[k]] + t.take[k] * high[t.next[k]]);
-                out[k] = RoundByte(row.keep * a + row.take * b);
-            }
+            // The last bytes by the plain passes, through the cache rows,
+            // which no later row would have found there anyway.
+            InterpolateRowPlain(t, low, cache[0].data(), done, outBytes);
+            InterpolateRowPlain(t, high, cache[1].data(), done, outBytes);
+            cached[0] = cached[1] = -1;
+            BlendRowsPlain(cache[0].data(), cache[1].data(), row.keep, row.take, out, done, outBytes);
             continue;
         }
 #endif

@@ -69,9 +69,6 @@ DateBoxWidget* DatePage::dateBox(QWidget* parent, const QString& name, const QSt
                 if (event == QStringLiteral("Change")) ++changes_;
                 watch(box);
             });
-    connect(box, &qt::ControlWidget::hostError, this, [this, box](int n, const QString& text, const QString& where) {
-        emit status(QStringLiteral("%1: %2 raised error %3: %4").arg(box->objectName(), where).arg(n).arg(text));
-    });
     return box;
 }
 

@@ -31,9 +31,6 @@ public:
     qt::DateBoxWidget* watched() const noexcept { return watched_; }
     QString readout() const;
 
-signals:
-    void status(const QString& text);
-
 private:
     qt::DateBoxWidget* dateBox(QWidget* parent, const QString& name, const QString& pattern);
     void buildPatterns(QGridLayout* grid);

@@ -113,7 +113,6 @@ GalleryWindow::GalleryWindow(QWidget* parent) : QWidget(parent) {
     tabs_->addTab(progressPage, QStringLiteral("ProgressBox"));
 
     datePage_ = new DatePage(tabs_);
-    connect(datePage_, &DatePage::status, this, &GalleryWindow::showStatus);
     tabs_->addTab(datePage_, QStringLiteral("DateBox"));
 
     // Controls of a loaded form that the gallery lacks get a page of their own.
@@ -131,9 +130,7 @@ GalleryWindow::GalleryWindow(QWidget* parent) : QWidget(parent) {
     outer->addWidget(statusLine_);
     showStatus(QStringLiteral("Ready."));
 
-    for (ControlWidget* w : controls())
-        connect(w, &ControlWidget::hostError, this,
-                [this](int n, const QString& t, const QString& where) { report(n, t, where); });
+    for (ControlWidget* w : controls()) watchErrors(w);
 
     jobTimer_.setInterval(30);
     connect(&jobTimer_, &QTimer::timeout, this, &GalleryWindow::advanceJob);
@@ -538,8 +535,7 @@ QString GalleryWindow::loadForm(const QString& path) {
         for (host::FormControl* entry : extra) {
             ControlWidget* w = qt::CreateControlWidget(QString::fromStdString(entry->className), formCanvas_);
             if (!w) continue;
-            connect(w, &ControlWidget::hostError, this,
-                    [this](int n, const QString& t, const QString& where) { report(n, t, where); });
+            watchErrors(w);
             const QString place = QStringLiteral("%1: %2.properties").arg(path, QString::fromStdString(entry->name));
             if (!w->readFormControl(*entry, place) && firstError.isEmpty())
                 firstError = QStringLiteral("%1: %2").arg(QString::fromStdString(entry->name), w->lastErrorText());
@@ -575,8 +571,11 @@ bool GalleryWindow::showPage(const QString& name) {
 
 bool GalleryWindow::saveScreenshot(const QString& path) { return grab().save(path, "PNG"); }
 
-void GalleryWindow::report(int number, const QString& text, const QString& where) {
-    showStatus(QStringLiteral("%1 raised error %2: %3").arg(where).arg(number).arg(text));
+// Every control's errors reach the status line, with the control's name.
+void GalleryWindow::watchErrors(ControlWidget* w) {
+    connect(w, &ControlWidget::hostError, this, [this, w](int n, const QString& text, const QString& where) {
+        showStatus(QStringLiteral("%1: %2 raised error %3: %4").arg(w->objectName(), where).arg(n).arg(text));
+    });
 }
 
 void GalleryWindow::showStatus(const QString& text) {

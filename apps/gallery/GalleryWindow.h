@@ -82,7 +82,7 @@ private:
     void onTimerChange(int elapsed, int estimated);
     void pickColor(QPushButton* swatch, const char* property);
     void syncPlayground();
-    void report(int number, const QString& text, const QString& where);
+    void watchErrors(qt::ControlWidget* w);
     void showStatus(const QString& text);
 
     static constexpr int kFormTab = 2;
