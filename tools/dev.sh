@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # One entry point for set-up, build and run on Debian 12.
-#   tools/dev.sh test   install what is missing, build, run every test
-#                       (a normal build, then one under address and UB sanitizers)
+#   tools/dev.sh test   install what is missing, check the formatting, build, run
+#                       every test (a normal build, then one under address and UB
+#                       sanitizers)
 #   tools/dev.sh run    install what is missing, build, start the main program,
 #                       the gallery (more arguments go to it); without a display
 #                       it runs offscreen and writes a screenshot instead
@@ -14,7 +15,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 packages=(g++ cmake ninja-build pkg-config libgtest-dev libgmock-dev libbenchmark-dev
-          nlohmann-json3-dev
+          nlohmann-json3-dev clang-format
           # Qt 6 Widgets, Designer's plugin interface, and what the offscreen
           # platform needs to draw text in tests and screenshots.
           qt6-base-dev qt6-tools-dev libgl-dev fonts-dejavu-core)
@@ -42,6 +43,11 @@ build() {
     cmake --build "$dir" --parallel "$(nproc)"
 }
 
+# The tracked C++ sources must be as .clang-format writes them.
+check_format() {
+    git ls-files -z -- '*.cpp' '*.h' | xargs -0 clang-format --dry-run -Werror
+}
+
 run_tests() {
     local dir=$1
     ctest --test-dir "$dir" --output-on-failure --parallel "$(nproc)"
@@ -50,6 +56,7 @@ run_tests() {
 case "${1:-test}" in
 test)
     install_missing
+    check_format
     build build -DCMAKE_BUILD_TYPE=RelWithDebInfo
     run_tests build
     build build-san -DCMAKE_BUILD_TYPE=Debug -DKELVARIN_SANITIZE=ON -DKELVARIN_BENCH=OFF
