@@ -109,7 +109,8 @@ void BM_Color_FadeTo_Weight0_6(benchmark::State& state) {
 }
 void BM_Color_Halftone_ErrorDiffusion(benchmark::State& state) {
     // Halftoned pixels carry no error, so every run starts from the random image.
-    RunOnSurface(state, [](clsGFX_2D& g) { g.Color_Halftone_ErrorDiffusion(true); }, true);
+    RunOnSurface(
+        state, [](clsGFX_2D& g) { g.Color_Halftone_ErrorDiffusion(true); }, true);
 }
 // The progress bar: one full-height column per x, all in one session.
 void BM_Draw_Line_Columns(benchmark::State& state) {
@@ -181,7 +182,8 @@ void BM_Image_Rotate(benchmark::State& state) {
     RunOnSurface(state, [](clsGFX_2D& g) { g.Image_Rotate(); });
 }
 void BM_Color_ConvertRGBToHSL(benchmark::State& state) {
-    RunOnSurface(state, [](clsGFX_2D& g) { g.Color_ConvertRGBToHSL(); }, true);
+    RunOnSurface(
+        state, [](clsGFX_2D& g) { g.Color_ConvertRGBToHSL(); }, true);
 }
 
 // The image is made afresh at 4096 x 4096 before every run (untimed).
@@ -237,7 +239,8 @@ void BM_CV_filter2D(benchmark::State& state) {
     cv::Mat kernel(k.size, k.size, CV_32F);
     for (int i = 0; i < k.size * k.size; ++i) {
         kernel.at<float>(i / k.size, i % k.size) =
-            static_cast<float>(k.values[static_cast<std::size_t>(i)]) / static_cast<float>(k.weight);
+            static_cast<float>(k.values[static_cast<std::size_t>(i)]) /
+            static_cast<float>(k.weight);
     }
     RunOnMat(state, [&](const cv::Mat& s, cv::Mat& d) { cv::filter2D(s, d, -1, kernel); });
 }
@@ -266,8 +269,9 @@ void BM_CV_flip_y(benchmark::State& state) {
     RunOnMat(state, [](const cv::Mat& s, cv::Mat& d) { cv::flip(s, d, 0); });
 }
 void BM_CV_rotate(benchmark::State& state) {
-    RunOnMat(state,
-             [](const cv::Mat& s, cv::Mat& d) { cv::rotate(s, d, cv::ROTATE_90_COUNTERCLOCKWISE); });
+    RunOnMat(state, [](const cv::Mat& s, cv::Mat& d) {
+        cv::rotate(s, d, cv::ROTATE_90_COUNTERCLOCKWISE);
+    });
 }
 void BM_CV_cvtColor_HLS(benchmark::State& state) {
     RunOnMat(state, [](const cv::Mat& s, cv::Mat& d) { cv::cvtColor(s, d, cv::COLOR_BGR2HLS); });
@@ -302,7 +306,11 @@ BENCHMARK(BM_Color_ConvertRGBToHSL)->Apply(Large);
 BENCHMARK(BM_CV_filter2D)->Apply(KernelTypes);
 BENCHMARK(BM_CV_medianBlur3)->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(BM_CV_resize_linear)->Arg(2048)->Arg(8192)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK(BM_CV_resize_linear_new)->Arg(2048)->Arg(8192)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(BM_CV_resize_linear_new)
+    ->Arg(2048)
+    ->Arg(8192)
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
 BENCHMARK(BM_CV_flip_x)->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(BM_CV_flip_y)->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(BM_CV_rotate)->Unit(benchmark::kMillisecond)->UseRealTime();

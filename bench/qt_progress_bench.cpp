@@ -49,8 +49,8 @@ double WriteAndRepaint(QProgressBar& bar) {
 
 void PerWrite(benchmark::State& state) {
     state.SetItemsProcessed(state.iterations() * kWrites);
-    state.counters["per_write"] =
-        benchmark::Counter(kWrites, benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
+    state.counters["per_write"] = benchmark::Counter(
+        kWrites, benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
 }
 
 void BM_ProgressBoxWidget(benchmark::State& state) {

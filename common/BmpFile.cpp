@@ -21,7 +21,8 @@ std::uint16_t Read16(std::span<const std::uint8_t> b, std::size_t at) {
 
 std::uint32_t Read32(std::span<const std::uint8_t> b, std::size_t at) {
     return static_cast<std::uint32_t>(b[at]) | static_cast<std::uint32_t>(b[at + 1]) << 8 |
-           static_cast<std::uint32_t>(b[at + 2]) << 16 | static_cast<std::uint32_t>(b[at + 3]) << 24;
+           static_cast<std::uint32_t>(b[at + 2]) << 16 |
+           static_cast<std::uint32_t>(b[at + 3]) << 24;
 }
 
 void Put16(std::vector<std::uint8_t>& out, std::uint32_t v) {
@@ -34,7 +35,9 @@ void Put32(std::vector<std::uint8_t>& out, std::uint32_t v) {
     Put16(out, v >> 16);
 }
 
-BmpReadResult Refuse(std::string why) { return BmpReadResult{nullptr, "Invalid bitmap file: " + why}; }
+BmpReadResult Refuse(std::string why) {
+    return BmpReadResult{nullptr, "Invalid bitmap file: " + why};
+}
 
 bool IsKnownInfoHeader(std::uint32_t size) {
     return size == 40 || size == 52 || size == 56 || size == 108 || size == 124;
@@ -54,8 +57,7 @@ BmpReadResult ReadBmp(std::span<const std::uint8_t> file) {
     const std::uint32_t pixelOffset = Read32(file, 10);
     const std::uint32_t headerSize = Read32(file, kFileHeaderSize);
     if (!IsKnownInfoHeader(headerSize)) {
-        return Refuse("unsupported information header of " + std::to_string(headerSize) +
-                      " bytes");
+        return Refuse("unsupported information header of " + std::to_string(headerSize) + " bytes");
     }
     if (file.size() < kFileHeaderSize + headerSize) {
         return Refuse("the file is too short for its headers");
@@ -110,17 +112,20 @@ BmpReadResult ReadBmp(std::span<const std::uint8_t> file) {
                       " lies outside the file or inside the headers");
     }
 
-    const std::uint64_t fileStride = (std::uint64_t{static_cast<std::uint32_t>(width)} *
-                                          static_cast<std::uint32_t>(bitCount) + 31) / 32 * 4;
+    const std::uint64_t fileStride =
+        (std::uint64_t{static_cast<std::uint32_t>(width)} * static_cast<std::uint32_t>(bitCount) +
+         31) /
+        32 * 4;
     if (fileStride > (file.size() - pixelOffset) / static_cast<std::uint32_t>(height)) {
         return Refuse("the pixel data is truncated");
     }
     const int depth = bitCount < 8 ? 8 : bitCount;
     const std::uint64_t pictureStride =
         (std::uint64_t{static_cast<std::uint32_t>(width)} * static_cast<std::uint32_t>(depth / 8) +
-         3) / 4 * 4;
-    if (pictureStride > static_cast<std::uint64_t>(Picture::kMaxPixelBytes) /
-                            static_cast<std::uint32_t>(height)) {
+         3) /
+        4 * 4;
+    if (pictureStride >
+        static_cast<std::uint64_t>(Picture::kMaxPixelBytes) / static_cast<std::uint32_t>(height)) {
         return Refuse("the picture would be too large");
     }
 

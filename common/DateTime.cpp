@@ -159,9 +159,12 @@ Date CombineDateTime(Date datePortion, Date timeOfDay) {
 DateParts SplitDate(Date d) {
     const RoundedDay r = RoundToSecond(d);
     const Civil c = CivilFromDays(r.day + kEpoch);
-    return {static_cast<int>(c.year), c.month,
-            c.day,  static_cast<int>(r.seconds / 3600),
-            static_cast<int>(r.seconds / 60 % 60), static_cast<int>(r.seconds % 60)};
+    return {static_cast<int>(c.year),
+            c.month,
+            c.day,
+            static_cast<int>(r.seconds / 3600),
+            static_cast<int>(r.seconds / 60 % 60),
+            static_cast<int>(r.seconds % 60)};
 }
 
 Date DatePortion(Date d) { return static_cast<double>(Decompose(d).day); }
@@ -231,9 +234,7 @@ Date DateAdd(std::string_view interval, double number, Date d) {
     return Compose(dt.day + days + carry, secs - static_cast<double>(carry) * kSecondsPerDay);
 }
 
-long DateDiffDays(Date a, Date b) {
-    return static_cast<long>(Decompose(b).day - Decompose(a).day);
-}
+long DateDiffDays(Date a, Date b) { return static_cast<long>(Decompose(b).day - Decompose(a).day); }
 
 // ---- Clock -----------------------------------------------------------------
 
@@ -241,9 +242,9 @@ Date LocalDateTime(std::chrono::system_clock::time_point when) {
     const std::time_t t = std::chrono::system_clock::to_time_t(when);
     std::tm tm{};
     localtime_r(&t, &tm);
-    return CombineDateTime(DateSerial(tm.tm_year + 1900, tm.tm_mon + 1, tm.tm_mday),
-                           (tm.tm_hour * 3600 + tm.tm_min * 60 + tm.tm_sec) /
-                               static_cast<double>(kSecondsPerDay));
+    return CombineDateTime(
+        DateSerial(tm.tm_year + 1900, tm.tm_mon + 1, tm.tm_mday),
+        (tm.tm_hour * 3600 + tm.tm_min * 60 + tm.tm_sec) / static_cast<double>(kSecondsPerDay));
 }
 
 // ---- Formatting ------------------------------------------------------------
@@ -514,8 +515,8 @@ std::optional<Date> TextToDate(std::string_view text, const Locale& locale) {
             const Token& dayToken = fields[named0 ? 1 : 0];
             day = ValidDay(WidenYear(fields[2]), month, ToNumber(dayToken.text));
         } else if (fields[0].text.size() >= 3) {  // year first: 2007-12-25
-            day = ValidDay(WidenYear(fields[0]), ToNumber(fields[1].text),
-                           ToNumber(fields[2].text));
+            day =
+                ValidDay(WidenYear(fields[0]), ToNumber(fields[1].text), ToNumber(fields[2].text));
         } else {
             long values[3] = {0, 0, 0};  // d, m, y
             const std::string order = FieldOrder(locale);

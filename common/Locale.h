@@ -9,15 +9,15 @@
 namespace kelvarin {
 
 struct Locale {
-    std::string name;                          // "it", "en", or the host's name
-    std::array<std::string, 12> monthNames;    // January first
+    std::string name;                        // "it", "en", or the host's name
+    std::array<std::string, 12> monthNames;  // January first
     std::array<std::string, 12> monthAbbrevs;
-    std::array<std::string, 7> weekdayNames;   // Sunday first
+    std::array<std::string, 7> weekdayNames;  // Sunday first
     std::array<std::string, 7> weekdayAbbrevs;
     // Patterns in the date formatter's tokens (see FormatDate).
-    std::string shortDatePattern;              // "dd/mm/yyyy"
-    std::string timePattern;                   // "hh:nn:ss"
-    std::string amDesignator;                  // used by an "AM/PM" token
+    std::string shortDatePattern;  // "dd/mm/yyyy"
+    std::string timePattern;       // "hh:nn:ss"
+    std::string amDesignator;      // used by an "AM/PM" token
     std::string pmDesignator;
     char decimalSeparator = ',';
     char thousandsSeparator = '.';

@@ -23,7 +23,7 @@ T RoundedInRange(double x) {
 }  // namespace
 
 double RoundHalfEven(double x) noexcept {
-    const double r = std::round(x);  // ties away from zero...
+    const double r = std::round(x);                                 // ties away from zero...
     if (std::fabs(r - x) == 0.5) return 2.0 * std::round(x / 2.0);  // ...so redo the ties
     return r;
 }

@@ -128,13 +128,11 @@ bool Variant::IsNumeric() const noexcept {
         case VarType::Long:
         case VarType::Single:
         case VarType::Double:
-        case VarType::Date:
-            return true;
+        case VarType::Date: return true;
         case VarType::Empty:
         case VarType::Null:
         case VarType::String:
-        case VarType::Object:
-            return false;
+        case VarType::Object: return false;
     }
     return false;
 }

@@ -64,8 +64,8 @@ private:
         friend bool operator==(DateTag a, DateTag b) noexcept { return a.serial == b.serial; }
     };
     // Alternatives in VarType order.
-    std::variant<std::monostate, NullTag, bool, Integer, Long, Single, double, DateTag,
-                 std::string, std::shared_ptr<Object>>
+    std::variant<std::monostate, NullTag, bool, Integer, Long, Single, double, DateTag, std::string,
+                 std::shared_ptr<Object>>
         value_;
 
     double NumberOrRaise() const;

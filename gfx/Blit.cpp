@@ -162,8 +162,8 @@ bool IsKnownRasterOp(std::uint32_t rop) noexcept {
 
 // ---- 3. BitBlt -------------------------------------------------------------
 
-bool BitBlt(DeviceContext& dst, int dstX, int dstY, int width, int height,
-            const DeviceContext* src, int srcX, int srcY, std::uint32_t rop) {
+bool BitBlt(DeviceContext& dst, int dstX, int dstY, int width, int height, const DeviceContext* src,
+            int srcX, int srcY, std::uint32_t rop) {
     if (!IsKnownRasterOp(rop)) return false;
     const unsigned index = rop >> 16 & 0xFF;
     const bool usesSource = ByteOp(index).UsesSource();
@@ -205,7 +205,8 @@ bool BitBlt(DeviceContext& dst, int dstX, int dstY, int width, int height,
                 continue;
             }
             for (std::int64_t x = 0; x < w; ++x) {
-                const Bgr c = ReadPixel(from, static_cast<int>(sx + x), srcDepth, src->ColorTable());
+                const Bgr c =
+                    ReadPixel(from, static_cast<int>(sx + x), srcDepth, src->ColorTable());
                 WritePixel(to + x * dstBytes, c, dst.BitsPerPixel(), nearest);
             }
         }

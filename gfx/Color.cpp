@@ -337,11 +337,13 @@ bool clsGFX_2D::Color_Halftone_Dithering(bool blnColor) {
     SessionScope session(*this);
     if (!blnColor) Color_ChannelComponent(16);
     const ImageRows rows = SessionRows();
-    static constexpr int kThreshold[3][3] = {{5, 2, 7}, {1, 0, 3}, {6, 8, 4}};  // [y mod 3][x mod 3]
+    static constexpr int kThreshold[3][3] = {
+        {5, 2, 7}, {1, 0, 3}, {6, 8, 4}};  // [y mod 3][x mod 3]
     // Each byte depends on its own value and place only, so the image is
     // thresholded in place.
     std::uint8_t level[256];
-    for (int v = 0; v < 256; ++v) level[v] = static_cast<std::uint8_t>(RoundHalfEven(v * 9 / 255.0));
+    for (int v = 0; v < 256; ++v)
+        level[v] = static_cast<std::uint8_t>(RoundHalfEven(v * 9 / 255.0));
     for (Long y = 0; y < rows.height; ++y) {
         std::uint8_t* p = rows.Row(y);
         const int* t = kThreshold[y % 3];
@@ -475,8 +477,8 @@ bool clsGFX_2D::Color_GetIstogram(Long lngSelector, Histogram& lngIstogram1,
         case 1: lngResult = largest(lngIstogram2); break;
         case 2: lngResult = largest(lngIstogram3); break;
         default:
-            lngResult = std::max({largest(lngIstogram1), largest(lngIstogram2),
-                                  largest(lngIstogram3)});
+            lngResult =
+                std::max({largest(lngIstogram1), largest(lngIstogram2), largest(lngIstogram3)});
             break;
     }
     return true;
@@ -486,9 +488,12 @@ bool clsGFX_2D::Color_EqualizeIstogram(Long lngChannel) {
     if (!Require24("Color_EqualizeIstogram is only for 24bit depth images")) return false;
     int place;  // byte within the pixel: 2 red (or hue), 1 green, 0 blue
     switch (lngChannel) {
-        case 0: case 4: place = 2; break;
-        case 1: case 8: place = 1; break;
-        case 2: case 16: place = 0; break;
+        case 0:
+        case 4: place = 2; break;
+        case 1:
+        case 8: place = 1; break;
+        case 2:
+        case 16: place = 0; break;
         default: return true;
     }
     SessionScope session(*this);

@@ -56,8 +56,8 @@ bool IsKnownRasterOp(std::uint32_t rop) noexcept;
 // Source and destination may be the same context, overlapping or not.
 // Operations that ignore the source accept a null src. Returns false, and
 // copies nothing, for an unknown operation.
-bool BitBlt(DeviceContext& dst, int dstX, int dstY, int width, int height,
-            const DeviceContext* src, int srcX, int srcY, std::uint32_t rop);
+bool BitBlt(DeviceContext& dst, int dstX, int dstY, int width, int height, const DeviceContext* src,
+            int srcX, int srcY, std::uint32_t rop);
 
 // Draws an icon picture with its top-left corner at (x, y) in its own size:
 // destination AND mask, then XOR the colour pixels, so transparent parts

@@ -131,8 +131,7 @@ void clsGFX_2D::PutPixelChecked(Long X, Long Y, Long c) {
 
 void clsGFX_2D::Draw_Pixel(Long X, Long Y, Long c) {
     const Long bpp = bytesPerPixel_;
-    if (X >= 0 && X < session_.BytesPerRow() / std::max<Long>(bpp, 1) &&
-        session_.Contains(0, Y)) {
+    if (X >= 0 && X < session_.BytesPerRow() / std::max<Long>(bpp, 1) && session_.Contains(0, Y)) {
         std::uint8_t* p = session_.Row(Y) + static_cast<std::ptrdiff_t>(X) * bpp;
         switch (bpp) {
             case 3: StorePixel<3>(p, c); return;
@@ -306,12 +305,12 @@ void clsGFX_2D::Draw_Line_C(Long x1, Long y1, Long x2, Long y2, Long c) {
         }
     }
     auto clampX = [&](double x) {
-        return static_cast<Long>(std::clamp(RoundHalfEven(x), static_cast<double>(v.Xmin),
-                                            static_cast<double>(v.Xmax)));
+        return static_cast<Long>(
+            std::clamp(RoundHalfEven(x), static_cast<double>(v.Xmin), static_cast<double>(v.Xmax)));
     };
     auto clampY = [&](double y) {
-        return static_cast<Long>(std::clamp(RoundHalfEven(y), static_cast<double>(v.Ymin),
-                                            static_cast<double>(v.Ymax)));
+        return static_cast<Long>(
+            std::clamp(RoundHalfEven(y), static_cast<double>(v.Ymin), static_cast<double>(v.Ymax)));
     };
     Draw_Line(clampX(ax + t0 * dx), clampY(ay + t0 * dy), clampX(ax + t1 * dx),
               clampY(ay + t1 * dy), c);
@@ -319,8 +318,7 @@ void clsGFX_2D::Draw_Line_C(Long x1, Long y1, Long x2, Long y2, Long c) {
 
 // ---- 4. Bezier curves ----------------------------------------------------------
 
-void clsGFX_2D::Bezier(PointD s, PointD c1, PointD c2, PointD e, Long c, Long depth,
-                       bool clipped) {
+void clsGFX_2D::Bezier(PointD s, PointD c1, PointD c2, PointD e, Long c, Long depth, bool clipped) {
     if (depth < 1) {
         const Long xa = ToLong(s.x), ya = ToLong(s.y), xb = ToLong(e.x), yb = ToLong(e.y);
         if (clipped) {
@@ -348,8 +346,7 @@ void clsGFX_2D::Bezier(PointD s, PointD c1, PointD c2, PointD e, Long c, Long de
         const double d = (r.x - p.x) * (r.x - p.x) + (r.y - p.y);
         if (d == 0.0) {
             // A degenerate left half is drawn unclipped even by the clipping form.
-            Bezier(halves[k][0], halves[k][1], halves[k][2], halves[k][3], c, 0,
-                   clipped && k == 1);
+            Bezier(halves[k][0], halves[k][1], halves[k][2], halves[k][3], c, 0, clipped && k == 1);
             continue;
         }
         const double cross = (q.x - p.x) * (r.y - p.y) - (q.y - p.y) * (r.x - p.x);
@@ -364,8 +361,8 @@ void clsGFX_2D::Draw_Bezier(PointD start, PointD control1, PointD control2, Poin
     Bezier(start, control1, control2, end, c, std::min(lngMaxRecursive, kMaxBezierDepth), false);
 }
 
-void clsGFX_2D::Draw_Bezier_C(PointD start, PointD control1, PointD control2, PointD end,
-                              Long c, Long lngMaxRecursive) {
+void clsGFX_2D::Draw_Bezier_C(PointD start, PointD control1, PointD control2, PointD end, Long c,
+                              Long lngMaxRecursive) {
     Bezier(start, control1, control2, end, c, std::min(lngMaxRecursive, kMaxBezierDepth), true);
 }
 

@@ -321,12 +321,8 @@ struct Window {
     __m256i v[3][3];  // [row offset + 1][column offset + 1]
 };
 
-KELVARIN_AVX2 inline __m256i Min(__m256i a, __m256i b) {
-    return _mm256_min_epu8(a, b);
-}
-KELVARIN_AVX2 inline __m256i Max(__m256i a, __m256i b) {
-    return _mm256_max_epu8(a, b);
-}
+KELVARIN_AVX2 inline __m256i Min(__m256i a, __m256i b) { return _mm256_min_epu8(a, b); }
+KELVARIN_AVX2 inline __m256i Max(__m256i a, __m256i b) { return _mm256_max_epu8(a, b); }
 KELVARIN_AVX2 inline __m256i Med3(__m256i a, __m256i b, __m256i c) {
     return Max(Min(a, b), Min(Max(a, b), c));
 }
@@ -423,12 +419,8 @@ KELVARIN_AVX2 void SmoothWavefront(const Rows& rows) {
 constexpr int kWideLanes = 19;
 constexpr Long kPrefetchAhead = 5;  // image row t + 11 is asked for at step t
 
-KELVARIN_AVX512 inline __m512i Min(__m512i a, __m512i b) {
-    return _mm512_min_epu8(a, b);
-}
-KELVARIN_AVX512 inline __m512i Max(__m512i a, __m512i b) {
-    return _mm512_max_epu8(a, b);
-}
+KELVARIN_AVX512 inline __m512i Min(__m512i a, __m512i b) { return _mm512_min_epu8(a, b); }
+KELVARIN_AVX512 inline __m512i Max(__m512i a, __m512i b) { return _mm512_max_epu8(a, b); }
 KELVARIN_AVX512 inline __m512i Med3(__m512i a, __m512i b, __m512i c) {
     return Max(Min(a, b), Min(Max(a, b), c));
 }
@@ -471,7 +463,7 @@ KELVARIN_AVX512 inline __m512i Shifted(__m512i index, __m512i v) {
 
 // The delay lines of one strip.
 class Shear {
-  public:
+public:
     // delayOf(j): the delay in units of two rows of the lane at bytes 3j..3j+2.
     template <typename DelayOf>
     explicit Shear(DelayOf delayOf) {
@@ -499,7 +491,7 @@ class Shear {
         return x;
     }
 
-  private:
+private:
     static constexpr int kStages = 5;  // delays up to 2 * 31 rows
     __mmask64 mask_[kStages];
     __m512i ring_[(2 << kStages) - 2];

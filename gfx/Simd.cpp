@@ -78,17 +78,15 @@ KELVARIN_SSSE3 inline __m128i Load(const Mask& m) {
 }
 
 KELVARIN_SSSE3 inline __m128i Channel(const __m128i v[3], int c) {
-    return _mm_or_si128(
-        _mm_or_si128(_mm_shuffle_epi8(v[0], Load(kGather[c][0])),
-                     _mm_shuffle_epi8(v[1], Load(kGather[c][1]))),
-        _mm_shuffle_epi8(v[2], Load(kGather[c][2])));
+    return _mm_or_si128(_mm_or_si128(_mm_shuffle_epi8(v[0], Load(kGather[c][0])),
+                                     _mm_shuffle_epi8(v[1], Load(kGather[c][1]))),
+                        _mm_shuffle_epi8(v[2], Load(kGather[c][2])));
 }
 
 KELVARIN_SSSE3 inline __m128i Interleave(const __m128i ch[3], int k) {
-    return _mm_or_si128(
-        _mm_or_si128(_mm_shuffle_epi8(ch[0], Load(kScatter[k][0])),
-                     _mm_shuffle_epi8(ch[1], Load(kScatter[k][1]))),
-        _mm_shuffle_epi8(ch[2], Load(kScatter[k][2])));
+    return _mm_or_si128(_mm_or_si128(_mm_shuffle_epi8(ch[0], Load(kScatter[k][0])),
+                                     _mm_shuffle_epi8(ch[1], Load(kScatter[k][1]))),
+                        _mm_shuffle_epi8(ch[2], Load(kScatter[k][2])));
 }
 
 // Weighted grey of eight pixels whose channels are widened to 16 bits:
@@ -102,18 +100,19 @@ KELVARIN_SSSE3 inline __m128i Weighted8(__m128i b, __m128i g, __m128i r) {
     const __m128i bWeights = _mm_set1_epi32(71);
     const __m128i half = _mm_set1_epi32(500);
     const __m128i zero = _mm_setzero_si128();
-    const __m128i lo = _mm_add_epi32(
-        _mm_add_epi32(_mm_madd_epi16(_mm_unpacklo_epi16(r, g), rgWeights),
-                      _mm_madd_epi16(_mm_unpacklo_epi16(b, zero), bWeights)),
-        half);
-    const __m128i hi = _mm_add_epi32(
-        _mm_add_epi32(_mm_madd_epi16(_mm_unpackhi_epi16(r, g), rgWeights),
-                      _mm_madd_epi16(_mm_unpackhi_epi16(b, zero), bWeights)),
-        half);
+    const __m128i lo =
+        _mm_add_epi32(_mm_add_epi32(_mm_madd_epi16(_mm_unpacklo_epi16(r, g), rgWeights),
+                                    _mm_madd_epi16(_mm_unpacklo_epi16(b, zero), bWeights)),
+                      half);
+    const __m128i hi =
+        _mm_add_epi32(_mm_add_epi32(_mm_madd_epi16(_mm_unpackhi_epi16(r, g), rgWeights),
+                                    _mm_madd_epi16(_mm_unpackhi_epi16(b, zero), bWeights)),
+                      half);
     const __m128i eighths = _mm_packs_epi32(_mm_srli_epi32(lo, 3), _mm_srli_epi32(hi, 3));
-    const __m128i rest = _mm_packs_epi32(_mm_and_si128(lo, _mm_set1_epi32(7)),
-                                         _mm_and_si128(hi, _mm_set1_epi32(7)));
-    const __m128i q = _mm_srli_epi16(_mm_mulhi_epu16(eighths, _mm_set1_epi16(static_cast<short>(33555 - 65536))), 6);
+    const __m128i rest =
+        _mm_packs_epi32(_mm_and_si128(lo, _mm_set1_epi32(7)), _mm_and_si128(hi, _mm_set1_epi32(7)));
+    const __m128i q = _mm_srli_epi16(
+        _mm_mulhi_epu16(eighths, _mm_set1_epi16(static_cast<short>(33555 - 65536))), 6);
     const __m128i tie =
         _mm_and_si128(_mm_cmpeq_epi16(_mm_mullo_epi16(q, _mm_set1_epi16(125)), eighths),
                       _mm_cmpeq_epi16(rest, zero));
@@ -135,21 +134,20 @@ KELVARIN_SSSE3 Long GraySsse3(std::uint8_t* row, Long width, std::uint8_t mb, st
         const __m128i b = Channel(v, 0), g = Channel(v, 1), r = Channel(v, 2);
         __m128i grey;
         if (weighted) {
-            grey = _mm_packus_epi16(
-                Weighted8(_mm_unpacklo_epi8(b, zero), _mm_unpacklo_epi8(g, zero),
-                          _mm_unpacklo_epi8(r, zero)),
-                Weighted8(_mm_unpackhi_epi8(b, zero), _mm_unpackhi_epi8(g, zero),
-                          _mm_unpackhi_epi8(r, zero)));
+            grey =
+                _mm_packus_epi16(Weighted8(_mm_unpacklo_epi8(b, zero), _mm_unpacklo_epi8(g, zero),
+                                           _mm_unpacklo_epi8(r, zero)),
+                                 Weighted8(_mm_unpackhi_epi8(b, zero), _mm_unpackhi_epi8(g, zero),
+                                           _mm_unpackhi_epi8(r, zero)));
         } else {
             grey = _mm_max_epu8(b, _mm_max_epu8(g, r));
         }
         const __m128i keep =
             _mm_and_si128(_mm_cmpeq_epi8(b, maskB),
                           _mm_and_si128(_mm_cmpeq_epi8(g, maskG), _mm_cmpeq_epi8(r, maskR)));
-        const __m128i out[3] = {
-            _mm_or_si128(_mm_and_si128(keep, b), _mm_andnot_si128(keep, grey)),
-            _mm_or_si128(_mm_and_si128(keep, g), _mm_andnot_si128(keep, grey)),
-            _mm_or_si128(_mm_and_si128(keep, r), _mm_andnot_si128(keep, grey))};
+        const __m128i out[3] = {_mm_or_si128(_mm_and_si128(keep, b), _mm_andnot_si128(keep, grey)),
+                                _mm_or_si128(_mm_and_si128(keep, g), _mm_andnot_si128(keep, grey)),
+                                _mm_or_si128(_mm_and_si128(keep, r), _mm_andnot_si128(keep, grey))};
         for (int k = 0; k < 3; ++k) {
             _mm_storeu_si128(reinterpret_cast<__m128i*>(row + 16 * k), Interleave(out, k));
         }
@@ -173,13 +171,15 @@ KELVARIN_SSSE3 Long FadeSsse3(std::uint8_t* row, Long width, const std::uint8_t 
             v[k] = _mm_loadu_si128(reinterpret_cast<const __m128i*>(row + 16 * k));
         }
         const __m128i ch[3] = {Channel(v, 0), Channel(v, 1), Channel(v, 2)};
-        const __m128i keep = _mm_and_si128(
-            _mm_cmpeq_epi8(ch[0], maskBytes[0]),
-            _mm_and_si128(_mm_cmpeq_epi8(ch[1], maskBytes[1]), _mm_cmpeq_epi8(ch[2], maskBytes[2])));
+        const __m128i keep = _mm_and_si128(_mm_cmpeq_epi8(ch[0], maskBytes[0]),
+                                           _mm_and_si128(_mm_cmpeq_epi8(ch[1], maskBytes[1]),
+                                                         _mm_cmpeq_epi8(ch[2], maskBytes[2])));
         __m128i out[3];
         for (int c = 0; c < 3; ++c) {
-            const __m128i lo = _mm_srl_epi16(_mm_add_epi16(_mm_unpacklo_epi8(ch[c], zero), parts[c]), count);
-            const __m128i hi = _mm_srl_epi16(_mm_add_epi16(_mm_unpackhi_epi8(ch[c], zero), parts[c]), count);
+            const __m128i lo =
+                _mm_srl_epi16(_mm_add_epi16(_mm_unpacklo_epi8(ch[c], zero), parts[c]), count);
+            const __m128i hi =
+                _mm_srl_epi16(_mm_add_epi16(_mm_unpackhi_epi8(ch[c], zero), parts[c]), count);
             const __m128i faded = _mm_packus_epi16(lo, hi);
             out[c] = _mm_or_si128(_mm_and_si128(keep, ch[c]), _mm_andnot_si128(keep, faded));
         }
@@ -204,9 +204,9 @@ KELVARIN_SSSE3 Long ReplaceSsse3(std::uint8_t* row, Long width, const std::uint8
             v[k] = _mm_loadu_si128(reinterpret_cast<const __m128i*>(row + 16 * k));
         }
         const __m128i ch[3] = {Channel(v, 0), Channel(v, 1), Channel(v, 2)};
-        const __m128i hit = _mm_and_si128(
-            _mm_cmpeq_epi8(ch[0], fromBytes[0]),
-            _mm_and_si128(_mm_cmpeq_epi8(ch[1], fromBytes[1]), _mm_cmpeq_epi8(ch[2], fromBytes[2])));
+        const __m128i hit = _mm_and_si128(_mm_cmpeq_epi8(ch[0], fromBytes[0]),
+                                          _mm_and_si128(_mm_cmpeq_epi8(ch[1], fromBytes[1]),
+                                                        _mm_cmpeq_epi8(ch[2], fromBytes[2])));
         if (_mm_movemask_epi8(hit) == 0) continue;  // the usual case: nothing to write
         __m128i out[3];
         for (int c = 0; c < 3; ++c) {
@@ -260,8 +260,8 @@ KELVARIN_AVX2 inline __m256i Weighted16(__m256i b, __m256i g, __m256i r) {
     return _mm256_sub_epi16(q, _mm256_and_si256(tie, _mm256_and_si256(q, one)));
 }
 
-KELVARIN_AVX2 Long GrayWeightedAvx2(std::uint8_t* row, Long width, std::uint8_t mb,
-                                    std::uint8_t mg, std::uint8_t mr) {
+KELVARIN_AVX2 Long GrayWeightedAvx2(std::uint8_t* row, Long width, std::uint8_t mb, std::uint8_t mg,
+                                    std::uint8_t mr) {
     const __m256i maskB = _mm256_set1_epi8(static_cast<char>(mb));
     const __m256i maskG = _mm256_set1_epi8(static_cast<char>(mg));
     const __m256i maskR = _mm256_set1_epi8(static_cast<char>(mr));
@@ -282,7 +282,8 @@ KELVARIN_AVX2 Long GrayWeightedAvx2(std::uint8_t* row, Long width, std::uint8_t 
         const __m256i keep = _mm256_and_si256(
             _mm256_cmpeq_epi8(b, maskB),
             _mm256_and_si256(_mm256_cmpeq_epi8(g, maskG), _mm256_cmpeq_epi8(r, maskR)));
-        const __m256i out[3] = {_mm256_blendv_epi8(grey, b, keep), _mm256_blendv_epi8(grey, g, keep),
+        const __m256i out[3] = {_mm256_blendv_epi8(grey, b, keep),
+                                _mm256_blendv_epi8(grey, g, keep),
                                 _mm256_blendv_epi8(grey, r, keep)};
         for (int k = 0; k < 3; ++k) {
             _mm256_storeu2_m128i(reinterpret_cast<__m128i*>(row + 48 + 16 * k),

@@ -63,8 +63,8 @@ bool clsGFX_2D::Allocate(Long lWidth, Long lHeight, Long BitPerPixels, bool zero
         }
     }
 
-    const bool depthOk = BitPerPixels == 8 || BitPerPixels == 16 || BitPerPixels == 24 ||
-                         BitPerPixels == 32;
+    const bool depthOk =
+        BitPerPixels == 8 || BitPerPixels == 16 || BitPerPixels == 24 || BitPerPixels == 32;
     if (!depthOk || lWidth < 1 || lHeight < 1) return false;
     const std::int64_t stride = (std::int64_t{lWidth} * bytesPerPixel_ + 3) / 4 * 4;
     if (stride > kMaxSurfaceBytes / lHeight) return false;
@@ -164,8 +164,8 @@ bool clsGFX_2D::BitBlt_LoadPicture(const DeviceContext* lhDC, Long lSrcLeft, Lon
 }
 
 bool clsGFX_2D::BitBlt_PaintPicture(DeviceContext* lhDC, Long lDestLeft, Long lDestTop,
-                                    Long lDestWidth, Long lDestHeight, Long lSrcLeft,
-                                    Long lSrcTop, std::uint32_t eRop) {
+                                    Long lDestWidth, Long lDestHeight, Long lSrcLeft, Long lSrcTop,
+                                    std::uint32_t eRop) {
     if (!IsKnownRasterOp(eRop)) {
         lastError_ = UnknownRopText("BitBlt_PaintPicture", eRop);
         return false;
@@ -203,8 +203,8 @@ std::uint8_t* clsGFX_2D::WritableScanLine(int y) {
 
 bool clsGFX_2D::Data_Get(PixelArray& TempArray) {
     if (sessionOpen_) return false;
-    TempArray = HasSurface() ? PixelArray(bits_.get(), Get_BytesPerScanLine(), height_)
-                             : PixelArray();
+    TempArray =
+        HasSurface() ? PixelArray(bits_.get(), Get_BytesPerScanLine(), height_) : PixelArray();
     return true;
 }
 

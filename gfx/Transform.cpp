@@ -138,9 +138,7 @@ Sample SampleAt(Long i, Single scale, Long sourceSize) {
 }
 
 // Nearest, ties to even, of a non-negative single below 256.
-inline std::uint8_t RoundByte(Single v) {
-    return static_cast<std::uint8_t>(RoundHalfEven(v));
-}
+inline std::uint8_t RoundByte(Single v) { return static_cast<std::uint8_t>(RoundHalfEven(v)); }
 
 template <typename Rows>
 void ResamplePlain(const Rows& from, const Rows& to, Single sx, Single sy) {
@@ -445,7 +443,8 @@ void ResampleFast(const Rows& from, const Rows& to, Single sx, Single sy) {
             InterpolateRowPlain(t, low, cache[0].data(), done, outBytes);
             InterpolateRowPlain(t, high, cache[1].data(), done, outBytes);
             cached[0] = cached[1] = -1;
-            BlendRowsPlain(cache[0].data(), cache[1].data(), row.keep, row.take, out, done, outBytes);
+            BlendRowsPlain(cache[0].data(), cache[1].data(), row.keep, row.take, out, done,
+                           outBytes);
             continue;
         }
 #endif
@@ -664,18 +663,10 @@ void clsGFX_2D::Image_FlipX() {
 #endif
     for (Long y = 0; y < rows.height; ++y) {
         switch (bpp) {
-            case 1:
-                ReverseRowInPlace<1>(rows.Row(y), w);
-                break;
-            case 2:
-                ReverseRowInPlace<2>(rows.Row(y), w);
-                break;
-            case 3:
-                ReverseRowInPlace<3>(rows.Row(y), w);
-                break;
-            default:
-                ReverseRowInPlace<4>(rows.Row(y), w);
-                break;
+            case 1: ReverseRowInPlace<1>(rows.Row(y), w); break;
+            case 2: ReverseRowInPlace<2>(rows.Row(y), w); break;
+            case 3: ReverseRowInPlace<3>(rows.Row(y), w); break;
+            default: ReverseRowInPlace<4>(rows.Row(y), w); break;
         }
     }
 }
@@ -765,12 +756,8 @@ bool clsGFX_2D::Image_Rotate() {
         return true;
     }
     switch (bpp) {
-        case 1:
-            RotateTiled<1>(rows);
-            break;
-        case 2:
-            RotateTiled<2>(rows);
-            break;
+        case 1: RotateTiled<1>(rows); break;
+        case 2: RotateTiled<2>(rows); break;
         case 3:
 #if KELVARIN_X86
             if (Avx2Enabled()) {
@@ -780,9 +767,7 @@ bool clsGFX_2D::Image_Rotate() {
 #endif
             RotateTiled<3>(rows);
             break;
-        default:
-            RotateTiled<4>(rows);
-            break;
+        default: RotateTiled<4>(rows); break;
     }
     return true;
 }

@@ -98,8 +98,7 @@ public:
 
     // ---- Drawing: inside a session -------------------------------------------
 
-    void Draw_SetViewport(Long lngXmin = 0, Long lngYmin = 0, Long lngXmax = -1,
-                          Long lngYmax = -1);
+    void Draw_SetViewport(Long lngXmin = 0, Long lngYmin = 0, Long lngXmax = -1, Long lngYmax = -1);
     ViewportRect Viewport() const noexcept { return viewport_; }
     void Draw_Clear();
     void Draw_RandomBits(bool bGray);

@@ -5,8 +5,8 @@
 #include <cmath>
 #include <cstdio>
 #include <cstring>
-#include <span>
 #include <fstream>
+#include <span>
 #include <sstream>
 
 #include <nlohmann/json.hpp>
@@ -48,8 +48,8 @@ const char* KindOf(const Variant& v) {
 std::string IsoText(Date d) {
     const DateParts p = SplitDate(d);
     char buf[32];
-    std::snprintf(buf, sizeof buf, "%04d-%02d-%02dT%02d:%02d:%02d", p.year, p.month, p.day,
-                  p.hour, p.minute, p.second);
+    std::snprintf(buf, sizeof buf, "%04d-%02d-%02dT%02d:%02d:%02d", p.year, p.month, p.day, p.hour,
+                  p.minute, p.second);
     return buf;
 }
 
@@ -172,7 +172,8 @@ void CheckDepth(std::string_view text, std::string_view source) {
             inString = true;
         } else if (c == '{' || c == '[') {
             if (++depth > kMaxDepth)
-                Fail(std::string(source), "nested more than " + std::to_string(kMaxDepth) + " deep");
+                Fail(std::string(source),
+                     "nested more than " + std::to_string(kMaxDepth) + " deep");
         } else if (c == '}' || c == ']') {
             --depth;
         }
@@ -215,7 +216,8 @@ int Whole(const Json& j, const std::string& place, int min, int max) {
 Date ParseIso(const std::string& s, const std::string& place) {
     int y, mo, d, h = 0, mi = 0, se = 0;
     char tail = 0;
-    const int n = std::sscanf(s.c_str(), "%5d-%2d-%2dT%2d:%2d:%2d%c", &y, &mo, &d, &h, &mi, &se, &tail);
+    const int n =
+        std::sscanf(s.c_str(), "%5d-%2d-%2dT%2d:%2d:%2d%c", &y, &mo, &d, &h, &mi, &se, &tail);
     if ((n != 3 && n != 6) || y < 100 || y > 9999 || mo < 1 || mo > 12 || d < 1 ||
         d > DaysInMonth(y, mo) || h < 0 || h > 23 || mi < 0 || mi > 59 || se < 0 || se > 59) {
         Fail(place, "expected a date as YYYY-MM-DD or YYYY-MM-DDTHH:MM:SS");
@@ -241,8 +243,8 @@ std::shared_ptr<Picture> DecodePicture(const Json& j, const std::string& place) 
     const int w = colour->Width(), h = colour->Height();
     const int hotX = Whole(Member(j, "hotX", place), place + ".hotX", 0, w);
     const int hotY = Whole(Member(j, "hotY", place), place + ".hotY", 0, h);
-    const auto mask = FromBase64(Text(Member(j, "mask", place), place + ".mask", kMaxText),
-                                 place + ".mask");
+    const auto mask =
+        FromBase64(Text(Member(j, "mask", place), place + ".mask", kMaxText), place + ".mask");
     if (colour->BitsPerPixel() != 24 || mask.size() != static_cast<std::size_t>(w) * h)
         Fail(place, "icon pixels and mask do not match");
     auto icon = Picture::MakeIcon(w, h, hotX, hotY);
@@ -282,7 +284,8 @@ Variant Decode(const Json& j, const std::string& place) {
                 font->name = Text(Member(value, "name", inner), inner + ".name", 256);
                 font->size = Number(Member(value, "size", inner), inner + ".size");
                 if (font->size <= 0 || font->size > 2048) Fail(inner + ".size", "out of range");
-                for (auto [flag, field] : {std::pair{"bold", &font->bold}, {"italic", &font->italic},
+                for (auto [flag, field] : {std::pair{"bold", &font->bold},
+                                           {"italic", &font->italic},
                                            {"underline", &font->underline},
                                            {"strikethrough", &font->strikethrough}}) {
                     const auto it = value.find(flag);
@@ -290,19 +293,20 @@ Variant Decode(const Json& j, const std::string& place) {
                 }
                 return Variant(std::shared_ptr<Object>(font));
             }
-            if (key == "picture") return Variant(std::shared_ptr<Object>(DecodePicture(value, inner)));
+            if (key == "picture")
+                return Variant(std::shared_ptr<Object>(DecodePicture(value, inner)));
             Fail(place, "unknown kind of value \"" + key + "\"");
         }
         case Json::value_t::array:
         case Json::value_t::binary:
-        case Json::value_t::discarded:
-            break;
+        case Json::value_t::discarded: break;
     }
     Fail(place, "unexpected value");
 }
 
 bool IsName(const std::string& s) {
-    if (s.empty() || s.size() > 64 || !(std::isalpha(static_cast<unsigned char>(s[0])) || s[0] == '_'))
+    if (s.empty() || s.size() > 64 ||
+        !(std::isalpha(static_cast<unsigned char>(s[0])) || s[0] == '_'))
         return false;
     for (char c : s)
         if (!std::isalnum(static_cast<unsigned char>(c)) && c != '_') return false;
@@ -374,7 +378,8 @@ Form ReadForm(std::string_view text, std::string_view source,
         if (!c.is_object()) Fail(place, "expected an object");
         FormControl fc;
         fc.className = Text(Member(c, "class", place), place + ".class", 256);
-        if (!classExists(fc.className)) Fail(place + ".class", "unknown class \"" + fc.className + "\"");
+        if (!classExists(fc.className))
+            Fail(place + ".class", "unknown class \"" + fc.className + "\"");
         fc.name = Text(Member(c, "name", place), place + ".name", 256);
         if (!IsName(fc.name)) Fail(place + ".name", "not a control name: \"" + fc.name + "\"");
         const std::string key = ToLowerAscii(fc.name);
@@ -389,7 +394,8 @@ Form ReadForm(std::string_view text, std::string_view source,
         if (props != c.end()) {
             if (!props->is_object()) Fail(place + ".properties", "expected an object");
             for (const auto& [name, value] : props->items()) {
-                if (name.empty() || name.size() > 64) Fail(place + ".properties", "bad property name");
+                if (name.empty() || name.size() > 64)
+                    Fail(place + ".properties", "bad property name");
                 fc.properties.Set(name, Decode(value, place + ".properties." + name));
             }
         }

@@ -25,10 +25,10 @@ enum KeyCode : int {
     kKeyDown = 40,
     kKeyInsert = 45,
     kKeyDelete = 46,
-    kKey0 = 48,  // to kKey0 + 9
-    kKeyA = 65,  // to kKeyA + 25
+    kKey0 = 48,        // to kKey0 + 9
+    kKeyA = 65,        // to kKeyA + 25
     kKeyNumpad0 = 96,  // to kKeyNumpad0 + 9
-    kKeyF1 = 112,  // to kKeyF1 + 11
+    kKeyF1 = 112,      // to kKeyF1 + 11
     kKeyF4 = 115,
     kKeyF5 = 116,
 };

@@ -16,15 +16,13 @@ bool SameValue(const Variant& a, const Variant& b) {
             return x->SameAs(*y);
         }
         case VarType::Empty:
-        case VarType::Null:
-            return true;
+        case VarType::Null: return true;
         case VarType::Boolean:
         case VarType::Integer:
         case VarType::Long:
         case VarType::Single:
         case VarType::Double:
-        case VarType::Date:
-            return a == b;
+        case VarType::Date: return a == b;
     }
     return false;
 }

@@ -42,8 +42,8 @@ void BreakParagraph(std::string_view paragraph, int maxWidth, const MeasureFunct
         lineEnd = end;
         i = end + 1;
     }
-    row(paragraph.substr(lineStart, (lineEnd == std::string_view::npos ? paragraph.size() : lineEnd) -
-                                        lineStart));
+    row(paragraph.substr(
+        lineStart, (lineEnd == std::string_view::npos ? paragraph.size() : lineEnd) - lineStart));
 }
 
 }  // namespace
@@ -94,8 +94,8 @@ TextExtent LayoutText(std::string_view text, const Rect& rect, unsigned format,
     std::size_t start = 0;
     while (true) {
         const std::size_t nl = resolved.find('\n', start);
-        std::string_view paragraph =
-            resolved.substr(start, nl == std::string_view::npos ? std::string_view::npos : nl - start);
+        std::string_view paragraph = resolved.substr(
+            start, nl == std::string_view::npos ? std::string_view::npos : nl - start);
         if (!paragraph.empty() && paragraph.back() == '\r') paragraph.remove_suffix(1);
         if (format & DT_WORDBREAK) {
             BreakParagraph(paragraph, rect.Width(), measure, place);

@@ -15,7 +15,7 @@ struct TextLine {
     int x = 0;              // left of the line
     int y = 0;              // top of the line
     int width = 0;
-    int accessIndex = -1;   // byte offset in `text` of the underlined access key, or -1
+    int accessIndex = -1;  // byte offset in `text` of the underlined access key, or -1
 };
 
 struct TextExtent {

@@ -9,7 +9,8 @@ ClassRegistry& ClassRegistry::Instance() {
     // The library's classes are known from the start; each control brings
     // its creator when it is built into the library.
     static const bool seeded = [] {
-        for (const ClassInfo& info : Kelvarin().classes) registry.Register(info, CreatorOf(info.name));
+        for (const ClassInfo& info : Kelvarin().classes)
+            registry.Register(info, CreatorOf(info.name));
         return true;
     }();
     (void)seeded;

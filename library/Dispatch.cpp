@@ -74,7 +74,8 @@ Variant DoCall(host::Control& control, const MemberInfo& m, std::span<Variant> a
     if (args.size() != m.params.size()) RaiseHostError(HostErrorCode::WrongNumberOfArguments);
     std::vector<Variant> converted;
     converted.reserve(args.size());
-    for (std::size_t i = 0; i < args.size(); ++i) converted.push_back(ConvertTo(m.params[i], args[i]));
+    for (std::size_t i = 0; i < args.size(); ++i)
+        converted.push_back(ConvertTo(m.params[i], args[i]));
     Variant result = control.CallMethod(m.dispid, converted);
     // By reference: an argument that needed no conversion was passed itself,
     // so the method's change reaches the caller; a converted one was a copy.

@@ -85,8 +85,7 @@ struct KelvarinClassFactory {
 
 typedef struct KelvarinControl KelvarinControl;
 typedef struct KelvarinControlVtbl {
-    KelvarinResult (*QueryInterface)(KelvarinControl* self, const KelvarinGuid* iid,
-                                     void** object);
+    KelvarinResult (*QueryInterface)(KelvarinControl* self, const KelvarinGuid* iid, void** object);
     uint32_t (*AddRef)(KelvarinControl* self);
     uint32_t (*Release)(KelvarinControl* self);
     /* The class name ("DateBox"), UTF-8, valid while the object lives. */

@@ -150,7 +150,8 @@ fs::path RegistryFilePath() {
     if (const char* home = NonEmptyEnv("HOME")) {
         return fs::path(home) / ".local" / "share" / "kelvarin" / "registry.json";
     }
-    throw RegistryError("no registry file: neither KELVARIN_REGISTRY, XDG_DATA_HOME nor HOME is set");
+    throw RegistryError(
+        "no registry file: neither KELVARIN_REGISTRY, XDG_DATA_HOME nor HOME is set");
 }
 
 std::string LoadedLibraryPath() {

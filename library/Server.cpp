@@ -96,7 +96,8 @@ KelvarinResult CreateInstance(KelvarinClassFactory* self, void* outer, const Kel
         std::unique_ptr<host::Control> control = ClassRegistry::Instance().Create(clsid);
         if (!control) return KELVARIN_CLASS_E_CLASSNOTAVAILABLE;
         std::string name = control->TypeName();
-        *object = static_cast<KelvarinControl*>(new ControlObject(std::move(control), std::move(name)));
+        *object =
+            static_cast<KelvarinControl*>(new ControlObject(std::move(control), std::move(name)));
         lastError.clear();
         return KELVARIN_S_OK;
     } catch (const std::bad_alloc&) {

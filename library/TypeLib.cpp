@@ -105,7 +105,9 @@ const EventInfo* ClassInfo::FindEvent(int number) const {
     return nullptr;
 }
 
-std::string ClassInfo::ProgId() const { return std::string(Kelvarin().name) + "." + std::string(name); }
+std::string ClassInfo::ProgId() const {
+    return std::string(Kelvarin().name) + "." + std::string(name);
+}
 
 const ClassInfo* TypeLibrary::FindClass(std::string_view className) const {
     // A programmatic name is the library's name, a dot, and the class name.
@@ -407,10 +409,14 @@ ClassInfo ProgressBox() {
             Prop("TimerChangedInterval", kLong, 0x68030014, kGetLet),
         },
         Numbered({
-            {0, "Click", {},
+            {0,
+             "Click",
+             {},
              "Viene generato quando si preme e quindi si rilascia un pulsante del mouse su un "
              "oggetto."},
-            {0, "DblClick", {},
+            {0,
+             "DblClick",
+             {},
              "Viene generato quando si preme e si rilascia due volte in rapida successione un "
              "pulsante del mouse su un oggetto."},
             {0, "KeyDown", KeyArgs(),

@@ -131,5 +131,4 @@ struct TypeLibrary {
 // The library's type information.
 const TypeLibrary& Kelvarin();
 
-
 }  // namespace kelvarin::library

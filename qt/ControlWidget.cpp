@@ -167,12 +167,14 @@ Variant ControlWidget::ToVariant(const QVariant& value) {
         case QMetaType::QString: return Variant(Utf8(value.toString()));
         case QMetaType::QByteArray: return Variant(value.toByteArray().toStdString());
         case QMetaType::QFont:
-            return Variant(std::shared_ptr<Object>(std::make_shared<Font>(FromQFont(value.value<QFont>()))));
+            return Variant(
+                std::shared_ptr<Object>(std::make_shared<Font>(FromQFont(value.value<QFont>()))));
         case QMetaType::QColor:
             return Variant(static_cast<Long>(FromQColor(value.value<QColor>())));
         case QMetaType::QImage: {
             const QImage image = value.value<QImage>();
-            return image.isNull() ? Variant::Nothing() : Variant(std::shared_ptr<Object>(FromQImage(image)));
+            return image.isNull() ? Variant::Nothing()
+                                  : Variant(std::shared_ptr<Object>(FromQImage(image)));
         }
         case QMetaType::QPixmap: {
             const QPixmap pixmap = value.value<QPixmap>();
@@ -199,7 +201,8 @@ Variant ControlWidget::ToVariant(const QVariant& value) {
         }
         default: break;
     }
-    if (value.metaType().flags() & QMetaType::IsEnumeration) return Variant(static_cast<Long>(value.toInt()));
+    if (value.metaType().flags() & QMetaType::IsEnumeration)
+        return Variant(static_cast<Long>(value.toInt()));
     if (value.canConvert<double>() && value.metaType().id() != QMetaType::QString)
         return Variant(value.toDouble());
     RaiseHostError(HostErrorCode::TypeMismatch);
@@ -218,13 +221,15 @@ QVariant ControlWidget::FromVariant(const Variant& value) {
             const DateParts p = SplitDate(value.ToDate());
             // A wall-clock value: kept in UTC so that no time of day falls
             // into a daylight-saving gap.
-            return QDateTime(QDate(p.year, p.month, p.day), QTime(p.hour, p.minute, p.second), Qt::UTC);
+            return QDateTime(QDate(p.year, p.month, p.day), QTime(p.hour, p.minute, p.second),
+                             Qt::UTC);
         }
         case VarType::String: return QString::fromStdString(value.ToString());
         case VarType::Object: {
             const std::shared_ptr<Object> object = value.ToObject();
             if (const auto font = std::dynamic_pointer_cast<Font>(object)) return ToQFont(*font);
-            if (const auto picture = std::dynamic_pointer_cast<Picture>(object)) return ToQImage(*picture);
+            if (const auto picture = std::dynamic_pointer_cast<Picture>(object))
+                return ToQImage(*picture);
             return {};
         }
     }
@@ -244,7 +249,9 @@ uint ControlWidget::colorMember(const char* name) {
     return static_cast<uint>(getMember(QString::fromLatin1(name)).toInt());
 }
 
-int ControlWidget::intMember(const char* name) { return getMember(QString::fromLatin1(name)).toInt(); }
+int ControlWidget::intMember(const char* name) {
+    return getMember(QString::fromLatin1(name)).toInt();
+}
 
 bool ControlWidget::letMember(const QString& name, const QVariant& value) {
     const bool ok = guard("Let", [&] {
@@ -322,7 +329,8 @@ bool ControlWidget::readProperties(host::MemoryPropertyBag& stored, const QStrin
 void ControlWidget::relayout() {
     const QSize size = this->size();
     if (image_.size() != size) {
-        image_ = QImage(std::max(size.width(), 0), std::max(size.height(), 0), QImage::Format_BGR888);
+        image_ =
+            QImage(std::max(size.width(), 0), std::max(size.height(), 0), QImage::Format_BGR888);
         const OLE_COLOR back = control_ ? TranslateSysColor(control_->SurfaceState().backColor)
                                         : GetSysColor(COLOR_BTNFACE);
         image_.fill(ToQColor(back));
@@ -380,7 +388,8 @@ void ControlWidget::PropertyChanged(std::string_view name) {
 void ControlWidget::RaiseEvent(int number, std::string_view name, std::span<Variant> args) {
     QVariantList list;
     for (const Variant& a : args) list.append(FromVariant(a));
-    emit eventRaised(number, QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size())), list);
+    emit eventRaised(number, QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size())),
+                     list);
     emitTypedEvent(number, list);
 }
 
@@ -512,7 +521,8 @@ bool ControlWidget::isSecondClick(const QMouseEvent& event) {
     const QPoint at = event.globalPosition().toPoint();
     const auto* hints = QGuiApplication::styleHints();
     const bool second = lastPressButton_ == event.button() && lastPressTime_ != 0 &&
-                        event.timestamp() - lastPressTime_ < static_cast<quint64>(hints->mouseDoubleClickInterval()) &&
+                        event.timestamp() - lastPressTime_ <
+                            static_cast<quint64>(hints->mouseDoubleClickInterval()) &&
                         (at - lastPressAt_).manhattanLength() <= hints->mouseDoubleClickDistance();
     // After a double click the next press starts afresh, as it does for Qt.
     lastPressTime_ = second ? 0 : event.timestamp();
@@ -553,8 +563,8 @@ void ControlWidget::mouseReleaseEvent(QMouseEvent* event) {
     if (!control_) return;
     const QPointF p = clientPoint(event->position());
     // A left button let go over the control clicks it, unless it ends a double click.
-    const bool click = event->button() == Qt::LeftButton && rect().contains(event->position().toPoint()) &&
-                       !afterDoubleClick_;
+    const bool click = event->button() == Qt::LeftButton &&
+                       rect().contains(event->position().toPoint()) && !afterDoubleClick_;
     afterDoubleClick_ = false;
     guard("MouseUp", [&] {
         control_->MouseUp(static_cast<Integer>(ButtonMaskOf(event->button())),
@@ -590,7 +600,8 @@ void ControlWidget::focusInEvent(QFocusEvent* event) {
 void ControlWidget::focusOutEvent(QFocusEvent* event) {
     QWidget::focusOutEvent(event);
     const Qt::FocusReason reason = event->reason();
-    if (!control_ || !hasControlFocus_ || reason == Qt::PopupFocusReason || reason == Qt::ActiveWindowFocusReason)
+    if (!control_ || !hasControlFocus_ || reason == Qt::PopupFocusReason ||
+        reason == Qt::ActiveWindowFocusReason)
         return;
     hasControlFocus_ = false;
     guard("LostFocus", [&] { control_->LostFocus(); });

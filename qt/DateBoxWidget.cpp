@@ -26,7 +26,9 @@ void DateBoxWidget::SetForeColor(uint c) { letMember(QStringLiteral("ForeColor")
 DateBoxWidget::AlignmentKind DateBoxWidget::Alignment() {
     return static_cast<AlignmentKind>(intMember("Alignment"));
 }
-void DateBoxWidget::SetAlignment(AlignmentKind a) { letMember(QStringLiteral("Alignment"), static_cast<int>(a)); }
+void DateBoxWidget::SetAlignment(AlignmentKind a) {
+    letMember(QStringLiteral("Alignment"), static_cast<int>(a));
+}
 bool DateBoxWidget::Enabled() { return getMember(QStringLiteral("Enabled")).toBool(); }
 void DateBoxWidget::SetEnabled(bool e) { letMember(QStringLiteral("Enabled"), e); }
 QFont DateBoxWidget::Font() { return getMember(QStringLiteral("Font")).value<QFont>(); }
@@ -52,7 +54,9 @@ int DateBoxWidget::LargeChange() { return intMember("LargeChange"); }
 void DateBoxWidget::SetLargeChange(int s) { letMember(QStringLiteral("LargeChange"), s); }
 bool DateBoxWidget::Nullable() { return getMember(QStringLiteral("Nullable")).toBool(); }
 void DateBoxWidget::SetNullable(bool n) { letMember(QStringLiteral("Nullable"), n); }
-bool DateBoxWidget::CalendarButton() { return getMember(QStringLiteral("CalendarButton")).toBool(); }
+bool DateBoxWidget::CalendarButton() {
+    return getMember(QStringLiteral("CalendarButton")).toBool();
+}
 void DateBoxWidget::SetCalendarButton(bool s) { letMember(QStringLiteral("CalendarButton"), s); }
 QDateTime DateBoxWidget::MinDate() { return getMember(QStringLiteral("MinDate")).toDateTime(); }
 void DateBoxWidget::SetMinDate(const QDateTime& d) { letMember(QStringLiteral("MinDate"), d); }

@@ -11,7 +11,8 @@
 namespace kelvarin::qt {
 
 ControlWidget* CreateControlWidget(const QString& className, QWidget* parent) {
-    const library::ClassInfo* info = library::ClassRegistry::Instance().Find(className.toStdString());
+    const library::ClassInfo* info =
+        library::ClassRegistry::Instance().Find(className.toStdString());
     if (!info) return nullptr;
     if (EqualsIgnoreCase(info->name, "ProgressBox")) return new ProgressBoxWidget(parent);
     if (EqualsIgnoreCase(info->name, "DateBox")) return new DateBoxWidget(parent);
@@ -54,7 +55,8 @@ LoadedForm LoadForm(const QString& path, QWidget* parent) {
                                .arg(path, QString::fromStdString(entry.className));
             return loaded;
         }
-        const QString place = QStringLiteral("%1: %2.properties").arg(path, QString::fromStdString(entry.name));
+        const QString place =
+            QStringLiteral("%1: %2.properties").arg(path, QString::fromStdString(entry.name));
         if (!w->readFormControl(entry, place) && loaded.error.isEmpty())
             loaded.error = QStringLiteral("%1: %2: error %3 %4")
                                .arg(path, QString::fromStdString(entry.name))

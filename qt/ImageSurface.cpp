@@ -24,8 +24,8 @@ void ImageSurface::SetPixel(host::Point p, OLE_COLOR color) {
 
 OLE_COLOR ImageSurface::GetPixel(host::Point p) const {
     if (!Inside(p.x, p.y)) return 0;
-    const std::uint8_t* px =
-        image_.constScanLine(view_.top() + p.y) + static_cast<std::ptrdiff_t>(view_.left() + p.x) * 3;
+    const std::uint8_t* px = image_.constScanLine(view_.top() + p.y) +
+                             static_cast<std::ptrdiff_t>(view_.left() + p.x) * 3;
     return RGB(px[2], px[1], px[0]);
 }
 
@@ -44,8 +44,8 @@ void ImageSurface::FillRect(const host::Rect& rect, OLE_COLOR color) {
     }
 }
 
-int ImageSurface::DrawText(std::string_view text, host::Rect& rect, unsigned format, const Font& font,
-                           OLE_COLOR color) {
+int ImageSurface::DrawText(std::string_view text, host::Rect& rect, unsigned format,
+                           const Font& font, OLE_COLOR color) {
     return text_.Draw(image_, view_, text, rect, format, font, color);
 }
 

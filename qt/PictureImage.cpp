@@ -77,7 +77,8 @@ std::shared_ptr<Picture> FromQImage(const QImage& source) {
         }
         if (transparent) {
             auto mask = picture->MaskRow(stored);
-            for (int x = 0; x < w; ++x) mask[static_cast<std::size_t>(x)] = qAlpha(in[x]) < 128 ? 1 : 0;
+            for (int x = 0; x < w; ++x)
+                mask[static_cast<std::size_t>(x)] = qAlpha(in[x]) < 128 ? 1 : 0;
         }
     }
     return picture;

@@ -16,9 +16,10 @@ PopupWindow::PopupWindow(host::Popup& popup, QWidget* owner)
     setMouseTracking(true);
     setFocusPolicy(Qt::StrongFocus);
     // Another application coming to the front takes the activation away.
-    connect(qApp, &QGuiApplication::applicationStateChanged, this, [this](Qt::ApplicationState state) {
-        if (state != Qt::ApplicationActive && isVisible()) hide();
-    });
+    connect(qApp, &QGuiApplication::applicationStateChanged, this,
+            [this](Qt::ApplicationState state) {
+                if (state != Qt::ApplicationActive && isVisible()) hide();
+            });
 }
 
 template <typename F>

@@ -40,7 +40,9 @@ QPixmap ProgressBoxWidget::MouseIcon() {
     const QImage image = getMember(QStringLiteral("MouseIcon")).value<QImage>();
     return image.isNull() ? QPixmap() : QPixmap::fromImage(image);
 }
-void ProgressBoxWidget::SetMouseIcon(const QPixmap& icon) { setMember(QStringLiteral("MouseIcon"), icon); }
+void ProgressBoxWidget::SetMouseIcon(const QPixmap& icon) {
+    setMember(QStringLiteral("MouseIcon"), icon);
+}
 int ProgressBoxWidget::MousePointer() { return intMember("MousePointer"); }
 void ProgressBoxWidget::SetMousePointer(int p) { letMember(QStringLiteral("MousePointer"), p); }
 
@@ -52,8 +54,12 @@ double ProgressBoxWidget::Value() { return getMember(QStringLiteral("Value")).to
 void ProgressBoxWidget::SetValue(double v) { letMember(QStringLiteral("Value"), v); }
 QString ProgressBoxWidget::Text() { return getMember(QStringLiteral("Text")).toString(); }
 void ProgressBoxWidget::SetText(const QString& t) { letMember(QStringLiteral("Text"), t); }
-bool ProgressBoxWidget::ShowPercentual() { return getMember(QStringLiteral("ShowPercentual")).toBool(); }
-void ProgressBoxWidget::SetShowPercentual(bool s) { letMember(QStringLiteral("ShowPercentual"), s); }
+bool ProgressBoxWidget::ShowPercentual() {
+    return getMember(QStringLiteral("ShowPercentual")).toBool();
+}
+void ProgressBoxWidget::SetShowPercentual(bool s) {
+    letMember(QStringLiteral("ShowPercentual"), s);
+}
 
 ProgressBoxWidget::AlignmentText ProgressBoxWidget::Alignment() {
     return static_cast<AlignmentText>(intMember("Alignment"));
@@ -66,7 +72,9 @@ double ProgressBoxWidget::MinValue() { return getMember(QStringLiteral("MinValue
 void ProgressBoxWidget::SetMinValue(double v) { letMember(QStringLiteral("MinValue"), v); }
 double ProgressBoxWidget::MaxValue() { return getMember(QStringLiteral("MaxValue")).toDouble(); }
 void ProgressBoxWidget::SetMaxValue(double v) { letMember(QStringLiteral("MaxValue"), v); }
-double ProgressBoxWidget::Percentual() { return getMember(QStringLiteral("Percentual")).toDouble(); }
+double ProgressBoxWidget::Percentual() {
+    return getMember(QStringLiteral("Percentual")).toDouble();
+}
 void ProgressBoxWidget::SetPercentual(double p) { letMember(QStringLiteral("Percentual"), p); }
 
 ProgressBoxWidget::GradientStyleKind ProgressBoxWidget::GradientStyle() {

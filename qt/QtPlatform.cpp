@@ -27,7 +27,9 @@ char SeparatorChar(const QString& s, char fallback) {
 
 SysColorTable SysColorsFrom(const QPalette& palette) {
     SysColorTable t = DefaultSysColors();
-    const auto role = [&](QPalette::ColorRole r) { return Plain(palette.color(QPalette::Active, r)); };
+    const auto role = [&](QPalette::ColorRole r) {
+        return Plain(palette.color(QPalette::Active, r));
+    };
     t[4] = role(QPalette::Window);
     t[COLOR_WINDOW] = role(QPalette::Base);
     t[6] = role(QPalette::Dark);
@@ -124,7 +126,8 @@ Locale LocaleFrom(const QLocale& locale) {
     l.amDesignator = Utf8(locale.amText());
     l.pmDesignator = Utf8(locale.pmText());
     l.decimalSeparator = SeparatorChar(locale.decimalPoint(), '.');
-    l.thousandsSeparator = SeparatorChar(locale.groupSeparator(), l.decimalSeparator == ',' ? '.' : ',');
+    l.thousandsSeparator =
+        SeparatorChar(locale.groupSeparator(), l.decimalSeparator == ',' ? '.' : ',');
     if (l.thousandsSeparator == l.decimalSeparator) l.thousandsSeparator = ' ';
     return l;
 }

@@ -21,8 +21,9 @@ const QFontMetrics& TextPainter::Metrics(const Font& font) {
 
 host::Size TextPainter::Measure(std::string_view text, const Font& font) {
     const QFontMetrics& fm = Metrics(font);
-    return {fm.horizontalAdvance(QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()))),
-            fm.height()};
+    return {
+        fm.horizontalAdvance(QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()))),
+        fm.height()};
 }
 
 int TextPainter::Draw(QImage& image, const QRect& view, std::string_view text, host::Rect& rect,
@@ -47,12 +48,14 @@ int TextPainter::Draw(QImage& image, const QRect& view, std::string_view text, h
     painter.setPen(ToQColor(color));
     const int ascent = fm.ascent();
     const auto draw = [&](const host::TextLine& line) {
-        const QString s = QString::fromUtf8(line.text.data(), static_cast<qsizetype>(line.text.size()));
+        const QString s =
+            QString::fromUtf8(line.text.data(), static_cast<qsizetype>(line.text.size()));
         painter.drawText(QPoint(line.x, line.y + ascent), s);
         if (line.accessIndex >= 0) {  // the access key is underlined
             const QString before = QString::fromUtf8(line.text.data(), line.accessIndex);
             const int x = line.x + fm.horizontalAdvance(before);
-            const std::string_view rest = line.text.substr(static_cast<std::size_t>(line.accessIndex));
+            const std::string_view rest =
+                line.text.substr(static_cast<std::size_t>(line.accessIndex));
             const QString key =
                 QString::fromUtf8(rest.data(), static_cast<qsizetype>(rest.size())).left(1);
             const int y = line.y + ascent + std::max(1, fm.underlinePos());

@@ -29,13 +29,14 @@ QDateTime At(int year, int month, int day, int hour = 0, int minute = 0, int sec
 // A value as the host writes it: the short date of the user's locale, the
 // time of day, or both.
 QString HostText(const QVariant& value) {
-    if (value.isNull() || value.metaType().id() == QMetaType::Nullptr) return QStringLiteral("Null");
+    if (value.isNull() || value.metaType().id() == QMetaType::Nullptr)
+        return QStringLiteral("Null");
     return QString::fromStdString(DateToText(qt::ControlWidget::ToVariant(value).ToDate()));
 }
 
 // The patterns the playground offers; any other can be typed in.
-const char* const kPatterns[] = {"dd/mm/yyyy", "d mmmm yyyy", "dddd dd/mm/yyyy", "dd/mm/yy hh:nn",
-                                 "hh:nn:ss",   "mm/yyyy",     "c"};
+const char* const kPatterns[] = {
+    "dd/mm/yyyy", "d mmmm yyyy", "dddd dd/mm/yyyy", "dd/mm/yy hh:nn", "hh:nn:ss", "mm/yyyy", "c"};
 
 }  // namespace
 
@@ -60,24 +61,27 @@ DateBoxWidget* DatePage::dateBox(QWidget* parent, const QString& name, const QSt
     box->SetBackColor(RGB(255, 255, 255));
     box->SetForeColor(RGB(31, 41, 55));
     // The readout follows the box the user works in, whatever happens there.
-    connect(box, &qt::ControlWidget::eventRaised, this,
-            [this, box](int, const QString& event, const QVariantList& args) {
-                QStringList shown;
-                for (const QVariant& a : args) shown << a.toString();
-                eventLine_->setText(QStringLiteral("Last event: %1(%2)").arg(event, shown.join(QStringLiteral(", "))));
-                if (box != watched_) changes_ = 0;
-                if (event == QStringLiteral("Change")) ++changes_;
-                watch(box);
-            });
+    connect(
+        box, &qt::ControlWidget::eventRaised, this,
+        [this, box](int, const QString& event, const QVariantList& args) {
+            QStringList shown;
+            for (const QVariant& a : args) shown << a.toString();
+            eventLine_->setText(
+                QStringLiteral("Last event: %1(%2)").arg(event, shown.join(QStringLiteral(", "))));
+            if (box != watched_) changes_ = 0;
+            if (event == QStringLiteral("Change")) ++changes_;
+            watch(box);
+        });
     return box;
 }
 
 void DatePage::buildPatterns(QGridLayout* grid) {
     QVBoxLayout* body = nullptr;
-    QFrame* frame = Card(this, QStringLiteral("Patterns"),
-                         QStringLiteral("One box per field of the pattern, literal text between them. Click a "
-                                        "field, type digits, step with the arrow keys."),
-                         &body);
+    QFrame* frame =
+        Card(this, QStringLiteral("Patterns"),
+             QStringLiteral("One box per field of the pattern, literal text between them. Click a "
+                            "field, type digits, step with the arrow keys."),
+             &body);
     struct Row {
         const char* name;
         const char* pattern;
@@ -92,9 +96,11 @@ void DatePage::buildPatterns(QGridLayout* grid) {
     };
     CaptionedRows captioned(body, 130);
     for (const Row& row : rows) {
-        DateBoxWidget* box = dateBox(frame, QString::fromLatin1(row.name), QString::fromLatin1(row.pattern));
+        DateBoxWidget* box =
+            dateBox(frame, QString::fromLatin1(row.name), QString::fromLatin1(row.pattern));
         box->SetValue(row.value);
-        captioned.add(QString::fromLatin1(row.pattern), box)->setObjectName(QStringLiteral("readout"));
+        captioned.add(QString::fromLatin1(row.pattern), box)
+            ->setObjectName(QStringLiteral("readout"));
     }
     body->addStretch(1);
     grid->addWidget(frame, 0, 0);
@@ -102,16 +108,19 @@ void DatePage::buildPatterns(QGridLayout* grid) {
 
 void DatePage::buildEmptyAndLimits(QGridLayout* grid) {
     QVBoxLayout* body = nullptr;
-    QFrame* frame = Card(this, QStringLiteral("Empty values and limits"),
-                         QStringLiteral("A Nullable box may be left empty (ValueDB is Null); one that is not "
-                                        "keeps the focus until its fields are filled. Limits hold for typing, "
-                                        "stepping and the calendar."),
-                         &body);
+    QFrame* frame =
+        Card(this, QStringLiteral("Empty values and limits"),
+             QStringLiteral("A Nullable box may be left empty (ValueDB is Null); one that is not "
+                            "keeps the focus until its fields are filled. Limits hold for typing, "
+                            "stepping and the calendar."),
+             &body);
     DateBoxWidget* empty = dateBox(frame, QStringLiteral("nullable"), QStringLiteral("dd/mm/yyyy"));
-    DateBoxWidget* required = dateBox(frame, QStringLiteral("required"), QStringLiteral("dd/mm/yyyy"));
+    DateBoxWidget* required =
+        dateBox(frame, QStringLiteral("required"), QStringLiteral("dd/mm/yyyy"));
     required->SetNullable(false);
     required->SetValue(At(2026, 1, 15));
-    DateBoxWidget* limited = dateBox(frame, QStringLiteral("limited"), QStringLiteral("dd/mm/yyyy"));
+    DateBoxWidget* limited =
+        dateBox(frame, QStringLiteral("limited"), QStringLiteral("dd/mm/yyyy"));
     limited->SetMinDate(At(2020, 1, 1));
     limited->SetMaxDate(At(2029, 12, 31));
     limited->SetValue(At(2024, 6, 15));
@@ -129,9 +138,9 @@ void DatePage::buildEmptyAndLimits(QGridLayout* grid) {
 
 void DatePage::buildReadout(QGridLayout* grid) {
     QVBoxLayout* body = nullptr;
-    QFrame* frame = Card(this, QStringLiteral("Value and ValueDB"),
-                         QStringLiteral("What the program reads from the box you last worked in."),
-                         &body);
+    QFrame* frame =
+        Card(this, QStringLiteral("Value and ValueDB"),
+             QStringLiteral("What the program reads from the box you last worked in."), &body);
     watchedName_ = new QLabel(frame);
     watchedName_->setObjectName(QStringLiteral("cardTitle"));
     valueLine_ = new QLabel(frame);
@@ -145,9 +154,12 @@ void DatePage::buildReadout(QGridLayout* grid) {
     body->addWidget(eventLine_);
     body->addSpacing(6);
     auto* keys = new QLabel(
-        QStringLiteral("<b>Keys</b>: digits type over the field \u00b7 <b>\u2191 \u2193</b> step by SmallChange, "
-                       "<b>Page Up/Down</b> by LargeChange \u00b7 <b>\u2190 \u2192 Enter</b> move \u00b7 "
-                       "<b>Delete Backspace</b> clear \u00b7 <b>F5</b> today \u00b7 <b>F4 Alt+\u2193</b> calendar"),
+        QStringLiteral(
+            "<b>Keys</b>: digits type over the field \u00b7 <b>\u2191 \u2193</b> step by "
+            "SmallChange, "
+            "<b>Page Up/Down</b> by LargeChange \u00b7 <b>\u2190 \u2192 Enter</b> move \u00b7 "
+            "<b>Delete Backspace</b> clear \u00b7 <b>F5</b> today \u00b7 <b>F4 Alt+\u2193</b> "
+            "calendar"),
         frame);
     keys->setObjectName(QStringLiteral("cardSubtitle"));
     keys->setWordWrap(true);
@@ -166,22 +178,27 @@ void DatePage::watch(DateBoxWidget* box) {
 
 void DatePage::showReadout() {
     if (!watched_) return;
-    watchedName_->setText(QStringLiteral("%1  \u00b7  \"%2\"").arg(watched_->objectName(), watched_->DateFormat()));
+    watchedName_->setText(
+        QStringLiteral("%1  \u00b7  \"%2\"").arg(watched_->objectName(), watched_->DateFormat()));
     valueLine_->setText(QStringLiteral("Value    %1").arg(HostText(watched_->Value())));
-    valueDBLine_->setText(QStringLiteral("ValueDB  %1   (%2 changes)").arg(HostText(watched_->ValueDB())).arg(changes_));
+    valueDBLine_->setText(QStringLiteral("ValueDB  %1   (%2 changes)")
+                              .arg(HostText(watched_->ValueDB()))
+                              .arg(changes_));
 }
 
 QString DatePage::readout() const {
-    return QStringList{watchedName_->text(), valueLine_->text(), valueDBLine_->text(), eventLine_->text()}.join(
-        QLatin1Char('\n'));
+    return QStringList{watchedName_->text(), valueLine_->text(), valueDBLine_->text(),
+                       eventLine_->text()}
+        .join(QLatin1Char('\n'));
 }
 
 // ---- The playground --------------------------------------------------------------------
 
 void DatePage::buildPlayground(QGridLayout* grid) {
     QVBoxLayout* body = nullptr;
-    QFrame* frame = Card(this, QStringLiteral("Playground"),
-                         QStringLiteral("Change the pattern, alignment, limits and behaviour of one box."), &body);
+    QFrame* frame = Card(
+        this, QStringLiteral("Playground"),
+        QStringLiteral("Change the pattern, alignment, limits and behaviour of one box."), &body);
     playBox_ = dateBox(frame, QStringLiteral("datePlayground"), QStringLiteral("dd/mm/yyyy"));
     playBox_->SetValue(At(2026, 11, 22));
     body->addWidget(playBox_);
@@ -190,7 +207,8 @@ void DatePage::buildPlayground(QGridLayout* grid) {
     patternBox_->setEditable(true);
     for (const char* p : kPatterns) patternBox_->addItem(QString::fromLatin1(p));
     alignBox_ = new QComboBox(frame);
-    alignBox_->addItems({QStringLiteral("Left"), QStringLiteral("Right"), QStringLiteral("Centre")});
+    alignBox_->addItems(
+        {QStringLiteral("Left"), QStringLiteral("Right"), QStringLiteral("Centre")});
     nullableBox_ = new QCheckBox(QStringLiteral("Nullable"), frame);
     buttonBox_ = new QCheckBox(QStringLiteral("Calendar button"), frame);
     lockedBox_ = new QCheckBox(QStringLiteral("Locked"), frame);
@@ -265,7 +283,8 @@ void DatePage::buildPlayground(QGridLayout* grid) {
     connect(maxEdit_, &QDateEdit::dateChanged, this, [this](QDate d) {
         if (!syncing_) playBox_->SetMaxDate(QDateTime(d, QTime(), Qt::UTC));
     });
-    connect(clear, &QPushButton::clicked, this, [this] { playBox_->SetValueDB(QVariant::fromValue(nullptr)); });
+    connect(clear, &QPushButton::clicked, this,
+            [this] { playBox_->SetValueDB(QVariant::fromValue(nullptr)); });
     connect(today, &QPushButton::clicked, this,
             [this] { playBox_->SetValue(QDateTime(QDate::currentDate(), QTime(), Qt::UTC)); });
     connect(playBox_, &qt::ControlWidget::propertyChanged, this, [this](const QString&) {
@@ -277,7 +296,8 @@ void DatePage::buildPlayground(QGridLayout* grid) {
 
 void DatePage::syncPlayground() {
     syncing_ = true;
-    if (patternBox_->currentText() != playBox_->DateFormat()) patternBox_->setEditText(playBox_->DateFormat());
+    if (patternBox_->currentText() != playBox_->DateFormat())
+        patternBox_->setEditText(playBox_->DateFormat());
     alignBox_->setCurrentIndex(std::clamp(static_cast<int>(playBox_->Alignment()), -1, 2));
     nullableBox_->setChecked(playBox_->Nullable());
     buttonBox_->setChecked(playBox_->CalendarButton());

@@ -151,10 +151,11 @@ ProgressBoxWidget* GalleryWindow::bar(QWidget* parent, const QString& name) {
 
 void GalleryWindow::buildStyles(QGridLayout* grid) {
     QVBoxLayout* body = nullptr;
-    QFrame* frame = Card(this, QStringLiteral("Gradient styles"),
-                         QStringLiteral("Linear reveals a fixed gradient; the Gaussian styles peak at the "
-                                        "pivot colour where the value stands."),
-                         &body);
+    QFrame* frame =
+        Card(this, QStringLiteral("Gradient styles"),
+             QStringLiteral("Linear reveals a fixed gradient; the Gaussian styles peak at the "
+                            "pivot colour where the value stands."),
+             &body);
     struct Row {
         const char* name;
         const char* label;
@@ -164,8 +165,10 @@ void GalleryWindow::buildStyles(QGridLayout* grid) {
     };
     const Row rows[] = {
         {"linear", "Linear", ProgressBoxWidget::Linear, kBlue, kBlue, kTeal, 72},
-        {"gaussian", "Gaussian", ProgressBoxWidget::Gaussian, kIndigoPale, kIndigo, kIndigoPale, 45},
-        {"gaussian2", "Gaussian\u00b2", ProgressBoxWidget::GaussianSquared, kAmberPale, kOrange, kAmberPale, 63},
+        {"gaussian", "Gaussian", ProgressBoxWidget::Gaussian, kIndigoPale, kIndigo, kIndigoPale,
+         45},
+        {"gaussian2", "Gaussian\u00b2", ProgressBoxWidget::GaussianSquared, kAmberPale, kOrange,
+         kAmberPale, 63},
     };
     CaptionedRows captioned(body, 72);
     for (const Row& row : rows) {
@@ -176,7 +179,8 @@ void GalleryWindow::buildStyles(QGridLayout* grid) {
         b->SetGradientStyle(row.style);
         b->SetValue(row.value);
         // The pivot band stands where the value is: the caption keeps clear of it.
-        if (row.style != ProgressBoxWidget::Linear) b->SetAlignment(ProgressBoxWidget::RightJustify);
+        if (row.style != ProgressBoxWidget::Linear)
+            b->SetAlignment(ProgressBoxWidget::RightJustify);
         captioned.add(QString::fromUtf8(row.label), b);
     }
     body->addStretch(1);
@@ -185,9 +189,10 @@ void GalleryWindow::buildStyles(QGridLayout* grid) {
 
 void GalleryWindow::buildCaptions(QGridLayout* grid) {
     QVBoxLayout* body = nullptr;
-    QFrame* frame = Card(this, QStringLiteral("Captions and alignment"),
-                         QStringLiteral("Text before the rounded percentage, placed left, centred or right."),
-                         &body);
+    QFrame* frame =
+        Card(this, QStringLiteral("Captions and alignment"),
+             QStringLiteral("Text before the rounded percentage, placed left, centred or right."),
+             &body);
     struct Row {
         const char* name;
         const char* label;
@@ -198,11 +203,14 @@ void GalleryWindow::buildCaptions(QGridLayout* grid) {
         double value;
     };
     const Row rows[] = {
-        {"captionLeft", "Left", "  Copying files", ProgressBoxWidget::LeftJustify, true, kViolet, kPink, 38},
-        {"captionCenter", "Centre", "Uploading", ProgressBoxWidget::Center, true, kSky, kPeriwinkle, 57},
-        {"captionRight", "Right", "Verified", ProgressBoxWidget::RightJustify, true, kGreen, kLime, 100},
-        {"captionText", "Text only", "Indexing the archive\u2026", ProgressBoxWidget::Center, false, kMint,
-         kSky, 81},
+        {"captionLeft", "Left", "  Copying files", ProgressBoxWidget::LeftJustify, true, kViolet,
+         kPink, 38},
+        {"captionCenter", "Centre", "Uploading", ProgressBoxWidget::Center, true, kSky, kPeriwinkle,
+         57},
+        {"captionRight", "Right", "Verified", ProgressBoxWidget::RightJustify, true, kGreen, kLime,
+         100},
+        {"captionText", "Text only", "Indexing the archive\u2026", ProgressBoxWidget::Center, false,
+         kMint, kSky, 81},
     };
     CaptionedRows captioned(body, 72);
     for (const Row& row : rows) {
@@ -223,10 +231,11 @@ void GalleryWindow::buildCaptions(QGridLayout* grid) {
 
 void GalleryWindow::buildJob(QGridLayout* grid) {
     QVBoxLayout* body = nullptr;
-    QFrame* frame = Card(this, QStringLiteral("A timed job"),
-                         QStringLiteral("The bar times its run from minimum to maximum and reports elapsed "
-                                        "and estimated time through TimerChange."),
-                         &body);
+    QFrame* frame =
+        Card(this, QStringLiteral("A timed job"),
+             QStringLiteral("The bar times its run from minimum to maximum and reports elapsed "
+                            "and estimated time through TimerChange."),
+             &body);
     jobBar_ = bar(frame, QStringLiteral("job"));
     jobBar_->setMinimumHeight(30);
     jobBar_->SetStartColor(kBlue);
@@ -261,13 +270,15 @@ void GalleryWindow::buildJob(QGridLayout* grid) {
     body->addSpacing(6);
     body->addLayout(buttons);
     body->addStretch(1);
-    auto* note = new QLabel(QStringLiteral("The estimate is of the whole run, as the bar reports it; what is "
-                                           "left is the estimate less the time elapsed."),
-                            frame);
+    auto* note = new QLabel(
+        QStringLiteral("The estimate is of the whole run, as the bar reports it; what is "
+                       "left is the estimate less the time elapsed."),
+        frame);
     note->setObjectName(QStringLiteral("cardSubtitle"));
     note->setWordWrap(true);
     body->addWidget(note);
-    connect(interval, &QSpinBox::valueChanged, this, [this](int ms) { jobBar_->SetTimerChangedInterval(ms); });
+    connect(interval, &QSpinBox::valueChanged, this,
+            [this](int ms) { jobBar_->SetTimerChangedInterval(ms); });
     grid->addWidget(frame, 1, 0);
 
     connect(startButton_, &QPushButton::clicked, this, [this] { startJob(); });
@@ -305,7 +316,8 @@ void GalleryWindow::pauseJob() {
 
 // Progress that runs unevenly, as real work does, but never backwards.
 void GalleryWindow::advanceJob() {
-    const double x = std::min(1.0, (jobElapsedBefore_ + jobClock_.elapsed()) / double(jobDuration_));
+    const double x =
+        std::min(1.0, (jobElapsedBefore_ + jobClock_.elapsed()) / double(jobDuration_));
     const double pi = 3.14159265358979;
     const double done = std::clamp(x + 0.05 * std::sin(3 * pi * x) * (1 - x), 0.0, 1.0);
     const double min = jobBar_->MinValue(), max = jobBar_->MaxValue();
@@ -313,21 +325,25 @@ void GalleryWindow::advanceJob() {
     if (x >= 1.0) {
         jobTimer_.stop();
         pauseButton_->setEnabled(false);
-        readout_->setText(QStringLiteral("Done in %1.").arg(Seconds(int(jobElapsedBefore_ + jobClock_.elapsed()))));
+        readout_->setText(QStringLiteral("Done in %1.")
+                              .arg(Seconds(int(jobElapsedBefore_ + jobClock_.elapsed()))));
     }
 }
 
 void GalleryWindow::onTimerChange(int elapsed, int estimated) {
     ++timerChanges_;
-    eventLine_->setText(QStringLiteral("Last event: TimerChange(%1, %2)").arg(elapsed).arg(estimated));
+    eventLine_->setText(
+        QStringLiteral("Last event: TimerChange(%1, %2)").arg(elapsed).arg(estimated));
     if (!jobTimer_.isActive()) return;
     if (estimated < 0) {
-        readout_->setText(QStringLiteral("Elapsed %1  \u00b7  estimating\u2026").arg(Seconds(elapsed)));
+        readout_->setText(
+            QStringLiteral("Elapsed %1  \u00b7  estimating\u2026").arg(Seconds(elapsed)));
         return;
     }
     // The estimate is of the whole run; what is left is the difference.
-    readout_->setText(QStringLiteral("Elapsed %1  \u00b7  estimated %2  \u00b7  %3 left")
-                          .arg(Seconds(elapsed), Seconds(estimated), Seconds(std::max(estimated - elapsed, 0))));
+    readout_->setText(
+        QStringLiteral("Elapsed %1  \u00b7  estimated %2  \u00b7  %3 left")
+            .arg(Seconds(elapsed), Seconds(estimated), Seconds(std::max(estimated - elapsed, 0))));
 }
 
 QString GalleryWindow::jobReadout() const { return readout_->text(); }
@@ -336,8 +352,9 @@ QString GalleryWindow::jobReadout() const { return readout_->text(); }
 
 void GalleryWindow::buildPlayground(QGridLayout* grid) {
     QVBoxLayout* body = nullptr;
-    QFrame* frame = Card(this, QStringLiteral("Playground"),
-                         QStringLiteral("Change the bar's value, range, style, caption and colours."), &body);
+    QFrame* frame =
+        Card(this, QStringLiteral("Playground"),
+             QStringLiteral("Change the bar's value, range, style, caption and colours."), &body);
     playBar_ = bar(frame, QStringLiteral("playground"));
     playBar_->setMinimumHeight(30);
     playBar_->SetStartColor(kBlue);
@@ -351,7 +368,9 @@ void GalleryWindow::buildPlayground(QGridLayout* grid) {
     auto* form = new QGridLayout;
     form->setHorizontalSpacing(10);
     form->setVerticalSpacing(8);
-    const auto label = [frame](const char* text) { return Caption(frame, QString::fromLatin1(text)); };
+    const auto label = [frame](const char* text) {
+        return Caption(frame, QString::fromLatin1(text));
+    };
 
     valueSlider_ = new QSlider(Qt::Horizontal, frame);
     valueSlider_->setRange(0, 1000);
@@ -362,9 +381,11 @@ void GalleryWindow::buildPlayground(QGridLayout* grid) {
         box->setDecimals(1);
     }
     styleBox_ = new QComboBox(frame);
-    styleBox_->addItems({QStringLiteral("Linear"), QStringLiteral("Gaussian"), QString::fromUtf8("Gaussian\u00b2")});
+    styleBox_->addItems({QStringLiteral("Linear"), QStringLiteral("Gaussian"),
+                         QString::fromUtf8("Gaussian\u00b2")});
     alignBox_ = new QComboBox(frame);
-    alignBox_->addItems({QStringLiteral("Left"), QStringLiteral("Centre"), QStringLiteral("Right")});
+    alignBox_->addItems(
+        {QStringLiteral("Left"), QStringLiteral("Centre"), QStringLiteral("Right")});
     textEdit_ = new QLineEdit(frame);
     percentBox_ = new QCheckBox(QStringLiteral("Percentage"), frame);
 
@@ -395,7 +416,8 @@ void GalleryWindow::buildPlayground(QGridLayout* grid) {
         colours->addWidget(label(name));
         colours->addWidget(swatch);
         colours->addSpacing(6);
-        connect(swatch, &QPushButton::clicked, this, [this, swatch, property] { pickColor(swatch, property); });
+        connect(swatch, &QPushButton::clicked, this,
+                [this, swatch, property] { pickColor(swatch, property); });
     }
     colours->addStretch(1);
 
@@ -430,19 +452,22 @@ void GalleryWindow::buildPlayground(QGridLayout* grid) {
         if (!syncing_) playBar_->SetMaxValue(v);
     });
     connect(styleBox_, &QComboBox::currentIndexChanged, this, [this](int i) {
-        if (!syncing_) playBar_->SetGradientStyle(static_cast<ProgressBoxWidget::GradientStyleKind>(i));
+        if (!syncing_)
+            playBar_->SetGradientStyle(static_cast<ProgressBoxWidget::GradientStyleKind>(i));
     });
     connect(alignBox_, &QComboBox::currentIndexChanged, this, [this](int i) {
         if (!syncing_) playBar_->SetAlignment(static_cast<ProgressBoxWidget::AlignmentText>(i));
     });
-    connect(textEdit_, &QLineEdit::textEdited, this, [this](const QString& t) { playBar_->SetText(t); });
+    connect(textEdit_, &QLineEdit::textEdited, this,
+            [this](const QString& t) { playBar_->SetText(t); });
     connect(percentBox_, &QCheckBox::toggled, this, [this](bool on) {
         if (!syncing_) playBar_->SetShowPercentual(on);
     });
     connect(playBar_, &ControlWidget::propertyChanged, this, [this](const QString& name) {
         recentNotifications_.append(name);
         while (recentNotifications_.size() > 6) recentNotifications_.removeFirst();
-        notified_->setText(QStringLiteral("Notified: ") + recentNotifications_.join(QStringLiteral(", ")));
+        notified_->setText(QStringLiteral("Notified: ") +
+                           recentNotifications_.join(QStringLiteral(", ")));
         syncPlayground();
     });
     syncPlayground();
@@ -461,13 +486,15 @@ void GalleryWindow::syncPlayground() {
     percentBox_->setChecked(playBar_->ShowPercentual());
     for (auto* swatch : findChildren<QPushButton*>(QStringLiteral("swatch"))) {
         const QString property = swatch->property("colorProperty").toString();
-        swatch->setStyleSheet(SwatchStyle(static_cast<OLE_COLOR>(playBar_->property(property.toLatin1()).toUInt())));
+        swatch->setStyleSheet(
+            SwatchStyle(static_cast<OLE_COLOR>(playBar_->property(property.toLatin1()).toUInt())));
     }
     syncing_ = false;
 }
 
 void GalleryWindow::pickColor(QPushButton* swatch, const char* property) {
-    const QColor current = qt::ToQColor(static_cast<OLE_COLOR>(playBar_->property(property).toUInt()));
+    const QColor current =
+        qt::ToQColor(static_cast<OLE_COLOR>(playBar_->property(property).toUInt()));
     const QColor chosen = QColorDialog::getColor(current, this, QString::fromLatin1(property));
     if (!chosen.isValid()) return;
     playBar_->setProperty(property, static_cast<uint>(qt::FromQColor(chosen)));
@@ -517,13 +544,16 @@ QString GalleryWindow::loadForm(const QString& path) {
     std::vector<host::FormControl*> extra;
     for (host::FormControl& entry : form.controls) {
         ControlWidget* own = control(QString::fromStdString(entry.name));
-        if (!own || own->className().compare(QString::fromStdString(entry.className), Qt::CaseInsensitive) != 0) {
+        if (!own || own->className().compare(QString::fromStdString(entry.className),
+                                             Qt::CaseInsensitive) != 0) {
             extra.push_back(&entry);
             continue;
         }
-        const QString place = QStringLiteral("%1: %2.properties").arg(path, QString::fromStdString(entry.name));
+        const QString place =
+            QStringLiteral("%1: %2.properties").arg(path, QString::fromStdString(entry.name));
         if (!own->readProperties(entry.properties, place) && firstError.isEmpty())
-            firstError = QStringLiteral("%1: %2").arg(QString::fromStdString(entry.name), own->lastErrorText());
+            firstError = QStringLiteral("%1: %2").arg(QString::fromStdString(entry.name),
+                                                      own->lastErrorText());
     }
     syncPlayground();
 
@@ -533,12 +563,15 @@ QString GalleryWindow::loadForm(const QString& path) {
         formCanvas_ = new QWidget(formCard_);
         QRect bounds;
         for (host::FormControl* entry : extra) {
-            ControlWidget* w = qt::CreateControlWidget(QString::fromStdString(entry->className), formCanvas_);
+            ControlWidget* w =
+                qt::CreateControlWidget(QString::fromStdString(entry->className), formCanvas_);
             if (!w) continue;
             watchErrors(w);
-            const QString place = QStringLiteral("%1: %2.properties").arg(path, QString::fromStdString(entry->name));
+            const QString place =
+                QStringLiteral("%1: %2.properties").arg(path, QString::fromStdString(entry->name));
             if (!w->readFormControl(*entry, place) && firstError.isEmpty())
-                firstError = QStringLiteral("%1: %2").arg(QString::fromStdString(entry->name), w->lastErrorText());
+                firstError = QStringLiteral("%1: %2").arg(QString::fromStdString(entry->name),
+                                                          w->lastErrorText());
             bounds |= w->geometry();
         }
         // The file's layout, moved to the canvas's corner.
@@ -553,9 +586,10 @@ QString GalleryWindow::loadForm(const QString& path) {
     } else {
         tabs_->setTabVisible(kFormTab, false);
     }
-    showStatus(firstError.isEmpty()
-                   ? QStringLiteral("Loaded %1 controls from %2.").arg(form.controls.size()).arg(path)
-                   : QStringLiteral("Loaded %1 with an error: %2").arg(path, firstError));
+    showStatus(
+        firstError.isEmpty()
+            ? QStringLiteral("Loaded %1 controls from %2.").arg(form.controls.size()).arg(path)
+            : QStringLiteral("Loaded %1 with an error: %2").arg(path, firstError));
     return firstError;
 }
 
@@ -573,9 +607,13 @@ bool GalleryWindow::saveScreenshot(const QString& path) { return grab().save(pat
 
 // Every control's errors reach the status line, with the control's name.
 void GalleryWindow::watchErrors(ControlWidget* w) {
-    connect(w, &ControlWidget::hostError, this, [this, w](int n, const QString& text, const QString& where) {
-        showStatus(QStringLiteral("%1: %2 raised error %3: %4").arg(w->objectName(), where).arg(n).arg(text));
-    });
+    connect(w, &ControlWidget::hostError, this,
+            [this, w](int n, const QString& text, const QString& where) {
+                showStatus(QStringLiteral("%1: %2 raised error %3: %4")
+                               .arg(w->objectName(), where)
+                               .arg(n)
+                               .arg(text));
+            });
 }
 
 void GalleryWindow::showStatus(const QString& text) {

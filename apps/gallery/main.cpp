@@ -45,12 +45,14 @@ int main(int argc, char** argv) {
     parser.addHelpOption();
     const QCommandLineOption form(QStringLiteral("form"), QStringLiteral("Load a form file."),
                                   QStringLiteral("FILE"));
-    const QCommandLineOption save(QStringLiteral("save"), QStringLiteral("Write the gallery's controls to a form file."),
+    const QCommandLineOption save(QStringLiteral("save"),
+                                  QStringLiteral("Write the gallery's controls to a form file."),
                                   QStringLiteral("FILE"));
     const QCommandLineOption screenshot(QStringLiteral("screenshot"),
                                         QStringLiteral("Render the window to a PNG file and exit."),
                                         QStringLiteral("FILE"));
-    const QCommandLineOption page(QStringLiteral("page"), QStringLiteral("Open a page: ProgressBox or DateBox."),
+    const QCommandLineOption page(QStringLiteral("page"),
+                                  QStringLiteral("Open a page: ProgressBox or DateBox."),
                                   QStringLiteral("NAME"));
     parser.addOptions({page, form, save, screenshot});
     parser.process(app);

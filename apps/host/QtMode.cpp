@@ -23,7 +23,8 @@ QtMode::QtMode(int& argc, char** argv, ScriptHost& script) {
         QString png = QString::fromStdString(bmpPath);
         if (png.endsWith(QStringLiteral(".bmp"), Qt::CaseInsensitive)) png.chop(4);
         png += QStringLiteral(".png");
-        if (!qt::ToQImage(raster).save(png, "PNG")) throw ScriptError{"cannot write " + png.toStdString()};
+        if (!qt::ToQImage(raster).save(png, "PNG"))
+            throw ScriptError{"cannot write " + png.toStdString()};
     };
 }
 

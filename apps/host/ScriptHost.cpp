@@ -8,8 +8,8 @@
 #include "apps/host/ScriptValues.h"
 #include "common/BmpFile.h"
 #include "common/HostError.h"
-#include "common/Text.h"
 #include "common/Picture.h"
+#include "common/Text.h"
 #include "host/FormFile.h"
 #include "host/Keys.h"
 #include "library/ClassFactory.h"
@@ -156,8 +156,8 @@ void ScriptHost::Save(const std::string& path) {
 
 void ScriptHost::Load(const std::string& path) {
     auto& registry = library::ClassRegistry::Instance();
-    host::Form form = host::LoadFormFile(
-        path, [&](std::string_view c) { return registry.Find(c) != nullptr; });
+    host::Form form =
+        host::LoadFormFile(path, [&](std::string_view c) { return registry.Find(c) != nullptr; });
     // Build the new form beside the old one; the old one stays if the file
     // turns out bad. A runtime error a control raises while it reads or
     // repaints is its own: the control keeps what it read, the load goes on,
@@ -213,8 +213,8 @@ void ScriptHost::SendKey(std::string_view action, int code, int shift) {
     else focused->Get().KeyPress(key);
 }
 
-void ScriptHost::SendMouse(std::string_view target, std::string_view action, int button,
-                           int shift, double x, double y) {
+void ScriptHost::SendMouse(std::string_view target, std::string_view action, int button, int shift,
+                           double x, double y) {
     const Integer b = static_cast<Integer>(button), s = static_cast<Integer>(shift);
     const Single fx = ToSingle(x), fy = ToSingle(y);
     if (EqualsIgnoreCase(target, "popup")) {
@@ -289,8 +289,8 @@ void ScriptHost::Dispatch(const std::vector<std::string>& w, std::string_view li
     } else if (cmd == "create") {
         Need(w, 3, 5, "create CLASS NAME [WIDTH HEIGHT]");
         if (w.size() == 4) throw ScriptError{"usage: create CLASS NAME [WIDTH HEIGHT]"};
-        const host::Size size = w.size() == 5 ? host::Size{ToInt(w[3]), ToInt(w[4])}
-                                              : host::Size{120, 24};
+        const host::Size size =
+            w.size() == 5 ? host::Size{ToInt(w[3]), ToInt(w[4])} : host::Size{120, 24};
         Create(w[1], w[2], size);
     } else if (cmd == "destroy") {
         Need(w, 2, 2, "destroy NAME");
@@ -335,8 +335,9 @@ void ScriptHost::Dispatch(const std::vector<std::string>& w, std::string_view li
         const Variant result = library::Call(placed->Get(), member, args);
         AfterWrite(*placed, border);
         if (!result.IsEmpty()) {
-            out_ << placed->Name() << "." << library::ClassOf(placed->Get()).FindMember(member)->name
-                 << " = " << FormatValue(result) << "\n";
+            out_ << placed->Name() << "."
+                 << library::ClassOf(placed->Get()).FindMember(member)->name << " = "
+                 << FormatValue(result) << "\n";
         }
     } else if (cmd == "save") {
         Need(w, 2, 2, "save FILE");

@@ -7,8 +7,8 @@
 
 #include "common/BmpFile.h"
 #include "common/Font.h"
-#include "common/Picture.h"
 #include "common/HostError.h"
+#include "common/Picture.h"
 #include "common/Text.h"
 
 namespace kelvarin::script {
@@ -40,7 +40,8 @@ Date ParseDateWord(std::string_view inner, std::string_view word) {
     if (text.find('-') == std::string::npos) {  // a time alone
         if (std::sscanf(text.c_str(), "%d:%d:%d%c", &h, &mi, &s, &tail) != 3) Bad(word);
     } else {
-        const int n = std::sscanf(text.c_str(), "%d-%d-%d %d:%d:%d%c", &y, &mo, &d, &h, &mi, &s, &tail);
+        const int n =
+            std::sscanf(text.c_str(), "%d-%d-%d %d:%d:%d%c", &y, &mo, &d, &h, &mi, &s, &tail);
         if (n != 3 && n != 6) Bad(word);
     }
     if (y < 100 || y > 9999 || mo < 1 || mo > 12 || d < 1 || d > DaysInMonth(y, mo) || h < 0 ||
@@ -229,7 +230,8 @@ std::string FormatValue(const Variant& value, bool asColor) {
                 return out + ")";
             }
             if (const auto* picture = dynamic_cast<const Picture*>(object.get())) {
-                const auto size = std::to_string(picture->Width()) + "x" + std::to_string(picture->Height());
+                const auto size =
+                    std::to_string(picture->Width()) + "x" + std::to_string(picture->Height());
                 switch (picture->Type()) {
                     case PictureType::Bitmap: return "picture(bitmap " + size + ")";
                     case PictureType::Icon: return "picture(icon " + size + ")";

@@ -38,7 +38,8 @@ int main(int argc, char** argv) {
         }
     }
 #ifdef KELVARIN_HOST_QT
-    std::unique_ptr<kelvarin::script::QtMode> qtMode;  // outlives the script host that draws with it
+    std::unique_ptr<kelvarin::script::QtMode>
+        qtMode;  // outlives the script host that draws with it
 #endif
     kelvarin::script::ScriptHost script(std::cout);
     script.Host().unitsPerPixel = unitsPerPixel;

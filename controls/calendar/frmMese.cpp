@@ -22,8 +22,8 @@ constexpr OLE_COLOR kHighlightText = 0x8000000E;
 constexpr OLE_COLOR kButtonShadow = 0x80000010;
 constexpr OLE_COLOR kButtonHighlight = 0x80000014;
 constexpr OLE_COLOR kRed = 255;
-constexpr unsigned kCentred = host::DT_CENTER | host::DT_VCENTER | host::DT_SINGLELINE |
-                              host::DT_NOPREFIX;
+constexpr unsigned kCentred =
+    host::DT_CENTER | host::DT_VCENTER | host::DT_SINGLELINE | host::DT_NOPREFIX;
 
 enum : Integer {
     kEnter = 13,
@@ -344,7 +344,8 @@ void frmMese::PaintHeader(host::Surface& s) {
     const Locale& locale = site_.UserLocale();
     const std::string month =
         shownMonth_ >= 1 && shownMonth_ <= 12 ? locale.monthNames[shownMonth_ - 1] : std::string();
-    host::Rect r{g.monthNameLeft, g.upperTop, g.monthNameLeft + g.monthNameWidth, g.lowerBottom + 1};
+    host::Rect r{g.monthNameLeft, g.upperTop, g.monthNameLeft + g.monthNameWidth,
+                 g.lowerBottom + 1};
     s.DrawText(month, r, kCentred, boldFont_, text);
     r = {g.yearLeft, g.upperTop, g.yearLeft + g.yearWidth, g.lowerBottom + 1};
     s.DrawText(std::to_string(shownYear_), r, kCentred, boldFont_, text);
@@ -401,8 +402,8 @@ void frmMese::Paint(host::Surface& s) {
         const int column = (i - 1) % 7 + 1, row = (i - 1) / 7;
         const int x = (column - 1) * g.cw, y = (row + 3) * g.rh;
         if (i <= 7) {
-            const std::string name = IsDateInRange(d) ? FormatDate(d, "ddd", locale)
-                                                      : locale.weekdayAbbrevs[column % 7];
+            const std::string name =
+                IsDateInRange(d) ? FormatDate(d, "ddd", locale) : locale.weekdayAbbrevs[column % 7];
             host::Rect r{x, 2 * g.rh, x + g.cw, 3 * g.rh};
             s.DrawText(name, r, kCentred, font_, TranslateSysColor(look.headerColor));
         }

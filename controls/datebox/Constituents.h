@@ -25,7 +25,7 @@ std::size_t ByteOffset(std::string_view text, int characters) noexcept;
 
 struct TextBoxElement {
     std::string text;
-    int selStart = 0;   // in characters
+    int selStart = 0;  // in characters
     int selLength = 0;
     int left = 0, top = 0, width = 0, height = 0;
     bool visible = false;
@@ -91,7 +91,9 @@ public:
     Element& Template() noexcept { return elements_.front(); }
     const Element& Template() const noexcept { return elements_.front(); }
     // Element `index`; the template where it does not exist.
-    Element& operator()(int index) noexcept { return Exists(index) ? elements_[index] : Template(); }
+    Element& operator()(int index) noexcept {
+        return Exists(index) ? elements_[index] : Template();
+    }
     const Element& operator()(int index) const noexcept {
         return Exists(index) ? elements_[index] : Template();
     }

@@ -19,7 +19,7 @@ namespace {
 constexpr OLE_COLOR kWindow = 0x80000005;
 constexpr OLE_COLOR kWindowText = 0x80000008;
 constexpr const char* kDefaultFormat = "dd/mm/yyyy";
-constexpr Date kFirstOfMarch2001 = 36951;  // base of the samples a name field is measured on
+constexpr Date kFirstOfMarch2001 = 36951;      // base of the samples a name field is measured on
 constexpr Date kFirstOfFebruary100 = -657403;  // the calendar's first day
 // The calendar is placed in twips at this fixed scale, whatever the screen's.
 constexpr double kTwipsPerPixel = 15;
@@ -27,7 +27,8 @@ constexpr double kTwipsPerPixel = 15;
 // The text of a number, left-padded with "0" to `digits` characters.
 std::string Padded(Long value, Long digits) {
     std::string s = std::to_string(value);
-    if (static_cast<Long>(s.size()) < digits) s.insert(0, static_cast<std::size_t>(digits) - s.size(), '0');
+    if (static_cast<Long>(s.size()) < digits)
+        s.insert(0, static_cast<std::size_t>(digits) - s.size(), '0');
     return s;
 }
 
@@ -194,7 +195,8 @@ bool DateBox::CommitBox(int box) {
         ClampBox(box);
     } else if (part == kYear) {
         // A partly typed year is taken as this century's: "7" is 2007.
-        b.SetText("2" + std::string(static_cast<std::size_t>(length - typedLength - 1), '0') + typed);
+        b.SetText("2" + std::string(static_cast<std::size_t>(length - typedLength - 1), '0') +
+                  typed);
         SetPart(kYear, LeadingNumber(b.text), box);
     } else if (typed != "0") {
         if (editable) b.SetText("0" + typed);
@@ -373,7 +375,8 @@ void DateBox::SetLargeChange(Long step) {
 void DateBox::SetNullable(bool nullable) {
     nullable_ = nullable;
     if (!nullable_ && value_ == 0) {
-        value_ = DatePortion(HasSite() ? Site().Now() : LocalDateTime(std::chrono::system_clock::now()));
+        value_ =
+            DatePortion(HasSite() ? Site().Now() : LocalDateTime(std::chrono::system_clock::now()));
         ValueToParts(value_, parts_);
         ShowValue(value_);
         Redraw();
@@ -423,7 +426,9 @@ void DateBox::MeasureTokens() {
             continue;
         }
         if (t.editable) {
-            t.pixelWidth = Measure(std::string(static_cast<std::size_t>(std::max<Long>(t.digits, 0)), '0')).width;
+            t.pixelWidth =
+                Measure(std::string(static_cast<std::size_t>(std::max<Long>(t.digits, 0)), '0'))
+                    .width;
             continue;
         }
         std::vector<Long> steps;
@@ -436,8 +441,9 @@ void DateBox::MeasureTokens() {
         }
         Long width = -1;
         for (Long i : steps) {
-            const Date sample = DateAdd(partRange_[t.part].interval,
-                                        static_cast<double>(t.stepMultiplier) * i, kFirstOfMarch2001);
+            const Date sample =
+                DateAdd(partRange_[t.part].interval, static_cast<double>(t.stepMultiplier) * i,
+                        kFirstOfMarch2001);
             width = std::max<Long>(width, Measure(FormatDate(sample, t.text, Loc())).width);
         }
         t.pixelWidth = width;
@@ -497,7 +503,8 @@ void DateBox::LayoutBoxes() {
         cmdSelezione_.top = 0;
         cmdSelezione_.height = innerHeight;
         // The glyph follows the button's height, counted in twips (15 a pixel).
-        cmdSelezione_.glyphPoints = std::clamp<Long>(IntDiv(CheckedMul(innerHeight, 15), 35), 1, 10);
+        cmdSelezione_.glyphPoints =
+            std::clamp<Long>(IntDiv(CheckedMul(innerHeight, 15), 35), 1, 10);
         width = CheckedAdd(width, cmdSelezione_.width);
     }
     textWidth_ = width;
@@ -561,7 +568,8 @@ void DateBox::InitProperties() {
 void DateBox::ReadProperties(host::PropertyBag& bag) {
     host::SurfaceProperties& s = SurfaceState();
     const auto color = [&](const char* name, OLE_COLOR def) {
-        return static_cast<OLE_COLOR>(bag.ReadProperty(name, Variant(static_cast<Long>(def))).ToLong());
+        return static_cast<OLE_COLOR>(
+            bag.ReadProperty(name, Variant(static_cast<Long>(def))).ToLong());
     };
     const auto date = [&](const char* name, Date def) {
         return bag.ReadProperty(name, Variant::FromDate(def)).ToDate();
@@ -572,7 +580,8 @@ void DateBox::ReadProperties(host::PropertyBag& bag) {
 
     const OLE_COLOR back = color("BackColor", kWindow);
     std::shared_ptr<Font> font = Site().AmbientFont()->Clone();
-    const Variant stored = bag.ReadProperty("Font", Variant(std::shared_ptr<Object>(Site().AmbientFont())));
+    const Variant stored =
+        bag.ReadProperty("Font", Variant(std::shared_ptr<Object>(Site().AmbientFont())));
     if (auto f = std::dynamic_pointer_cast<Font>(stored.ToObject())) font = f->Clone();
     const bool enabled = bag.ReadProperty("Enabled", Variant(true)).ToBoolean();
     const bool locked = bag.ReadProperty("Locked", Variant(false)).ToBoolean();
@@ -703,11 +712,13 @@ DateBox::Hit DateBox::HitTest(Single x, Single y) const {
     if (b.visible && b.enabled && inside(b.left, b.top, b.width, b.height)) return {Hit::Button, 0};
     for (int i = 1; i <= txtData_.Count(); ++i) {
         const TextBoxElement& e = txtData_(i);
-        if (e.visible && e.enabled && inside(e.left, e.top, e.width, e.height)) return {Hit::Box, i};
+        if (e.visible && e.enabled && inside(e.left, e.top, e.width, e.height))
+            return {Hit::Box, i};
     }
     for (int i = 1; i <= lblSeparator_.Count(); ++i) {
         const LabelElement& e = lblSeparator_(i);
-        if (e.visible && e.enabled && inside(e.left, e.top, e.width, e.height)) return {Hit::Label, i};
+        if (e.visible && e.enabled && inside(e.left, e.top, e.width, e.height))
+            return {Hit::Label, i};
     }
     return {Hit::Surface, 0};
 }
@@ -829,36 +840,25 @@ void DateBox::KeyUp(Integer& keyCode, Integer shift) {
 // Only the first matching row acts; keys without a row do nothing here.
 void DateBox::HandleKey(int box, Integer keyCode, Integer shift) {
     switch (keyCode) {
-    case host::kKeyReturn:
-        MoveToBox(box, shift == 0);  // with any modifier, back to the previous field
-        return;
-    case host::kKeyRight:
-        MoveToBox(box, true);  // never within the box, unlike Left
-        return;
-    case host::kKeyLeft:
-        KeyLeft(box);
-        return;
-    case host::kKeyDelete:
-        KeyDelete(box);
-        return;
-    case host::kKeyBack:
-        KeyBackspace(box);
-        return;
-    case host::kKeyUp:
-    case host::kKeyDown:
-    case host::kKeyPageUp:
-    case host::kKeyPageDown:
-        if (shift == 0) Step(box, keyCode);
-        else if (keyCode == host::kKeyDown) KeyCalendar(box);
-        return;
-    case host::kKeyF5:
-        Today(box);
-        return;
-    case host::kKeyF4:
-        KeyCalendar(box);
-        return;
-    default:
-        break;
+        case host::kKeyReturn:
+            MoveToBox(box, shift == 0);  // with any modifier, back to the previous field
+            return;
+        case host::kKeyRight:
+            MoveToBox(box, true);  // never within the box, unlike Left
+            return;
+        case host::kKeyLeft: KeyLeft(box); return;
+        case host::kKeyDelete: KeyDelete(box); return;
+        case host::kKeyBack: KeyBackspace(box); return;
+        case host::kKeyUp:
+        case host::kKeyDown:
+        case host::kKeyPageUp:
+        case host::kKeyPageDown:
+            if (shift == 0) Step(box, keyCode);
+            else if (keyCode == host::kKeyDown) KeyCalendar(box);
+            return;
+        case host::kKeyF5: Today(box); return;
+        case host::kKeyF4: KeyCalendar(box); return;
+        default: break;
     }
     if (keyCode >= host::kKey0 && keyCode <= host::kKey0 + 9)
         KeyDigit(box, static_cast<char>('0' + keyCode - host::kKey0));
@@ -1000,10 +1000,10 @@ void DateBox::Step(int box, Integer keyCode) {
     const Long part = t->part;
     Long step = 0;
     switch (keyCode) {
-    case host::kKeyUp: step = smallChange_; break;
-    case host::kKeyDown: step = CheckedSub(0, smallChange_); break;
-    case host::kKeyPageUp: step = largeChange_; break;
-    default: step = CheckedSub(0, largeChange_); break;
+        case host::kKeyUp: step = smallChange_; break;
+        case host::kKeyDown: step = CheckedSub(0, smallChange_); break;
+        case host::kKeyPageUp: step = largeChange_; break;
+        default: step = CheckedSub(0, largeChange_); break;
     }
     step = CheckedMul(step, t->stepMultiplier);
     PartValues snapshot;
@@ -1151,7 +1151,8 @@ void DateBox::PaintBox(host::Surface& s, int index) {
     const std::string_view selected = all.substr(from, to - from);
     host::Rect mark{x0, b.top, x0 + s.MeasureText(selected, *b.font).width, b.top + b.height};
     s.FillRect(mark, TranslateSysColor(SystemColor(COLOR_HIGHLIGHT)));
-    s.DrawText(selected, mark, kFormat, *b.font, TranslateSysColor(SystemColor(COLOR_HIGHLIGHTTEXT)));
+    s.DrawText(selected, mark, kFormat, *b.font,
+               TranslateSysColor(SystemColor(COLOR_HIGHLIGHTTEXT)));
 }
 
 // Labels are transparent: the control's back colour shows behind them.
@@ -1281,8 +1282,8 @@ std::vector<std::string> DateBox::Dump() const {
             continue;
         }
         const TextBoxElement& b = txtData_(t.controlIndex);
-        std::string line = "txtData" + index + Quoted(b.text) + " sel " + std::to_string(b.selStart) +
-                           " " + std::to_string(b.selLength);
+        std::string line = "txtData" + index + Quoted(b.text) + " sel " +
+                           std::to_string(b.selStart) + " " + std::to_string(b.selLength);
         if (t.controlIndex == ActiveBox()) line += " focus";
         lines.push_back(std::move(line));
     }

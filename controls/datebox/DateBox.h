@@ -217,7 +217,8 @@ private:
     void SelectCharacter(int box, int position);
     // lblValueChanged's change handler: takes over the date in its caption.
     void TakeCalendarDate();
-    void RaiseMouse(int number, const char* name, Integer button, Integer shift, Single x, Single y);
+    void RaiseMouse(int number, const char* name, Integer button, Integer shift, Single x,
+                    Single y);
     const Locale& Loc() const;
     host::Size Measure(std::string_view text) const;
     Long DaysInPartsMonth() const;
@@ -256,8 +257,8 @@ private:
     // Set when the focus has just arrived and no input followed yet: a
     // press that brought it goes straight to the box under the pointer.
     bool focusJustArrived_ = false;
-    Hit captured_;       // the element that took the mouse press
-    int selAnchor_ = 0;  // where a drag selection started
+    Hit captured_;           // the element that took the mouse press
+    int selAnchor_ = 0;      // where a drag selection started
     int keyUnderscore_ = 0;  // width of "_", measured once for each key
 };
 

@@ -34,7 +34,8 @@ std::string LowerPattern(std::string_view s) {
             out[i] = static_cast<char>(c + 32);
         } else if (c == 0xC3 && i + 1 < out.size()) {
             const auto next = static_cast<unsigned char>(out[i + 1]);
-            if (next >= 0x80 && next <= 0x9E && next != 0x97) out[i + 1] = static_cast<char>(next + 32);
+            if (next >= 0x80 && next <= 0x9E && next != 0x97)
+                out[i + 1] = static_cast<char>(next + 32);
             ++i;
         }
     }
@@ -158,7 +159,8 @@ void SnapshotParts(const PartValues& source, PartValues& destination) noexcept {
 Date JoinDateAndTime(Date datePortion, Date timePortion, const Locale& locale) {
     if (datePortion == 0) return timePortion;
     if (timePortion == 0) return datePortion;
-    const std::string text = DateToText(datePortion, locale) + " " + DateToText(timePortion, locale);
+    const std::string text =
+        DateToText(datePortion, locale) + " " + DateToText(timePortion, locale);
     const std::optional<Date> d = TextToDate(text, locale);
     if (!d) RaiseHostError(HostErrorCode::TypeMismatch);  // as the runtime's conversion fails
     return *d;

@@ -44,15 +44,17 @@ inline constexpr PartValues kAllBlank = {kBlank, kBlank, kBlank, kBlank, kBlank,
 
 struct FormatToken {
     bool isLiteral = false;
-    Long pixelWidth = -1;   // measured width of its box or label; -1 until measured
-    std::string text;       // the formatter pattern of a field, the shown text of a literal
-    Long digits = -1;       // 2 or 4 for a field the user types into, else -1
+    Long pixelWidth = -1;  // measured width of its box or label; -1 until measured
+    std::string text;      // the formatter pattern of a field, the shown text of a literal
+    Long digits = -1;      // 2 or 4 for a field the user types into, else -1
     bool editable = false;
-    Long part = -1;         // DatePart of a field, -1 for a literal
+    Long part = -1;  // DatePart of a field, -1 for a literal
     Long stepMultiplier = 1;
-    Long controlIndex = -1; // its txtData or lblSeparator element, -1 until created
+    Long controlIndex = -1;  // its txtData or lblSeparator element, -1 until created
 
-    bool IsTimeField() const noexcept { return part == kHour || part == kMinute || part == kSecond; }
+    bool IsTimeField() const noexcept {
+        return part == kHour || part == kMinute || part == kSecond;
+    }
 };
 
 // ---- Pattern ----------------------------------------------------------------

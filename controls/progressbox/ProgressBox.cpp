@@ -221,16 +221,20 @@ void ProgressBox::ReadProperties(host::PropertyBag& bag) {
     EnsureTimer();
     host::SurfaceProperties& s = SurfaceState();
     s.enabled = bag.ReadProperty("Enabled", Variant(true)).ToBoolean();
-    const Variant font = bag.ReadProperty("Font", Variant(std::shared_ptr<Object>(Site().AmbientFont())));
+    const Variant font =
+        bag.ReadProperty("Font", Variant(std::shared_ptr<Object>(Site().AmbientFont())));
     if (auto f = std::dynamic_pointer_cast<Font>(font.ToObject())) s.font = f->Clone();
     s.borderStyle = bag.ReadProperty("BorderStyle", Variant(Integer(0))).ToInteger();
     s.appearance = bag.ReadProperty("Appearance", Variant(Integer(1))).ToInteger();
-    s.backColor = static_cast<OLE_COLOR>(bag.ReadProperty("BackColor", Variant(static_cast<Long>(0x8000000F))).ToLong());
+    s.backColor = static_cast<OLE_COLOR>(
+        bag.ReadProperty("BackColor", Variant(static_cast<Long>(0x8000000F))).ToLong());
     s.mouseIcon = bag.ReadProperty("MouseIcon", Variant::Nothing()).ToObject();
     s.mousePointer = bag.ReadProperty("MousePointer", Variant(Integer(0))).ToInteger();
-    startColor_ = static_cast<OLE_COLOR>(bag.ReadProperty("StartColor", Variant(static_cast<Long>(kHighlight))).ToLong());
+    startColor_ = static_cast<OLE_COLOR>(
+        bag.ReadProperty("StartColor", Variant(static_cast<Long>(kHighlight))).ToLong());
     startColorRGB_ = TranslateSysColor(startColor_);
-    finishColor_ = static_cast<OLE_COLOR>(bag.ReadProperty("FinishColor", Variant(static_cast<Long>(kHighlight))).ToLong());
+    finishColor_ = static_cast<OLE_COLOR>(
+        bag.ReadProperty("FinishColor", Variant(static_cast<Long>(kHighlight))).ToLong());
     finishColorRGB_ = TranslateSysColor(finishColor_);
     text_ = bag.ReadProperty("Text", Variant("")).ToString();
     showPercentual_ = bag.ReadProperty("ShowPercentual", Variant(true)).ToBoolean();
@@ -240,8 +244,10 @@ void ProgressBox::ReadProperties(host::PropertyBag& bag) {
     value_ = bag.ReadProperty("Value", Variant(0.0)).ToDouble();
     percentual_ = bag.ReadProperty("Percentual", Variant(0.0)).ToDouble();
     gradientStyle_ = bag.ReadProperty("GradientStyle", Variant(Long(0))).ToLong();
-    pivotColor_ = static_cast<OLE_COLOR>(bag.ReadProperty("PivotColor", Variant(static_cast<Long>(kHighlight))).ToLong());
-    s.foreColor = static_cast<OLE_COLOR>(bag.ReadProperty("ForeColor", Variant(static_cast<Long>(0x80000012))).ToLong());
+    pivotColor_ = static_cast<OLE_COLOR>(
+        bag.ReadProperty("PivotColor", Variant(static_cast<Long>(kHighlight))).ToLong());
+    s.foreColor = static_cast<OLE_COLOR>(
+        bag.ReadProperty("ForeColor", Variant(static_cast<Long>(0x80000012))).ToLong());
     tmrTimes_->SetInterval(bag.ReadProperty("TimerChangedInterval", Variant(Long(250))).ToLong());
     ready_ = true;
     Redraw();
@@ -336,7 +342,8 @@ Rgb SplitRGB(OLE_COLOR c) {
 
 // Components round half to even and combine as red + 256 green + 65536 blue.
 Long Combine(double r, double g, double b) {
-    return CheckedAdd(CheckedAdd(ToLong(r), CheckedMul(256, ToLong(g))), CheckedMul(65536, ToLong(b)));
+    return CheckedAdd(CheckedAdd(ToLong(r), CheckedMul(256, ToLong(g))),
+                      CheckedMul(65536, ToLong(b)));
 }
 
 Long RoundedSquare(Long x) { return ToLong(std::pow(static_cast<double>(x), 2.0)); }
@@ -412,14 +419,14 @@ void ProgressBox::DrawBar(clsGFX_2D& gfx, double& from, double& to) {
             }
             return;
         }
-        default:
-            return;  // any other style paints no bar
+        default: return;  // any other style paints no bar
     }
 }
 
 void ProgressBox::DrawCaption(host::Surface& surface, double sw, double sh) {
     host::Rect rect{0, 0, ToLong(sw) - 1, ToLong(sh) - 1};
-    const unsigned format = static_cast<unsigned>(alignment_) | host::DT_VCENTER | host::DT_SINGLELINE;
+    const unsigned format =
+        static_cast<unsigned>(alignment_) | host::DT_VCENTER | host::DT_SINGLELINE;
     surface.DrawText(Caption(), rect, format, *SurfaceState().font,
                      TranslateSysColor(SurfaceState().foreColor));
 }

@@ -25,7 +25,8 @@ struct HeadlessHost::TimerSlot {
 
 class ManualTimer : public Timer {
 public:
-    ManualTimer(HeadlessHost& host, TimerCallback onTick) : slot_{&host, ++host.timerSerial_, std::move(onTick)} {
+    ManualTimer(HeadlessHost& host, TimerCallback onTick)
+        : slot_{&host, ++host.timerSerial_, std::move(onTick)} {
         host.timers_.push_back(&slot_);
     }
     ~ManualTimer() override { std::erase(slot_.host->timers_, &slot_); }
@@ -90,7 +91,8 @@ void Placed::SetOuterSize(Size size) {
     const Raster old = *raster_;
     raster_->Resize(size.width, size.height, TranslateSysColor(control_->SurfaceState().backColor));
     for (int y = 0; y < std::min(old.height, raster_->height); ++y)
-        for (int x = 0; x < std::min(old.width, raster_->width); ++x) raster_->Put(x, y, old.Get(x, y));
+        for (int x = 0; x < std::min(old.width, raster_->width); ++x)
+            raster_->Put(x, y, old.Get(x, y));
     PaintFrame();
 }
 
@@ -197,7 +199,8 @@ const Raster& HeadlessHost::PaintPopup() {
     const Size size = openPopup ? openPopup->ClientSize() : Size{};
     popupPixels_->Resize(std::max(size.width, 0), std::max(size.height, 0), 0xFFFFFF);
     if (openPopup && popupPixels_->width > 0 && popupPixels_->height > 0) {
-        RasterSurface surface(popupPixels_, {0, 0, popupPixels_->width, popupPixels_->height}, text);
+        RasterSurface surface(popupPixels_, {0, 0, popupPixels_->width, popupPixels_->height},
+                              text);
         openPopup->Paint(surface);
     }
     return *popupPixels_;
@@ -211,7 +214,8 @@ std::vector<Placed*> HeadlessHost::Controls() {
 
 bool HeadlessHost::SetFocus(Placed* target) {
     if (target == focused_) return true;
-    if (target && !target->Get().SurfaceState().enabled) return false;  // a disabled window takes no focus
+    if (target && !target->Get().SurfaceState().enabled)
+        return false;  // a disabled window takes no focus
     if (focused_) {
         if (!focused_->Get().QueryLeaveFocus()) return false;
         Placed* old = focused_;

@@ -10,7 +10,8 @@
 
 namespace kelvarin::qt {
 
-WidgetPlugin::WidgetPlugin(Entry entry, QObject* parent) : QObject(parent), entry_(std::move(entry)) {}
+WidgetPlugin::WidgetPlugin(Entry entry, QObject* parent)
+    : QObject(parent), entry_(std::move(entry)) {}
 
 void WidgetPlugin::initialize(QDesignerFormEditorInterface*) {
     if (initialized_) return;
@@ -22,7 +23,8 @@ QString WidgetPlugin::domXml() const {
     return QStringLiteral(
                "<ui language=\"c++\">\n"
                " <widget class=\"%1\" name=\"%2\">\n"
-               "  <property name=\"geometry\"><rect><x>0</x><y>0</y><width>%3</width><height>%4</height>"
+               "  <property "
+               "name=\"geometry\"><rect><x>0</x><y>0</y><width>%3</width><height>%4</height>"
                "</rect></property>\n"
                " </widget>\n"
                "</ui>\n")
@@ -71,15 +73,17 @@ KelvarinPlugins::KelvarinPlugins(QObject* parent) : QObject(parent) {
     widgets_.append(new WidgetPlugin(
         {QStringLiteral("kelvarin::qt::DateBoxWidget"), QStringLiteral("dateBox"),
          QStringLiteral("Date field with a drop-down calendar"),
-         QStringLiteral("A date field edited part by part, that may be empty (a database Null), stays within "
-                        "its limits and drops down a month calendar."),
+         QStringLiteral(
+             "A date field edited part by part, that may be empty (a database Null), stays within "
+             "its limits and drops down a month calendar."),
          QStringLiteral("qt/DateBoxWidget.h"), QSize(160, 22), DateIcon,
          [](QWidget* parent) -> QWidget* { return new DateBoxWidget(parent); }},
         this));
     widgets_.append(new WidgetPlugin(
         {QStringLiteral("kelvarin::qt::ProgressBoxWidget"), QStringLiteral("progressBox"),
          QStringLiteral("Gradient progress bar"),
-         QStringLiteral("A progress bar painted as a colour gradient, with a caption of its text and percentage, "
+         QStringLiteral("A progress bar painted as a colour gradient, with a caption of its text "
+                        "and percentage, "
                         "that reports elapsed and estimated time while a run goes on."),
          QStringLiteral("qt/ProgressBoxWidget.h"), QSize(200, 24), ProgressIcon,
          [](QWidget* parent) -> QWidget* { return new ProgressBoxWidget(parent); }},

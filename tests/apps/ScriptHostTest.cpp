@@ -63,7 +63,10 @@ public:
         switch (id) {
             case 1: caption_ = v.ToString(); break;
             case 2: count_ = v.ToLong(); break;
-            case 3: color_ = static_cast<OLE_COLOR>(v.ToLong()); Paint(); break;
+            case 3:
+                color_ = static_cast<OLE_COLOR>(v.ToLong());
+                Paint();
+                break;
             case 4: when_ = v.ToDate(); break;
             case 6:
                 timer_->SetInterval(v.ToLong());
@@ -96,14 +99,34 @@ private:
 
 const library::ClassInfo& GaugeClass() {
     static const library::ClassInfo info = {
-        "Gauge", {}, "_Gauge", {}, "__Gauge", {},
+        "Gauge",
+        {},
+        "_Gauge",
+        {},
+        "__Gauge",
+        {},
         {
-            {"Caption", MemberKind::Property, {BaseType::String}, 1, library::kGet | library::kLet, ""},
+            {"Caption",
+             MemberKind::Property,
+             {BaseType::String},
+             1,
+             library::kGet | library::kLet,
+             ""},
             {"Count", MemberKind::Property, {BaseType::Long}, 2, library::kGet | library::kLet, ""},
-            {"Color", MemberKind::Property, {BaseType::OleColor}, 3, library::kGet | library::kLet, ""},
+            {"Color",
+             MemberKind::Property,
+             {BaseType::OleColor},
+             3,
+             library::kGet | library::kLet,
+             ""},
             {"When", MemberKind::Property, {BaseType::Date}, 4, library::kGet | library::kLet, ""},
             {"Bump", MemberKind::Method, {BaseType::Long}, 5, 0, "", false, {{BaseType::Long}}},
-            {"Interval", MemberKind::Property, {BaseType::Long}, 6, library::kGet | library::kLet, ""},
+            {"Interval",
+             MemberKind::Property,
+             {BaseType::Long},
+             6,
+             library::kGet | library::kLet,
+             ""},
         },
         {{1, "Changed", {}, ""},
          {2, "KeyDown", {{"KeyCode", {BaseType::Integer}}, {"Shift", {BaseType::Integer}}}, ""},
@@ -143,7 +166,8 @@ create Gauge g1
 frobnicate
 echo still "here"
 notified
-)", &ok),
+)",
+                        &ok),
               R"(g1.Caption = "g1"
 g1.Count = 12
 g1.Color = &H8000000F
@@ -208,8 +232,8 @@ TEST(ScriptHost, SaveAndLoadKeepTheOldFormWhenAFileIsBad) {
                           R"({"class":"Gauge","name":"x","left":0,"top":0,"width":5,"height":5,)"
                           R"("properties":{"Count":"many"}}]})";
     EXPECT_EQ(RunScript("create Gauge g1 10 10\nlet g1.Count 7\nmove g1 3 4\nsave " + good +
-                  "\ndestroy g1\ncreate Gauge other 5 5\nload " + good +
-                  "\nget g1.Count\nget other.Count\nload " + bad + "\nget g1.Count\n"),
+                        "\ndestroy g1\ncreate Gauge other 5 5\nload " + good +
+                        "\nget g1.Count\nget other.Count\nload " + bad + "\nget g1.Count\n"),
               "g1.Count = 7\nerror: 0 no control named other\nerror: 0 " + bad +
                   ": x.properties.Count: expected a number, found a text\ng1.Count = 7\n");
     std::filesystem::remove_all(dir);

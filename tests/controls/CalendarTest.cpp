@@ -161,7 +161,7 @@ TEST_F(CalendarTest, EscapeWritesTheOpeningDateBack) {
 
 TEST_F(CalendarTest, ClicksOnDaysAndOnTheTodayLine) {
     SetCalendarMinDate(Ymd(2007, 3, 3));
-    auto f = Open("05/03/2007");  // March 2007 starts on a Thursday
+    auto f = Open("05/03/2007");   // March 2007 starts on a Thursday
     auto [x, y] = Cell(*f, 5, 0);  // 2 March, before the first allowed day
     Click(*f, x, y);
     EXPECT_TRUE(f->IsOpen());

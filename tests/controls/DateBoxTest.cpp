@@ -115,7 +115,8 @@ TEST_F(DateBoxTest, ValueDBTakesNullAndTextAndGivesNullForTheEmptyDate) {
     b.SetValueDB(Variant::FromDate(Ymd(2008, 1, 2)));
     EXPECT_EQ(b.Value(), Ymd(2008, 1, 2));
     // Null, a text that is no date and a plain number all count as the empty date.
-    for (const Variant& empty : {Variant::Null(), Variant("not a date"), Variant(39441.0), Variant()}) {
+    for (const Variant& empty :
+         {Variant::Null(), Variant("not a date"), Variant(39441.0), Variant()}) {
         b.SetValue(Ymd(2008, 1, 2));
         b.SetValueDB(empty);
         EXPECT_TRUE(b.ValueDB().IsNull());
@@ -270,7 +271,7 @@ TEST_F(DateBoxTest, ClampBoxKnowsTheLengthOfEveryMonth) {
     DateBox& b = Make();
     const struct {
         Long year, month, days;
-    } months[] = {{2001, 2, 28}, {2004, 2, 29}, {1900, 2, 28}, {2000, 2, 29}, {kBlank, 2, 29},
+    } months[] = {{2001, 2, 28}, {2004, 2, 29},  {1900, 2, 28},  {2000, 2, 29},     {kBlank, 2, 29},
                   {2007, 4, 30}, {2007, 12, 31}, {9999, 12, 31}, {2007, kBlank, 31}};
     for (const auto& m : months) {
         b.SetPart(kYear, m.year, -1);
@@ -332,14 +333,14 @@ TEST_F(DateBoxTest, LayoutFollowsTheFontTheAlignmentAndTheButton) {
         Long left, top, textWidth, textHeight;
     };
     const Case cases[] = {
-        {"dd/mm/yyyy", 120, 21, 1, 0, true, 0, 1, 87, 15},    // 3D border: 116 x 17 inside
+        {"dd/mm/yyyy", 120, 21, 1, 0, true, 0, 1, 87, 15},  // 3D border: 116 x 17 inside
         {"dd/mm/yyyy", 120, 21, 1, 1, true, 29, 1, 87, 15},
-        {"dd/mm/yyyy", 120, 21, 1, 2, true, 14, 1, 87, 15},   // 14.5 to even
-        {"dd/mm/yyyy", 120, 21, 0, 2, true, 16, 3, 87, 15},   // 33 / 2 = 16.5 to even
-        {"dd/mm/yyyy", 121, 21, 0, 2, true, 17, 3, 87, 15},   // 17.5 to even
+        {"dd/mm/yyyy", 120, 21, 1, 2, true, 14, 1, 87, 15},  // 14.5 to even
+        {"dd/mm/yyyy", 120, 21, 0, 2, true, 16, 3, 87, 15},  // 33 / 2 = 16.5 to even
+        {"dd/mm/yyyy", 121, 21, 0, 2, true, 17, 3, 87, 15},  // 17.5 to even
         {"dd/mm/yyyy", 120, 21, 1, 1, false, 46, 1, 70, 15},
-        {"dd/mm/yyyy", 60, 10, 1, 1, true, -31, -4, 87, 15},  // too small: negative, truncated
-        {"d mmmm yyyy", 200, 30, 1, 0, true, 0, 5, 136, 15},  // "settembre": 9 characters
+        {"dd/mm/yyyy", 60, 10, 1, 1, true, -31, -4, 87, 15},      // too small: negative, truncated
+        {"d mmmm yyyy", 200, 30, 1, 0, true, 0, 5, 136, 15},      // "settembre": 9 characters
         {"dddd dd/mm/yyyy", 200, 30, 0, 0, true, 0, 7, 157, 15},  // "mercoledì"
         {"hh:nn:ss", 100, 20, 0, 0, false, 0, 2, 56, 15},
         {"ww", 100, 20, 0, 0, false, 0, 2, 14, 15},
@@ -598,7 +599,6 @@ TEST_F(DateBoxTest, DispatchReachesPropertiesAndTheLayoutMethods) {
     EXPECT_THROW(b.GetProperty(DateBox::kTextLeft), HostError);
     EXPECT_THROW(b.CallMethod(DateBox::kValue, {}), HostError);
 }
-
 
 // ---- Keyboard --------------------------------------------------------------------
 

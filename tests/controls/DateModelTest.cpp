@@ -46,17 +46,20 @@ TEST(DateModelTest, ParseFormatCutsAndClassifiesThePattern) {
           "literal ' '", "field hh Hour 2", "literal ':'", "field nn Minute 2", "literal ':'",
           "field ss Second 2"}},
         {"ttttt",
-         {"field hh Hour 2", "literal ':'", "field nn Minute 2", "literal ':'", "field ss Second 2"}},
+         {"field hh Hour 2", "literal ':'", "field nn Minute 2", "literal ':'",
+          "field ss Second 2"}},
         {"dddddd",
          {"field dd Day 2", "literal ' '", "field mmmm Month shown", "literal ','", "literal ' '",
           "field yyyy Year 4"}},
         {"d mmmm yyyy",
-         {"field dd Day 2", "literal ' '", "field mmmm Month shown", "literal ' '", "field yyyy Year 4"}},
+         {"field dd Day 2", "literal ' '", "field mmmm Month shown", "literal ' '",
+          "field yyyy Year 4"}},
         {"hh:mm", {"field hh Hour 2", "literal ':'", "field nn Minute 2"}},
         {"mm/hh", {"field mm Month 2", "literal '/'", "field hh Hour 2"}},
         // Only an hour right before makes "m" a minute; a second in between does not.
-        {"h:m:s m", {"field hh Hour 2", "literal ':'", "field nn Minute 2", "literal ':'",
-                     "field ss Second 2", "literal ' '", "field mm Month 2"}},
+        {"h:m:s m",
+         {"field hh Hour 2", "literal ':'", "field nn Minute 2", "literal ':'", "field ss Second 2",
+          "literal ' '", "field mm Month 2"}},
         {"&d&&", {"literal 'd'", "literal '&'"}},
         {"&c", {"literal 'c'"}},
         {"&t&tt", {"literal 't'", "literal 'tt'"}},
@@ -165,8 +168,17 @@ TEST(DateModelTest, LeadingNumberReadsAsTheHostsValDoes) {
     const struct {
         const char* text;
         Long value;
-    } cases[] = {{"2___", 2}, {"_5", 0}, {"05", 5}, {"0050", 50}, {"", 0}, {"__", 0},
-                 {" 7", 7},   {"-1", -1}, {"+3", 3}, {"12ab", 12}, {"2147483647", 2147483647}};
+    } cases[] = {{"2___", 2},
+                 {"_5", 0},
+                 {"05", 5},
+                 {"0050", 50},
+                 {"", 0},
+                 {"__", 0},
+                 {" 7", 7},
+                 {"-1", -1},
+                 {"+3", 3},
+                 {"12ab", 12},
+                 {"2147483647", 2147483647}};
     for (const auto& c : cases) EXPECT_EQ(LeadingNumber(c.text), c.value) << c.text;
     EXPECT_THROW(LeadingNumber("2147483648"), HostError);
     EXPECT_THROW(LeadingNumber("99999999999999999999999"), HostError);

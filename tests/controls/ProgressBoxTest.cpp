@@ -21,7 +21,9 @@ protected:
         b.Resize();
         return b;
     }
-    OLE_COLOR At(int x, int y = 0) { return placed_->Get().Site().ClientSurface().GetPixel({x, y}); }
+    OLE_COLOR At(int x, int y = 0) {
+        return placed_->Get().Site().ClientSurface().GetPixel({x, y});
+    }
     std::vector<std::string> Notified() {
         std::vector<std::string> out;
         for (auto& n : host_.notifications) out.push_back(n.property);
@@ -141,7 +143,7 @@ TEST_F(ProgressBoxTest, TimingReportsElapsedAndEstimatedTotal) {
     b.SetValue(100);
     host_.Advance(5000);
     EXPECT_EQ(host_.events.size(), 4u);  // stopped: no more ticks
-    b.SetValue(10);  // between the bounds: starts nothing
+    b.SetValue(10);                      // between the bounds: starts nothing
     host_.Advance(5000);
     EXPECT_EQ(host_.events.size(), 4u);
 

@@ -4,9 +4,9 @@
 
 #include <vector>
 
+#include "common/OleColor.h"
 #include "common/Picture.h"
 #include "gfx/PictureDC.h"
-#include "common/OleColor.h"
 #include "gfx/clsGFX_2D.h"
 #include "tests/gfx/TestImages.h"
 
@@ -20,13 +20,17 @@ using test::RandomFill;
 class Canvas final : public DeviceContext {
 public:
     Canvas(int width, int height, std::uint8_t fill)
-        : width_(width), height_(height), bytes_(static_cast<std::size_t>(width * height * 3), fill) {}
+        : width_(width),
+          height_(height),
+          bytes_(static_cast<std::size_t>(width * height * 3), fill) {}
     int PixelWidth() const override { return width_; }
     int PixelHeight() const override { return height_; }
     int BitsPerPixel() const override { return 24; }
     const std::uint8_t* ScanLine(int y) const override { return bytes_.data() + y * width_ * 3; }
     std::uint8_t* WritableScanLine(int y) override { return bytes_.data() + y * width_ * 3; }
-    std::uint8_t At(int x, int y, int channel) const { return bytes_[(y * width_ + x) * 3 + channel]; }
+    std::uint8_t At(int x, int y, int channel) const {
+        return bytes_[(y * width_ + x) * 3 + channel];
+    }
 
 private:
     int width_, height_;
@@ -112,7 +116,8 @@ TEST(BitBlt, NegativeSizesPaintTheWholeSurfaceAndEdgesClip) {
     // Loading from a context at an offset fills the surface from its corner.
     Canvas canvas(5, 5, 0);
     for (int y = 0; y < 5; ++y) {
-        for (int x = 0; x < 5; ++x) canvas.WritableScanLine(y)[3 * x] = static_cast<std::uint8_t>(10 * y + x);
+        for (int x = 0; x < 5; ++x)
+            canvas.WritableScanLine(y)[3 * x] = static_cast<std::uint8_t>(10 * y + x);
     }
     ASSERT_TRUE(gfx.BitBlt_LoadPicture(&canvas, 2, 3, -1, -1, SRCCOPY));
     gfx.Draw_StartSession();
@@ -129,17 +134,20 @@ TEST(BitBlt, OverlappingCopiesWithinOneSurfaceReadTheOriginal) {
             ASSERT_TRUE(gfx.Create(7, 5));
             RandomFill(gfx, 21);
             const auto copy = test::Clone(gfx);
-            ASSERT_TRUE(gfx.BitBlt_PaintPicture(gfx.Get_hDC(), 1 + dx, 1 + dy, 5, 3, 1, 1, SRCINVERT));
+            ASSERT_TRUE(
+                gfx.BitBlt_PaintPicture(gfx.Get_hDC(), 1 + dx, 1 + dy, 5, 3, 1, 1, SRCINVERT));
             EXPECT_FALSE(copy->BitBlt_PaintPicture(nullptr));
             auto expected = test::Clone(*copy);
-            ASSERT_TRUE(copy->BitBlt_PaintPicture(expected.get(), 1 + dx, 1 + dy, 5, 3, 1, 1, SRCINVERT));
+            ASSERT_TRUE(
+                copy->BitBlt_PaintPicture(expected.get(), 1 + dx, 1 + dy, 5, 3, 1, 1, SRCINVERT));
             EXPECT_EQ(Bytes(gfx), Bytes(*expected)) << dx << "," << dy;
         }
     }
 }
 
 TEST(BitBlt, OtherDepthsAreConvertedToTheDestinations) {
-    std::vector<RgbQuad> palette = {{0, 0, 0, 0}, {255, 255, 255, 0}, {0, 0, 200, 0}, {0, 200, 0, 0}};
+    std::vector<RgbQuad> palette = {
+        {0, 0, 0, 0}, {255, 255, 255, 0}, {0, 0, 200, 0}, {0, 200, 0, 0}};
     auto indexed = Picture::MakeBitmap(4, 1, 8, palette);
     for (int x = 0; x < 4; ++x) indexed->Row(0)[x] = static_cast<std::uint8_t>(x);
     clsGFX_2D full;
@@ -173,8 +181,8 @@ TEST(BitBlt, OtherDepthsAreConvertedToTheDestinations) {
 
 TEST(PictureDC, RendersBitmapsAndIconsOnTheBackColour) {
     auto icon = Picture::MakeIcon(2, 2);
-    icon->MaskRow(0)[0] = 1;   // bottom-left transparent
-    icon->Row(1)[5] = 200;     // top-right red
+    icon->MaskRow(0)[0] = 1;  // bottom-left transparent
+    icon->Row(1)[5] = 200;    // top-right red
     const RenderedPictureDC rendered(*icon, RGB(1, 2, 3));
     ASSERT_EQ(rendered.PixelWidth(), 2);
     EXPECT_EQ(rendered.ScanLine(1)[0], 3);  // back colour blue, bottom-left

@@ -129,8 +129,8 @@ TEST(BmpFile, NarrowDepthsAndTopDownRowsAreRead) {
 }
 
 TEST(BmpFile, DamagedAndHostileFilesAreRefusedWithAReason) {
-    const auto good = MakeFile(3, 2, 24, {}, {{1, 2, 3, 4, 5, 6, 7, 8, 9, 0, 0, 0},
-                                              {1, 2, 3, 4, 5, 6, 7, 8, 9, 0, 0, 0}});
+    const auto good = MakeFile(
+        3, 2, 24, {}, {{1, 2, 3, 4, 5, 6, 7, 8, 9, 0, 0, 0}, {1, 2, 3, 4, 5, 6, 7, 8, 9, 0, 0, 0}});
     ASSERT_TRUE(ReadBmp(good));
     // Every shorter prefix is truncated somewhere.
     for (std::size_t n = 0; n < good.size(); ++n) {

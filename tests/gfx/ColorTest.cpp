@@ -256,7 +256,8 @@ TEST(ColorKernels, MatchTheReferenceOnRandomImagesWithOddWidths) {
                 auto expected = start;
                 test::reference::FadeTo(expected, mask2, 0x00FF8001, weight);
                 copy->Color_FadeTo(mask2, 0x00FF8001, weight);
-                ASSERT_EQ(Bytes(*copy), expected.bytes) << "FadeTo " << weight << " " << w << "x" << h;
+                ASSERT_EQ(Bytes(*copy), expected.bytes)
+                    << "FadeTo " << weight << " " << w << "x" << h;
             }
         }
         {
@@ -343,9 +344,10 @@ TEST(ColorKernels, WeightedGreyOfEveryColour) {
     for (std::size_t i = 0; i < std::size_t{1} << 24; ++i) {
         const int b = static_cast<std::uint8_t>(i), g = static_cast<std::uint8_t>(i >> 8),
                   r = static_cast<std::uint8_t>(i >> 16);
-        const int expected = r == 255 && g == 0 && b == 0
-                                 ? -1
-                                 : static_cast<int>(RoundHalfEven((r * 222 + g * 707 + b * 71) / 1000.0));
+        const int expected =
+            r == 255 && g == 0 && b == 0
+                ? -1
+                : static_cast<int>(RoundHalfEven((r * 222 + g * 707 + b * 71) / 1000.0));
         if (expected < 0) continue;
         ASSERT_EQ(bits[3 * i], expected) << r << "," << g << "," << b;
         ASSERT_EQ(bits[3 * i + 2], expected);
@@ -455,8 +457,9 @@ TEST(ColorFill, EveryDepthAndNeverThePadding) {
     } rows[] = {
         {8, {0x56, 0x56, 0x56, 0x56, 0x56, 0xEE, 0xEE, 0xEE}},
         {16, {0x34, 0x56, 0x34, 0x56, 0x34, 0x56, 0x34, 0x56, 0x34, 0x56, 0xEE, 0xEE}},
-        {24, {0x12, 0x34, 0x56, 0x12, 0x34, 0x56, 0x12, 0x34, 0x56, 0x12, 0x34, 0x56, 0x12,
-              0x34, 0x56, 0xEE}},
+        {24,
+         {0x12, 0x34, 0x56, 0x12, 0x34, 0x56, 0x12, 0x34, 0x56, 0x12, 0x34, 0x56, 0x12, 0x34, 0x56,
+          0xEE}},
     };
     for (const auto& r : rows) {
         clsGFX_2D gfx;
@@ -531,8 +534,8 @@ TEST(ColorHsl, PrimaryColoursHaveTheirHexconeHueAndWeightedLuminance) {
         int r, g, b;
         float hue, saturation, luminance;
     } rows[] = {
-        {255, 0, 0, 0, 255, 76.5f},   {0, 255, 0, 85, 255, 150.45f}, {0, 0, 255, 170, 255, 28.05f},
-        {128, 128, 128, 0, 0, 128},   {255, 255, 255, 0, 0, 255},    {0, 0, 0, 0, 0, 0},
+        {255, 0, 0, 0, 255, 76.5f}, {0, 255, 0, 85, 255, 150.45f}, {0, 0, 255, 170, 255, 28.05f},
+        {128, 128, 128, 0, 0, 128}, {255, 255, 255, 0, 0, 255},    {0, 0, 0, 0, 0, 0},
     };
     for (const auto& row : rows) {
         Single h, s, l;
@@ -558,7 +561,8 @@ TEST(ColorHistogram, CountsEveryChannelAndEqualisesOne) {
     clsGFX_2D gfx;
     ASSERT_TRUE(gfx.Create(4, 1));
     gfx.Draw_StartSession();
-    for (Long x = 0; x < 4; ++x) gfx.Draw_PixelRGB(x, 0, {static_cast<std::uint8_t>(100 + x), 7, 7});
+    for (Long x = 0; x < 4; ++x)
+        gfx.Draw_PixelRGB(x, 0, {static_cast<std::uint8_t>(100 + x), 7, 7});
     gfx.Draw_EndSession();
     clsGFX_2D::Histogram red, green, blue;
     red.fill(99);

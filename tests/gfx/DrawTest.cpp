@@ -36,10 +36,10 @@ TEST(Viewport, IsNormalisedInsideTheSurface) {
         Long in[4];
         Long out[4];  // Xmin, Ymin, Xmax, Ymax
     } rows[] = {
-        {{-5, 2, -1, 1}, {0, 2, 9, 2}},     // Ymax below Ymin is raised to it
-        {{0, 0, -1, -1}, {0, 0, 9, 9}},     // -1 stands for the far edge
-        {{12, 15, 3, 40}, {9, 9, 9, 9}},    // beyond the surface: the last pixel
-        {{4, 3, 2, -7}, {4, 3, 4, 3}},      // below the minimum: the minimum
+        {{-5, 2, -1, 1}, {0, 2, 9, 2}},   // Ymax below Ymin is raised to it
+        {{0, 0, -1, -1}, {0, 0, 9, 9}},   // -1 stands for the far edge
+        {{12, 15, 3, 40}, {9, 9, 9, 9}},  // beyond the surface: the last pixel
+        {{4, 3, 2, -7}, {4, 3, 4, 3}},    // below the minimum: the minimum
         {{2, 3, 100, 100}, {2, 3, 9, 9}},
     };
     for (const auto& r : rows) {
@@ -94,7 +94,7 @@ TEST(Pixel, PastTheEndOfARowWritesWhatFitsThenRaises) {
     EXPECT_EQ(ErrorOf([&] { gfx.Draw_Pixel(-1, 0, 1); }), 9);
     EXPECT_EQ(ErrorOf([&] { gfx.Draw_ReadPixel(5, 0); }), 9);
     EXPECT_EQ(ErrorOf([&] { gfx.Draw_Pixel(1000000000, 0, 1); }), 6);  // 3X overflows first
-    EXPECT_EQ(Bytes(gfx), bytes);  // nothing else written
+    EXPECT_EQ(Bytes(gfx), bytes);                                      // nothing else written
 
     ASSERT_TRUE(gfx.Create(7, 1, 24));  // 24-byte rows: column 7 lies wholly in the padding
     gfx.Draw_StartSession();
@@ -175,10 +175,10 @@ TEST(Line, MatchesTheReferenceInsideAndAcrossTheEdges) {
                 const bool fits = test::reference::Line(expected, x1, y1, x2, y2, c);
                 gfx.Draw_StartSession();
                 const int error = ErrorOf([&] { gfx.Draw_Line(x1, y1, x2, y2, c); });
-                ASSERT_EQ(error, fits ? 0 : 9) << bits << " " << x1 << "," << y1 << " " << x2
-                                               << "," << y2;
-                ASSERT_EQ(Bytes(gfx), expected.bytes) << bits << " w" << width << " " << x1
-                                                      << "," << y1 << " " << x2 << "," << y2;
+                ASSERT_EQ(error, fits ? 0 : 9)
+                    << bits << " " << x1 << "," << y1 << " " << x2 << "," << y2;
+                ASSERT_EQ(Bytes(gfx), expected.bytes)
+                    << bits << " w" << width << " " << x1 << "," << y1 << " " << x2 << "," << y2;
             }
         }
     }
@@ -251,7 +251,9 @@ TEST(Bezier, CurvesBendAndStayBetweenTheirEnds) {
 }
 
 // The whole-number midpoint of the subdivision.
-double Mid(double a, double b) { return static_cast<double>(static_cast<Long>(RoundHalfEven(a + b)) / 2); }
+double Mid(double a, double b) {
+    return static_cast<double>(static_cast<Long>(RoundHalfEven(a + b)) / 2);
+}
 
 // A curve from (8, 8) whose left half has d = 0 while its middle point is
 // elsewhere, found by trying control points around the start.
@@ -299,7 +301,8 @@ TEST(Bezier, ClippedFormDrawsADegenerateLeftHalfUnclipped) {
     unclipped.Draw_EndSession();
     EXPECT_TRUE(Lit(clipped).count({8, 8}));
     for (const auto& [x, y] : Lit(clipped)) {
-        EXPECT_TRUE(Lit(unclipped).count({x, y})) << x << "," << y;  // nothing that is not on the curve
+        EXPECT_TRUE(Lit(unclipped).count({x, y}))
+            << x << "," << y;  // nothing that is not on the curve
     }
 }
 

@@ -18,8 +18,8 @@ TEST(Surface, ScanLinesArePaddedToFourBytesAndSessionsReachIntoThePadding) {
     } rows[] = {
         {5, 3, 24, 16, 5},  // 15 bytes of pixels: the last column index reaches the padding
         {4, 2, 24, 12, 3},  // no padding
-        {1, 1, 24, 4, 1},   {7, 2, 24, 24, 7}, {6, 1, 24, 20, 6}, {3, 1, 8, 4, 3},
-        {5, 1, 8, 8, 7},    {3, 2, 16, 8, 3},  {2, 1, 32, 8, 1},
+        {1, 1, 24, 4, 1},  {7, 2, 24, 24, 7}, {6, 1, 24, 20, 6}, {3, 1, 8, 4, 3},
+        {5, 1, 8, 8, 7},   {3, 2, 16, 8, 3},  {2, 1, 32, 8, 1},
     };
     for (const auto& r : rows) {
         clsGFX_2D gfx;
@@ -55,9 +55,17 @@ TEST(Surface, CreateGivesZeroedMemoryAndANewHandleEachTime) {
 TEST(Surface, UnusableSizesAndDepthsLeaveNoSurface) {
     const struct {
         Long width, height, bits;
-    } rows[] = {{0, 5, 24},  {5, 0, 24},         {-3, 4, 24},     {4, -3, 24},  {4, 4, 12},
-                {4, 4, 1},   {4, 4, 0},          {4, 4, -24},     {100000, 100000, 24},
-                {2147483647, 2147483647, 32},     {2147483647, 1, 24}};
+    } rows[] = {{0, 5, 24},
+                {5, 0, 24},
+                {-3, 4, 24},
+                {4, -3, 24},
+                {4, 4, 12},
+                {4, 4, 1},
+                {4, 4, 0},
+                {4, 4, -24},
+                {100000, 100000, 24},
+                {2147483647, 2147483647, 32},
+                {2147483647, 1, 24}};
     for (const auto& r : rows) {
         clsGFX_2D gfx;
         ASSERT_TRUE(gfx.Create(3, 3));

@@ -21,9 +21,8 @@ int ErrorOf(const std::function<void()>& f) {
 std::vector<std::uint8_t> Bytes(const clsGFX_2D& gfx) {
     const std::uint8_t* p = gfx.Get_ptrDIBSection();
     if (p == nullptr) return {};
-    return std::vector<std::uint8_t>(
-        p, p + static_cast<std::size_t>(gfx.Get_BytesPerScanLine()) *
-                   static_cast<std::size_t>(gfx.Get_Height()));
+    return std::vector<std::uint8_t>(p, p + static_cast<std::size_t>(gfx.Get_BytesPerScanLine()) *
+                                                static_cast<std::size_t>(gfx.Get_Height()));
 }
 
 std::unique_ptr<clsGFX_2D> Clone(const clsGFX_2D& gfx) {
@@ -118,9 +117,9 @@ void Gray(Image& img, Long mask, bool weighted) {
         for (Long x = 0; x < img.width; ++x) {
             const int b = img.At(3 * x, y), g = img.At(3 * x + 1, y), r = img.At(3 * x + 2, y);
             if (b == mb && g == mg && r == mr) continue;
-            const int grey = weighted
-                                 ? static_cast<int>(RoundHalfEven((r * 222 + g * 707 + b * 71) / 1000.0))
-                                 : std::max({b, g, r});
+            const int grey =
+                weighted ? static_cast<int>(RoundHalfEven((r * 222 + g * 707 + b * 71) / 1000.0))
+                         : std::max({b, g, r});
             for (int c = 0; c < 3; ++c) img.At(3 * x + c, y) = static_cast<std::uint8_t>(grey);
         }
     }

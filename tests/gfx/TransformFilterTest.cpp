@@ -19,7 +19,7 @@ using test::RandomFill;
 
 // Switches the vector kernels and the other fast paths on or off for a scope.
 class FastPaths {
-  public:
+public:
     explicit FastPaths(bool on) { gfx_detail::EnableSimd(on); }
     ~FastPaths() { gfx_detail::EnableSimd(true); }
 };

@@ -66,7 +66,8 @@ TEST(FormFile, EveryKindOfValueSurvivesARoundTrip) {
     icon->Row(0)[5] = 200;
     icon->MaskRow(1)[0] = 1;
     c.properties.Set("MouseIcon", Variant(std::shared_ptr<Object>(icon)));
-    c.properties.Set("NoPicture", Variant(std::shared_ptr<Object>(Picture::MakeOfType(PictureType::None))));
+    c.properties.Set("NoPicture",
+                     Variant(std::shared_ptr<Object>(Picture::MakeOfType(PictureType::None))));
     form.controls.push_back(c);
 
     const Form back = ReadForm(WriteForm(form), "form.json", KnownClass);
@@ -88,7 +89,8 @@ TEST(FormFile, EveryKindOfValueSurvivesARoundTrip) {
 
 TEST(FormFile, HostileFilesAreRefusedNamingThePlace) {
     const std::string head = R"({"format":"kelvarin-form","version":1,"controls":[)";
-    const std::string ok = R"({"class":"ProgressBox","name":"bar1","left":0,"top":0,"width":10,"height":10)";
+    const std::string ok =
+        R"({"class":"ProgressBox","name":"bar1","left":0,"top":0,"width":10,"height":10)";
     const struct {
         std::string text;
         std::string expected;
@@ -96,7 +98,8 @@ TEST(FormFile, HostileFilesAreRefusedNamingThePlace) {
         {"", "not a form file"},
         {head + ok, "not a form file"},  // truncated
         {"[1,2]", "expected an object"},
-        {R"({"format":"other","version":1,"controls":[]})", "form.json.format: not a Kelvarin form"},
+        {R"({"format":"other","version":1,"controls":[]})",
+         "form.json.format: not a Kelvarin form"},
         {R"({"format":"kelvarin-form","version":2,"controls":[]})", "unsupported version"},
         {head + ok + R"(,"properties":{"Value":"x"}}, 5]})", "controls[1]: expected an object"},
         {head + R"({"class":"Nope","name":"a","left":0,"top":0,"width":1,"height":1}]})",
@@ -109,14 +112,17 @@ TEST(FormFile, HostileFilesAreRefusedNamingThePlace) {
          "controls[0].width: out of range"},
         {head + R"({"class":"DateBox","name":"a","left":1e300,"top":0,"width":1,"height":1}]})",
          "controls[0].left: out of range"},
-        {head + ok + R"(},)" + R"({"class":"DateBox","name":"BAR1","left":0,"top":0,"width":1,"height":1}]})",
+        {head + ok + R"(},)" +
+             R"({"class":"DateBox","name":"BAR1","left":0,"top":0,"width":1,"height":1}]})",
          "controls[1].name: a second control named"},
         {head + ok + R"(,"properties":{"Value":{"date":"2007-02-30"}}}]})",
          "controls[0].properties.Value.date: expected a date"},
         {head + ok + R"(,"properties":{"Font":{"font":{"name":"A","size":-3}}}}]})",
          "controls[0].properties.Font.font.size: out of range"},
-        {head + ok + R"(,"properties":{"Value":[1]}}]})", "controls[0].properties.Value: unexpected value"},
-        {head + ok + R"(,"properties":{"Value":{"blob":"x"}}}]})", "unknown kind of value \"blob\""},
+        {head + ok + R"(,"properties":{"Value":[1]}}]})",
+         "controls[0].properties.Value: unexpected value"},
+        {head + ok + R"(,"properties":{"Value":{"blob":"x"}}}]})",
+         "unknown kind of value \"blob\""},
         {head + ok + R"(,"properties":{"P":{"picture":{"type":"bitmap","bmp":"Qk0="}}}}]})",
          "controls[0].properties.P.picture.bmp: "},
         {head + ok + R"(,"properties":{"P":{"picture":{"type":"bitmap","bmp":"Q!=="}}}}]})",

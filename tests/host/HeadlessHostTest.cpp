@@ -10,7 +10,8 @@ namespace {
 // A control that counts its timer's ticks and keeps the focus when asked to.
 class Ticker : public Control {
 public:
-    Ticker(std::vector<std::string>& log, std::string tag) : Control("Ticker"), log_(log), tag_(tag) {}
+    Ticker(std::vector<std::string>& log, std::string tag)
+        : Control("Ticker"), log_(log), tag_(tag) {}
     void Show() override {
         timer_ = Site().CreateTimer([this] {
             log_.push_back(tag_ + "@" + std::to_string(Site().TickCount()));
@@ -142,7 +143,7 @@ TEST(RasterSurface, LinesBlitsAndFocusRectangles) {
     EXPECT_EQ(s.GetPixel({0, 0}), RGB(255, 255, 255));
     EXPECT_EQ(s.GetPixel({1, 0}), RGB(0, 0, 0));
     EXPECT_EQ(s.GetPixel({1, 1}), RGB(0, 0, 0));  // inside stays
-    s.DrawFocusRect({0, 0, 4, 3});  // drawing it twice removes it
+    s.DrawFocusRect({0, 0, 4, 3});                // drawing it twice removes it
     EXPECT_EQ(s.GetPixel({0, 0}), RGB(0, 0, 0));
 }
 
@@ -152,7 +153,7 @@ TEST(RasterSurface, HeadlessFontMetrics) {
     RasterSurface s(raster, {0, 0, 100, 40});
     EXPECT_EQ(s.MeasureText("abc", Font("Any", 8)), (Size{21, 15}));
     EXPECT_EQ(s.MeasureText("è!", Font("Any", 12, true)), (Size{2 * 11, 22}));
-    EXPECT_EQ(CharWidth(Font("Any", 4)), 4);  // 3.5 rounds to even
+    EXPECT_EQ(CharWidth(Font("Any", 4)), 4);    // 3.5 rounds to even
     EXPECT_EQ(CharWidth(Font("Any", 20)), 18);  // 17.5 rounds to even
     Rect r{0, 0, 100, 40};
     EXPECT_EQ(s.DrawText("ab", r, DT_CALCRECT, Font("Any", 8), 0), 15);

@@ -123,7 +123,8 @@ TEST_F(DispatchTest, ObjectPropertiesNeedAnObjectOfTheirType) {
     EXPECT_EQ(probe.values[test::kIcon].ToObject(), nullptr);
 
     const std::size_t before = probe.puts.size();
-    EXPECT_EQ(ErrorOf([&] { Set(probe, "Font", Variant(std::make_shared<PictureStandIn>())); }), 13);
+    EXPECT_EQ(ErrorOf([&] { Set(probe, "Font", Variant(std::make_shared<PictureStandIn>())); }),
+              13);
     EXPECT_EQ(ErrorOf([&] { Set(probe, "Icon", Variant(font)); }), 13);
     EXPECT_EQ(ErrorOf([&] { Set(probe, "Font", Variant("Serif")); }), 13);
     EXPECT_EQ(ErrorOf([&] { Set(probe, "Font", Variant()); }), 13);

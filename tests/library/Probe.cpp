@@ -29,7 +29,9 @@ void Probe::PutProperty(DispId id, const Variant& value) {
 Variant Probe::CallMethod(DispId id, std::span<Variant> args) {
     switch (id) {
         case kAdd: return Variant(static_cast<Long>(args[0].ToLong() + args[1].ToLong()));
-        case kBump: args[0] = Variant(static_cast<Integer>(args[0].ToInteger() + 1)); return Variant(Long{7});
+        case kBump:
+            args[0] = Variant(static_cast<Integer>(args[0].ToInteger() + 1));
+            return Variant(Long{7});
         case kRing: {
             Variant count(Long{3});
             RaiseEvent(1, "Rang", {&count, 1});
@@ -66,12 +68,30 @@ const ClassInfo& RegisterProbe() {
             {"Handle", MemberKind::Property, {BaseType::Long}, kHandle, kGet, {}},
             {"Font", MemberKind::Property, {BaseType::Font}, host::DISPID_FONT, kGet | kSet, {}},
             {"Icon", MemberKind::Property, {BaseType::Picture}, kIcon, kGet | kSet, {}},
-            {"Add", MemberKind::Method, {BaseType::Long}, kAdd, 0, {}, false,
+            {"Add",
+             MemberKind::Method,
+             {BaseType::Long},
+             kAdd,
+             0,
+             {},
+             false,
              {{BaseType::Long}, {BaseType::Long}}},
-            {"Bump", MemberKind::Method, {BaseType::Long}, kBump, 0, {}, false,
+            {"Bump",
+             MemberKind::Method,
+             {BaseType::Long},
+             kBump,
+             0,
+             {},
+             false,
              {{BaseType::Integer}}},
             {"Ring", MemberKind::Method, {BaseType::Void}, kRing, 0, {}},
-            {"Type", MemberKind::Method, {BaseType::Integer}, kType, 0, {}, false,
+            {"Type",
+             MemberKind::Method,
+             {BaseType::Integer},
+             kType,
+             0,
+             {},
+             false,
              {{BaseType::Integer}}},
         },
         {
@@ -84,7 +104,8 @@ const ClassInfo& RegisterProbe() {
 }
 
 TempDir::TempDir() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "kelvarin-test-XXXXXX").string();
+    std::string pattern =
+        (std::filesystem::temp_directory_path() / "kelvarin-test-XXXXXX").string();
     if (::mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("mkdtemp failed");
     path_ = pattern;
 }

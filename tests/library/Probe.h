@@ -14,22 +14,22 @@ namespace kelvarin::library::test {
 
 // DISPIDs of the probe's members.
 enum ProbeId : DispId {
-    kNumber = 1,   // Long
-    kSmall,        // Integer
-    kFlag,         // Boolean
-    kRatio,        // Single
-    kAmount,       // Double
-    kWhen,         // Date
-    kCaption,      // String
-    kData,         // Variant
-    kColour,       // OLE_COLOR
-    kMode,         // eAlignment
-    kHandle,       // Long, get only
-    kIcon,         // Picture
-    kAdd,          // method Add(A As Long, B As Long) As Long
-    kBump,         // method Bump(N As Integer): adds one to N
-    kRing,         // method Ring(): raises Rang, returns nothing
-    kType,         // method Type(KeyAscii As Integer) As Integer: raises Typed
+    kNumber = 1,  // Long
+    kSmall,       // Integer
+    kFlag,        // Boolean
+    kRatio,       // Single
+    kAmount,      // Double
+    kWhen,        // Date
+    kCaption,     // String
+    kData,        // Variant
+    kColour,      // OLE_COLOR
+    kMode,        // eAlignment
+    kHandle,      // Long, get only
+    kIcon,        // Picture
+    kAdd,         // method Add(A As Long, B As Long) As Long
+    kBump,        // method Bump(N As Integer): adds one to N
+    kRing,        // method Ring(): raises Rang, returns nothing
+    kType,        // method Type(KeyAscii As Integer) As Integer: raises Typed
 };
 
 class Probe : public host::Control {

@@ -97,10 +97,10 @@ TEST_F(RegistrationTest, UnregisterWithoutARegistryCreatesNothing) {
 
 TEST_F(RegistrationTest, AMalformedFileIsReportedAndLeftUntouched) {
     fs::create_directories(file.parent_path());
-    for (const std::string& text : {std::string("{\"classes\": [ {\"progId\": "), std::string(""),
-                                   std::string("[1, 2, 3]"), std::string("{\"classes\": 5}"),
-                                   std::string("{\"classes\": [\"Kelvarin.DateBox\"]}"),
-                                   std::string("\xFF\xFE garbage")}) {
+    for (const std::string& text :
+         {std::string("{\"classes\": [ {\"progId\": "), std::string(""), std::string("[1, 2, 3]"),
+          std::string("{\"classes\": 5}"), std::string("{\"classes\": [\"Kelvarin.DateBox\"]}"),
+          std::string("\xFF\xFE garbage")}) {
         WriteFile(file, text);
         for (bool registering : {true, false}) {
             try {

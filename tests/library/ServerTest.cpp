@@ -76,7 +76,8 @@ TEST_F(ServerTest, FactoryMakesControlsAndCountsThemAlive) {
     EXPECT_EQ(Get(*native, "Number"), Variant(Long{5}));
 
     void* again = nullptr;
-    ASSERT_EQ(control->vtbl->QueryInterface(control, &KELVARIN_IID_IUNKNOWN, &again), KELVARIN_S_OK);
+    ASSERT_EQ(control->vtbl->QueryInterface(control, &KELVARIN_IID_IUNKNOWN, &again),
+              KELVARIN_S_OK);
     EXPECT_EQ(again, control);
     EXPECT_EQ(control->vtbl->Release(control), 1u);
 
@@ -142,9 +143,11 @@ TEST_F(ServerTest, ServerLocksKeepTheLibraryLoaded) {
 }
 
 TEST_F(ServerTest, AControlThatFailsToStartIsReportedNotThrown) {
-    static const ClassInfo faulty{"Faulty",
-                                  Guid{0x7A0C1D2E, 0x1111, 0x4222, {0x83, 0, 0, 0, 0, 0, 0, 1}},
-                                  "_Faulty", Guid{}, {}, Guid{}, {}, {}};
+    static const ClassInfo faulty{
+        "Faulty",  Guid{0x7A0C1D2E, 0x1111, 0x4222, {0x83, 0, 0, 0, 0, 0, 0, 1}},
+        "_Faulty", Guid{},
+        {},        Guid{},
+        {},        {}};
     ClassRegistry::Instance().Register(faulty, []() -> std::unique_ptr<host::Control> {
         RaiseHostError(HostErrorCode::Overflow);
     });

@@ -28,10 +28,9 @@ TEST(GuidTest, PrintsAndReadsTheRegistryForm) {
     EXPECT_EQ(Guid::Parse("0f9aff12-8b64-47ca-9384-d92b809044bd"), g);
     EXPECT_EQ(Guid{}.ToString(), "{00000000-0000-0000-0000-000000000000}");
 
-    for (const char* bad : {"", "{0F9AFF12-8B64-47CA-9384-D92B809044BD",
-                            "(0F9AFF12-8B64-47CA-9384-D92B809044BD)",
-                            "0F9AFF12-8B64-47CA-9384_D92B809044BD",
-                            "0F9AFF12-8B64-47CA-9384-D92B809044BG"}) {
+    for (const char* bad :
+         {"", "{0F9AFF12-8B64-47CA-9384-D92B809044BD", "(0F9AFF12-8B64-47CA-9384-D92B809044BD)",
+          "0F9AFF12-8B64-47CA-9384_D92B809044BD", "0F9AFF12-8B64-47CA-9384-D92B809044BG"}) {
         EXPECT_FALSE(Guid::Parse(bad).has_value()) << bad;
     }
 }
@@ -88,7 +87,7 @@ TEST(TypeLibTest, FindsClassesByNameProgIdAndGuid) {
     EXPECT_EQ(lib.FindClass("Other.DateBox"), nullptr);
     EXPECT_EQ(lib.FindClass("Kelvarin."), nullptr);
     EXPECT_EQ(lib.FindClass("DateBo"), nullptr);
-    EXPECT_EQ(lib.FindClass("frmMese"), nullptr);  // private
+    EXPECT_EQ(lib.FindClass("frmMese"), nullptr);     // private
     EXPECT_EQ(lib.FindClass(dateBox->iid), nullptr);  // an interface, not a class
 }
 

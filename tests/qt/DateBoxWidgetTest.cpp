@@ -21,7 +21,9 @@
 namespace kelvarin::qt {
 namespace {
 
-QDateTime At(int year, int month, int day) { return QDateTime(QDate(year, month, day), QTime(0, 0), Qt::UTC); }
+QDateTime At(int year, int month, int day) {
+    return QDateTime(QDate(year, month, day), QTime(0, 0), Qt::UTC);
+}
 
 // A window with the field above a line edit that the focus can move to.
 struct Form {
@@ -51,7 +53,9 @@ TEST(DateBoxWidgetTest, QtPropertiesAreTheTypeLibrarysAndBadValuesChangeNothing)
         if (m.kind != library::MemberKind::Property || m.name == "hWnd") continue;
         const int index = meta->indexOfProperty(std::string(m.name).c_str());
         ASSERT_GE(index, 0) << m.name;
-        EXPECT_EQ(meta->property(index).isWritable(), (m.access & (library::kLet | library::kSet)) != 0) << m.name;
+        EXPECT_EQ(meta->property(index).isWritable(),
+                  (m.access & (library::kLet | library::kSet)) != 0)
+            << m.name;
     }
 
     EXPECT_TRUE(w.setProperty("Value", At(2007, 12, 25)));
@@ -63,7 +67,8 @@ TEST(DateBoxWidgetTest, QtPropertiesAreTheTypeLibrarysAndBadValuesChangeNothing)
     // Null empties the field; a time of day survives the trip through QDateTime.
     w.SetValueDB(QVariant::fromValue(nullptr));
     EXPECT_EQ(w.ValueDB().metaType().id(), QMetaType::Nullptr);
-    EXPECT_TRUE(w.displayText().startsWith(QStringLiteral("__ ___"))) << w.displayText().toStdString();
+    EXPECT_TRUE(w.displayText().startsWith(QStringLiteral("__ ___")))
+        << w.displayText().toStdString();
     w.SetDateFormat(QStringLiteral("dd/mm/yyyy hh:nn"));
     w.SetValue(QDateTime(QDate(2024, 3, 31), QTime(2, 30), Qt::UTC));
     EXPECT_EQ(w.Value(), QDateTime(QDate(2024, 3, 31), QTime(2, 30), Qt::UTC));
@@ -85,7 +90,8 @@ TEST(DateBoxWidgetTest, TypedDigitsFillTheFieldsAndArrowsStepIt) {
     QSignalSpy downs(box, &DateBoxWidget::KeyDown);
     QSignalSpy presses(box, &DateBoxWidget::KeyPress);
     QSignalSpy changes(box, &DateBoxWidget::Change);
-    for (Qt::Key k : {Qt::Key_2, Qt::Key_5, Qt::Key_1, Qt::Key_2, Qt::Key_2, Qt::Key_0, Qt::Key_0, Qt::Key_7})
+    for (Qt::Key k :
+         {Qt::Key_2, Qt::Key_5, Qt::Key_1, Qt::Key_2, Qt::Key_2, Qt::Key_0, Qt::Key_0, Qt::Key_7})
         QTest::keyClick(box, k);
     EXPECT_EQ(box->displayText(), QStringLiteral("25/12/2007"));
     EXPECT_EQ(box->Value(), At(2007, 12, 25));

@@ -50,7 +50,8 @@ TEST(DesignerPluginTest, ThePluginMakesEachWidgetWithItsProperties) {
     ASSERT_NE(date, nullptr);
     EXPECT_TRUE(date->setProperty("DateFormat", QStringLiteral("mm/yyyy")));
     EXPECT_TRUE(date->setProperty("Value", QDateTime(QDate(2007, 12, 25), QTime(), Qt::UTC)));
-    EXPECT_EQ(date->property("Value").toDateTime().date(), QDate(2007, 12, 1));  // no day field: the 1st
+    EXPECT_EQ(date->property("Value").toDateTime().date(),
+              QDate(2007, 12, 1));  // no day field: the 1st
     EXPECT_TRUE(date->setProperty("Alignment", 2));
     EXPECT_EQ(date->property("Alignment").toInt(), 2);
 }

@@ -15,9 +15,9 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include "apps/gallery/DatePage.h"
 #include "host/FormFile.h"
 #include "library/ClassFactory.h"
-#include "apps/gallery/DatePage.h"
 #include "qt/DateBoxWidget.h"
 #include "qt/ProgressBoxWidget.h"
 
@@ -50,7 +50,8 @@ TEST(GalleryTest, SavesItsBarsAndTakesTheirPropertiesBackFromAForm) {
     EXPECT_EQ(Bar(window, "playground")->Text(), QStringLiteral("Progress"));
 
     // The file keeps each bar's place in the window.
-    const host::Form form = host::LoadFormFile(path.toStdString(), [](std::string_view) { return true; });
+    const host::Form form =
+        host::LoadFormFile(path.toStdString(), [](std::string_view) { return true; });
     ASSERT_EQ(form.controls.size(), 18u);
     for (const host::FormControl& entry : form.controls) {
         const qt::ControlWidget* w = window.control(QString::fromStdString(entry.name));
@@ -107,9 +108,11 @@ TEST(GalleryTest, TheJobRunsToItsEndWithALiveReadout) {
     window.startJob(600);
     QSignalSpy ticks(job, &ProgressBoxWidget::TimerChange);
     ASSERT_TRUE(ticks.wait(3000));
-    EXPECT_TRUE(window.jobReadout().startsWith(QStringLiteral("Elapsed"))) << window.jobReadout().toStdString();
+    EXPECT_TRUE(window.jobReadout().startsWith(QStringLiteral("Elapsed")))
+        << window.jobReadout().toStdString();
     QTRY_COMPARE_WITH_TIMEOUT(job->Value(), 100.0, 5000);
-    EXPECT_TRUE(window.jobReadout().startsWith(QStringLiteral("Done in"))) << window.jobReadout().toStdString();
+    EXPECT_TRUE(window.jobReadout().startsWith(QStringLiteral("Done in")))
+        << window.jobReadout().toStdString();
     EXPECT_GE(window.timerChanges(), 1);
 }
 
@@ -120,13 +123,15 @@ TEST(GalleryTest, TheDatePageReadsOutTheBoxTypedIntoAndKeepsItsControlsInStep) {
     window.show();
     QApplication::setActiveWindow(&window);
     QApplication::processEvents();
-    EXPECT_TRUE(status.isEmpty()) << status.at(0).at(0).toString().toStdString();  // no control complained
+    EXPECT_TRUE(status.isEmpty())
+        << status.at(0).at(0).toString().toStdString();  // no control complained
 
     auto* empty = qobject_cast<qt::DateBoxWidget*>(window.control(QStringLiteral("nullable")));
     ASSERT_NE(empty, nullptr);
     EXPECT_EQ(empty->ValueDB().metaType().id(), QMetaType::Nullptr);
     empty->setFocus(Qt::TabFocusReason);
-    for (Qt::Key k : {Qt::Key_0, Qt::Key_9, Qt::Key_0, Qt::Key_3, Qt::Key_2, Qt::Key_0, Qt::Key_0, Qt::Key_7})
+    for (Qt::Key k :
+         {Qt::Key_0, Qt::Key_9, Qt::Key_0, Qt::Key_3, Qt::Key_2, Qt::Key_0, Qt::Key_0, Qt::Key_7})
         QTest::keyClick(empty, k);
     EXPECT_EQ(empty->displayText(), QStringLiteral("09/03/2007"));
     DatePage* page = window.datePage();
@@ -177,7 +182,8 @@ TEST(GalleryTest, TheProgramSavesLoadsAndTakesAScreenshot) {
     const QString second = dir.filePath(QStringLiteral("second.json"));
     const QString picture = dir.filePath(QStringLiteral("gallery.png"));
 
-    const ProgramRun saved = Gallery({QStringLiteral("--save"), first, QStringLiteral("--screenshot"), picture});
+    const ProgramRun saved =
+        Gallery({QStringLiteral("--save"), first, QStringLiteral("--screenshot"), picture});
     ASSERT_EQ(saved.exitCode, 0) << saved.err.toStdString();
     EXPECT_TRUE(saved.out.contains(picture));
 
@@ -195,7 +201,8 @@ TEST(GalleryTest, TheProgramSavesLoadsAndTakesAScreenshot) {
     // 31/12/9980) the one time it does so.
     const QString third = dir.filePath(QStringLiteral("third.json"));
     for (const auto& [from, to] : {std::pair{first, second}, std::pair{second, third}}) {
-        const ProgramRun again = Gallery({QStringLiteral("--form"), from, QStringLiteral("--save"), to});
+        const ProgramRun again =
+            Gallery({QStringLiteral("--form"), from, QStringLiteral("--save"), to});
         ASSERT_EQ(again.exitCode, 0) << again.err.toStdString();
     }
     QFile b(second), c(third);
@@ -205,16 +212,19 @@ TEST(GalleryTest, TheProgramSavesLoadsAndTakesAScreenshot) {
     EXPECT_EQ(settled, c.readAll());
     EXPECT_EQ(settled.count("\"9980-12-31T00:00:00\""), 8);  // all date fields but the limited one
 
-    const ProgramRun missing = Gallery({QStringLiteral("--form"), dir.filePath(QStringLiteral("none.json")),
-                                 QStringLiteral("--save"), second});
+    const ProgramRun missing =
+        Gallery({QStringLiteral("--form"), dir.filePath(QStringLiteral("none.json")),
+                 QStringLiteral("--save"), second});
     EXPECT_EQ(missing.exitCode, 1);
     EXPECT_TRUE(missing.err.contains(QStringLiteral("none.json"))) << missing.err.toStdString();
 
     EXPECT_EQ(Gallery({QStringLiteral("surplus")}).exitCode, 2);
-    EXPECT_EQ(Gallery({QStringLiteral("--page"), QStringLiteral("nowhere"), QStringLiteral("--save"), second}).exitCode,
+    EXPECT_EQ(Gallery({QStringLiteral("--page"), QStringLiteral("nowhere"),
+                       QStringLiteral("--save"), second})
+                  .exitCode,
               2);
-    const ProgramRun dates =
-        Gallery({QStringLiteral("--page"), QStringLiteral("DateBox"), QStringLiteral("--screenshot"), picture});
+    const ProgramRun dates = Gallery({QStringLiteral("--page"), QStringLiteral("DateBox"),
+                                      QStringLiteral("--screenshot"), picture});
     ASSERT_EQ(dates.exitCode, 0) << dates.err.toStdString();
     EXPECT_FALSE(dates.err.contains(QStringLiteral("error"))) << dates.err.toStdString();
     EXPECT_NE(QImage(picture), image);

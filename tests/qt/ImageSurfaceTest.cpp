@@ -75,7 +75,7 @@ TEST_F(ImageSurfaceTest, DrawingStaysInsideTheViewAndLinesLeaveOutTheirEnd) {
     surface_.DrawLine({0, 1}, {4, 1}, RGB(200, 0, 0));
     EXPECT_EQ(surface_.GetPixel({0, 1}), RGB(200, 0, 0));
     EXPECT_EQ(surface_.GetPixel({3, 1}), RGB(200, 0, 0));
-    EXPECT_EQ(surface_.GetPixel({4, 1}), RGB(9, 9, 9));  // the end point
+    EXPECT_EQ(surface_.GetPixel({4, 1}), RGB(9, 9, 9));   // the end point
     surface_.DrawLine({-3, 0}, {20, 0}, RGB(0, 200, 0));  // clipped, not wrapped
     EXPECT_EQ(ImageAt(1, 2), kPaper);
     EXPECT_EQ(ImageAt(7, 2), kPaper);
@@ -90,15 +90,16 @@ TEST_F(ImageSurfaceTest, ARasterSurfaceBlitsExactlyIntoTheView) {
     ASSERT_TRUE(gfx.Create(12, 5, 24));  // one wider and taller than the view
     gfx.Draw_StartSession();
     gfx.Color_Fill(static_cast<Long>(RGB(10, 20, 30)));
-    for (Long x = 0; x < 12; ++x) gfx.Draw_Line(x, 0, x, 4, static_cast<Long>(RGB(x * 20, 0, 255 - x * 20)));
+    for (Long x = 0; x < 12; ++x)
+        gfx.Draw_Line(x, 0, x, 4, static_cast<Long>(RGB(x * 20, 0, 255 - x * 20)));
     gfx.Draw_EndSession();
     ASSERT_TRUE(gfx.BitBlt_PaintPicture(&surface_, 0, 0, -1, -1, 0, 0, SRCCOPY));
     for (int x = 0; x < 11; ++x) {
         EXPECT_EQ(surface_.GetPixel({x, 0}), RGB(x * 20, 0, 255 - x * 20)) << x;
         EXPECT_EQ(surface_.GetPixel({x, 3}), RGB(x * 20, 0, 255 - x * 20)) << x;
     }
-    EXPECT_EQ(ImageAt(0, 1), kPaper);    // the border stays
-    EXPECT_EQ(ImageAt(12, 1), kPaper);   // the surface's extra column falls outside
+    EXPECT_EQ(ImageAt(0, 1), kPaper);   // the border stays
+    EXPECT_EQ(ImageAt(12, 1), kPaper);  // the surface's extra column falls outside
     EXPECT_EQ(ImageAt(5, 5), kPaper);
 }
 
@@ -114,7 +115,8 @@ TEST_F(ImageSurfaceTest, TextIsMeasuredByQtAndPlacedByTheFormatFlags) {
 
     // Measuring wraps at blanks to fit and draws nothing.
     host::Rect calc{0, 0, fm.horizontalAdvance(QStringLiteral("alpha beta")) + 2, 0};
-    surface_.DrawText("alpha beta alpha beta", calc, host::DT_WORDBREAK | host::DT_CALCRECT, font, 0);
+    surface_.DrawText("alpha beta alpha beta", calc, host::DT_WORDBREAK | host::DT_CALCRECT, font,
+                      0);
     EXPECT_EQ(calc.bottom, 2 * fm.height());
     EXPECT_EQ(InkColumns().first, -1);
 

@@ -9,12 +9,12 @@
 #include <QApplication>
 #include <QCursor>
 #include <QDate>
-#include <QScreen>
 #include <QDir>
 #include <QFile>
 #include <QLayout>
 #include <QMetaProperty>
 #include <QMouseEvent>
+#include <QScreen>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
@@ -45,7 +45,8 @@ OLE_COLOR Shown(const QImage& image, int x, int y) {
 
 // A left-button mouse event with its time stamp, delivered as the window system would.
 void SendMouse(QWidget& w, QEvent::Type type, QPoint at, quint64 timestamp) {
-    const Qt::MouseButtons held = type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton;
+    const Qt::MouseButtons held =
+        type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton;
     QMouseEvent event(type, at, w.mapToGlobal(at), Qt::LeftButton, held, Qt::NoModifier);
     event.setTimestamp(timestamp);
     QApplication::sendEvent(&w, &event);
@@ -55,7 +56,9 @@ void SendMouse(QWidget& w, QEvent::Type type, QPoint at, quint64 timestamp) {
 std::vector<std::pair<std::string, Variant>> DispatchState(host::Control& control) {
     std::vector<std::pair<std::string, Variant>> out;
     for (const library::MemberInfo& m : library::ClassOf(control).members) {
-        if (m.kind != library::MemberKind::Property || !(m.access & library::kGet) || m.name == "hWnd") continue;
+        if (m.kind != library::MemberKind::Property || !(m.access & library::kGet) ||
+            m.name == "hWnd")
+            continue;
         out.emplace_back(std::string(m.name), library::Get(control, m.dispid));
     }
     return out;
@@ -66,10 +69,13 @@ std::vector<std::pair<std::string, Variant>> DispatchState(host::Control& contro
 // numbers), text by content, fonts by the font they stand for.
 bool SameThroughQt(const QVariant& qt, const Variant& dispatch) {
     const QVariant expected = ControlWidget::FromVariant(dispatch);
-    if (qt.metaType().id() == QMetaType::QFont) return FromQFont(qt.value<QFont>()) == FromQFont(expected.value<QFont>());
-    if (qt.metaType().id() == QMetaType::QPixmap) return qt.value<QPixmap>().isNull() == expected.isNull();
+    if (qt.metaType().id() == QMetaType::QFont)
+        return FromQFont(qt.value<QFont>()) == FromQFont(expected.value<QFont>());
+    if (qt.metaType().id() == QMetaType::QPixmap)
+        return qt.value<QPixmap>().isNull() == expected.isNull();
     if (qt.metaType().id() == QMetaType::QString) return qt.toString() == expected.toString();
-    if (qt.metaType().id() == QMetaType::Double || qt.metaType().id() == QMetaType::Bool) return qt == expected;
+    if (qt.metaType().id() == QMetaType::Double || qt.metaType().id() == QMetaType::Bool)
+        return qt == expected;
     return static_cast<quint32>(qt.toLongLong()) == static_cast<quint32>(expected.toLongLong());
 }
 
@@ -81,7 +87,9 @@ TEST(ProgressBoxWidgetTest, EveryTypeLibraryPropertyIsAQtPropertyOfTheSameName) 
         if (m.kind != library::MemberKind::Property) continue;
         const int index = meta->indexOfProperty(std::string(m.name).c_str());
         ASSERT_GE(index, 0) << m.name;
-        EXPECT_EQ(meta->property(index).isWritable(), (m.access & (library::kLet | library::kSet)) != 0) << m.name;
+        EXPECT_EQ(meta->property(index).isWritable(),
+                  (m.access & (library::kLet | library::kSet)) != 0)
+            << m.name;
         ++count;
     }
     EXPECT_EQ(count, 21);
@@ -122,7 +130,8 @@ TEST(ProgressBoxWidgetTest, WritesThroughSetPropertyAndThroughDispatchAgree) {
         {"Appearance", 0, Variant(Long(0))},
         {"MousePointer", 11, Variant(Integer(11))},
         {"TimerChangedInterval", 100, Variant(Long(100))},
-        {"Font", font, Variant(std::shared_ptr<Object>(std::make_shared<Font>(FromQFont(font)))), true},
+        {"Font", font, Variant(std::shared_ptr<Object>(std::make_shared<Font>(FromQFont(font)))),
+         true},
         {"Enabled", false, Variant(false)},
     };
     for (const Write& w : writes) {
@@ -131,7 +140,8 @@ TEST(ProgressBoxWidgetTest, WritesThroughSetPropertyAndThroughDispatchAgree) {
         ASSERT_NE(member, nullptr) << w.name;
         if (w.object) library::Set(*viaDispatch.control(), member->dispid, w.dispatch);
         else library::Let(*viaDispatch.control(), member->dispid, w.dispatch);
-        EXPECT_EQ(viaQt.lastErrorNumber(), 0) << w.name << ": " << viaQt.lastErrorText().toStdString();
+        EXPECT_EQ(viaQt.lastErrorNumber(), 0)
+            << w.name << ": " << viaQt.lastErrorText().toStdString();
     }
     const auto a = DispatchState(*viaQt.control());
     const auto b = DispatchState(*viaDispatch.control());
@@ -158,7 +168,8 @@ TEST(ProgressBoxWidgetTest, AWriteNotifiesInTheControlsOrder) {
     notified.clear();
     w.SetValue(40);
     w.SetMinValue(60);
-    EXPECT_EQ(Names(notified), (QStringList{"Value", "Percentual", "Value", "MinValue", "Percentual"}));
+    EXPECT_EQ(Names(notified),
+              (QStringList{"Value", "Percentual", "Value", "MinValue", "Percentual"}));
     notified.clear();
     w.SetPercentual(50);
     EXPECT_EQ(Names(notified), (QStringList{"Percentual", "Value"}));
@@ -203,7 +214,8 @@ TEST(ProgressBoxWidgetTest, InputRaisesEventsInTheHostsOrderInClientCoordinates)
 
     events.clear();
     QTest::mouseClick(&w, Qt::RightButton, Qt::NoModifier, QPoint(30, 10), 600);
-    EXPECT_EQ(Names(events, 1), (QStringList{"MouseDown", "MouseUp"}));  // no Click for the right button
+    EXPECT_EQ(Names(events, 1),
+              (QStringList{"MouseDown", "MouseUp"}));  // no Click for the right button
     EXPECT_EQ(events.at(0).at(2).toList().at(0).toInt(), 2);
 
     // A double click as Qt delivers it: press, release, press, double
@@ -214,14 +226,16 @@ TEST(ProgressBoxWidgetTest, InputRaisesEventsInTheHostsOrderInClientCoordinates)
     SendMouse(w, QEvent::MouseButtonPress, QPoint(21, 8), 100150);
     SendMouse(w, QEvent::MouseButtonDblClick, QPoint(21, 8), 100150);
     SendMouse(w, QEvent::MouseButtonRelease, QPoint(21, 8), 100170);
-    EXPECT_EQ(Names(events, 1), (QStringList{"MouseDown", "MouseUp", "Click", "DblClick", "MouseUp"}));
+    EXPECT_EQ(Names(events, 1),
+              (QStringList{"MouseDown", "MouseUp", "Click", "DblClick", "MouseUp"}));
     // Two clicks further apart in time are two clicks.
     events.clear();
     SendMouse(w, QEvent::MouseButtonPress, QPoint(20, 8), 200000);
     SendMouse(w, QEvent::MouseButtonRelease, QPoint(20, 8), 200020);
     SendMouse(w, QEvent::MouseButtonPress, QPoint(20, 8), 203000);
     SendMouse(w, QEvent::MouseButtonRelease, QPoint(20, 8), 203020);
-    EXPECT_EQ(Names(events, 1), (QStringList{"MouseDown", "MouseUp", "Click", "MouseDown", "MouseUp", "Click"}));
+    EXPECT_EQ(Names(events, 1),
+              (QStringList{"MouseDown", "MouseUp", "Click", "MouseDown", "MouseUp", "Click"}));
 
     events.clear();
     QTest::mouseMove(&w, QPoint(50, 12));
@@ -240,9 +254,10 @@ TEST(ProgressBoxWidgetTest, InputRaisesEventsInTheHostsOrderInClientCoordinates)
         for (const QVariant& a : e.at(2).toList()) args << a.toString();
         seen << e.at(1).toString() + "(" + args.join(", ") + ")";
     }
-    EXPECT_EQ(seen, (QStringList{"KeyDown(16, 1)", "KeyDown(65, 1)", "KeyPress(65)", "KeyUp(65, 1)", "KeyUp(16, 0)",
-                                 "KeyDown(101, 0)", "KeyPress(53)", "KeyUp(101, 0)",
-                                 "KeyDown(17, 2)", "KeyDown(37, 2)", "KeyUp(37, 2)", "KeyUp(17, 0)"}));
+    EXPECT_EQ(seen,
+              (QStringList{"KeyDown(16, 1)", "KeyDown(65, 1)", "KeyPress(65)", "KeyUp(65, 1)",
+                           "KeyUp(16, 0)", "KeyDown(101, 0)", "KeyPress(53)", "KeyUp(101, 0)",
+                           "KeyDown(17, 2)", "KeyDown(37, 2)", "KeyUp(37, 2)", "KeyUp(17, 0)"}));
 
     // A disabled control takes no input.
     events.clear();
@@ -409,7 +424,8 @@ TEST(ProgressBoxWidgetTest, FormsKeepClassNameGeometryAndPropertiesAndRefuseBadF
     EXPECT_FALSE(SaveForm(dir.filePath(QStringLiteral("no/such/dir/form.json")), {a}).isEmpty());
 
     EXPECT_EQ(CreateControlWidget(QStringLiteral("NoSuchControl")), nullptr);
-    std::unique_ptr<ControlWidget> generic(CreateControlWidget(QStringLiteral("Kelvarin.ProgressBox")));
+    std::unique_ptr<ControlWidget> generic(
+        CreateControlWidget(QStringLiteral("Kelvarin.ProgressBox")));
     ASSERT_NE(generic, nullptr);
     EXPECT_EQ(generic->className(), QStringLiteral("ProgressBox"));
 }
@@ -458,7 +474,9 @@ TEST(ProgressBoxWidgetTest, TheSiteAnswersFromTheWidgetAndTheScreen) {
 class TestPopup : public host::Popup {
 public:
     host::Size ClientSize() override { return {80, 40}; }
-    void Paint(host::Surface& surface) override { surface.FillRect({0, 0, 80, 40}, RGB(0, 128, 0)); }
+    void Paint(host::Surface& surface) override {
+        surface.FillRect({0, 0, 80, 40}, RGB(0, 128, 0));
+    }
     void KeyDown(Integer& keyCode, Integer) override {
         keys.push_back(keyCode);
         if (keyCode == 27) open = false;
@@ -496,7 +514,8 @@ TEST(ProgressBoxWidgetTest, APopupRunsModallyUntilItClosesOrLosesActivation) {
 
     TestPopup second;
     QTimer::singleShot(0, [] {
-        if (QWidget* window = QApplication::activePopupWidget()) window->hide();  // as a click elsewhere does
+        if (QWidget* window = QApplication::activePopupWidget())
+            window->hide();  // as a click elsewhere does
     });
     w.ShowModal(second, {5, 5});
     EXPECT_EQ(second.deactivated, 1);

@@ -78,16 +78,13 @@ TEST(QtPlatformTest, ModifiersAndButtonsBecomeTheHostsMasks) {
 
 TEST(QtPlatformTest, QtDateFormatsBecomeFormatterPatterns) {
     const std::pair<const char*, const char*> dates[] = {
-        {"d.M.yy", "d.m.yyyy"},
-        {"dd/MM/yy", "dd/mm/yyyy"},
-        {"M/d/yy", "m/d/yyyy"},
-        {"yyyy-MM-dd", "yyyy-mm-dd"},
-        {"dd MMM yyyy", "dd mmm yyyy"},
-        {"dddd d 'de' MMMM", "dddd d \"de\" mmmm"},
-        {"d 'it''s'", "d \"it's\""},
-        {"yy/MM/dd 'n'", "yyyy/mm/dd \"n\""},
+        {"d.M.yy", "d.m.yyyy"},         {"dd/MM/yy", "dd/mm/yyyy"},
+        {"M/d/yy", "m/d/yyyy"},         {"yyyy-MM-dd", "yyyy-mm-dd"},
+        {"dd MMM yyyy", "dd mmm yyyy"}, {"dddd d 'de' MMMM", "dddd d \"de\" mmmm"},
+        {"d 'it''s'", "d \"it's\""},    {"yy/MM/dd 'n'", "yyyy/mm/dd \"n\""},
     };
-    for (const auto& [qt, ours] : dates) EXPECT_EQ(DatePatternFrom(QString::fromUtf8(qt), true), ours) << qt;
+    for (const auto& [qt, ours] : dates)
+        EXPECT_EQ(DatePatternFrom(QString::fromUtf8(qt), true), ours) << qt;
     EXPECT_EQ(DatePatternFrom(QStringLiteral("d.M.yy"), false), "d.m.yy");
     EXPECT_EQ(DatePatternFrom(QStringLiteral("h:mm:ss AP"), false), "h:nn:ss AM/PM");
     EXPECT_EQ(DatePatternFrom(QStringLiteral("HH:mm:ss t"), false), "hh:nn:ss");
@@ -154,7 +151,8 @@ TEST(QtPlatformTest, TickCountIsTheMonotonicClockInMillisecondsTruncated) {
     const std::uint32_t before = now();
     const std::uint32_t tick = TickCount();
     const std::uint32_t after = now();
-    EXPECT_LE(static_cast<std::uint32_t>(tick - before), static_cast<std::uint32_t>(after - before));
+    EXPECT_LE(static_cast<std::uint32_t>(tick - before),
+              static_cast<std::uint32_t>(after - before));
 }
 
 TEST(QtPlatformTest, FontsAndColoursRoundTrip) {

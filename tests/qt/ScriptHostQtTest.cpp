@@ -55,13 +55,15 @@ TEST(ScriptHostQtTest, QtFontsChangeTheTextAndNothingElse) {
     EXPECT_EQ(plain.exitCode, 1);  // the last line fails on purpose, in both
     EXPECT_EQ(qt.exitCode, 1);
     EXPECT_EQ(qt.out, plain.out);
-    EXPECT_TRUE(qt.out.contains(QStringLiteral("bar1.TimerChange(200, 500)"))) << qt.out.toStdString();
+    EXPECT_TRUE(qt.out.contains(QStringLiteral("bar1.TimerChange(200, 500)")))
+        << qt.out.toStdString();
 
     const QImage bitmap(dir.filePath(QStringLiteral("bar.bmp")));
     const QImage png(dir.filePath(QStringLiteral("bar.png")));
     ASSERT_FALSE(png.isNull());
     ASSERT_EQ(png.size(), QSize(200, 24));
-    EXPECT_EQ(png.convertToFormat(QImage::Format_RGB32), bitmap.convertToFormat(QImage::Format_RGB32));
+    EXPECT_EQ(png.convertToFormat(QImage::Format_RGB32),
+              bitmap.convertToFormat(QImage::Format_RGB32));
 
     // Qt's text is anti-aliased: shades between the ink and the bar, which
     // the fixed-metric blocks never have.
