@@ -60,8 +60,8 @@ void Control::PropertyChanged(std::string_view name) {
     if (site_ != nullptr) site_->PropertyChanged(name);
 }
 
-void Control::RaiseEvent(int number, std::string_view name, std::span<Variant> args) {
-    if (site_ != nullptr) site_->RaiseEvent(number, name, args);
+void Control::RaiseEvent(int number, std::span<Variant> args) {
+    if (site_ != nullptr) site_->RaiseEvent(number, args);
 }
 
 }  // namespace kelvarin::host

@@ -104,7 +104,7 @@ public:
 
 protected:
     void PropertyChanged(std::string_view name);
-    void RaiseEvent(int number, std::string_view name, std::span<Variant> args);
+    void RaiseEvent(int number, std::span<Variant> args);
 
 private:
     std::string className_;

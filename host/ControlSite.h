@@ -27,9 +27,10 @@ public:
 
     // ---- Container notifications
     virtual void PropertyChanged(std::string_view name) = 0;
-    // An event to the container: its number in the event interface, its name,
-    // and its arguments, which the container may change (passed by reference).
-    virtual void RaiseEvent(int number, std::string_view name, std::span<Variant> args) = 0;
+    // An event to the container: its number in the event interface (the type
+    // library names it) and its arguments, which the container may change
+    // (passed by reference).
+    virtual void RaiseEvent(int number, std::span<Variant> args) = 0;
 
     // ---- Ambient properties and extender
     virtual std::shared_ptr<Font> AmbientFont() = 0;

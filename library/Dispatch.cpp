@@ -113,6 +113,12 @@ const ClassInfo& ClassOf(const host::Control& control) {
     return *info;
 }
 
+std::string_view EventName(const host::Control& control, int number) {
+    const ClassInfo* info = ClassRegistry::Instance().Find(control.TypeName());
+    const EventInfo* event = info ? info->FindEvent(number) : nullptr;
+    return event ? event->name : std::string_view();
+}
+
 Variant Get(host::Control& control, std::string_view member) {
     return DoGet(control, Member(control, member));
 }

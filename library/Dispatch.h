@@ -23,6 +23,10 @@ Variant ConvertTo(const TypeRef& type, const Variant& value);
 // ClassRegistry; a control of an unregistered class raises 438.
 const ClassInfo& ClassOf(const host::Control& control);
 
+// The type library's name of a control's event, by its number; empty for
+// a number the class does not have.
+std::string_view EventName(const host::Control& control, int number);
+
 // The member is looked up by name (case-insensitive) or DISPID, its accessor
 // checked, the value converted, then the control called. Object doesn't
 // support this property or method (438) for an unknown member, a Let on a

@@ -385,9 +385,10 @@ void ControlWidget::PropertyChanged(std::string_view name) {
     emit propertyChanged(QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size())));
 }
 
-void ControlWidget::RaiseEvent(int number, std::string_view name, std::span<Variant> args) {
+void ControlWidget::RaiseEvent(int number, std::span<Variant> args) {
     QVariantList list;
     for (const Variant& a : args) list.append(FromVariant(a));
+    const std::string_view name = library::EventName(*control_, number);
     emit eventRaised(number, QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size())),
                      list);
     emitTypedEvent(number, list);

@@ -118,7 +118,7 @@ protected:
 public:
     // ---- ControlSite ------------------------------------------------------------
     void PropertyChanged(std::string_view name) override;
-    void RaiseEvent(int number, std::string_view name, std::span<Variant> args) override;
+    void RaiseEvent(int number, std::span<Variant> args) override;
     std::shared_ptr<Font> AmbientFont() override;
     bool AmbientDisplayAsDefault() override { return displayAsDefault_; }
     std::string ExtenderName() override;

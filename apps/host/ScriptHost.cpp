@@ -59,6 +59,7 @@ bool IsColor(const library::ClassInfo& info, std::string_view member) {
 
 ScriptHost::ScriptHost(std::ostream& out) : out_(out) {
     host_.modalLoop = [this](host::Popup& popup, host::Point screen) { RunModal(popup, screen); };
+    host_.eventNames = library::EventName;
 }
 
 bool ScriptHost::Run(std::istream& in) {

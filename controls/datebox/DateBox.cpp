@@ -71,7 +71,7 @@ host::Size DateBox::Measure(std::string_view text) const {
 
 int DateBox::UnderscoreWidth() const { return Measure("_").width; }
 
-void DateBox::RaiseChange() { RaiseEvent(kChange, "Change", {}); }
+void DateBox::RaiseChange() { RaiseEvent(kChange, {}); }
 
 // ---- Value model --------------------------------------------------------------
 
@@ -736,10 +736,9 @@ int DateBox::CaretAt(const TextBoxElement& box, Single x) const {
     return length;
 }
 
-void DateBox::RaiseMouse(int number, const char* name, Integer button, Integer shift, Single x,
-                         Single y) {
+void DateBox::RaiseMouse(int number, Integer button, Integer shift, Single x, Single y) {
     Variant args[] = {Variant(button), Variant(shift), Variant(x), Variant(y)};
-    RaiseEvent(number, name, args);
+    RaiseEvent(number, args);
 }
 
 // Boxes and labels report the press in the whole control's coordinates,
@@ -768,7 +767,7 @@ void DateBox::MouseDown(Integer button, Integer shift, Single x, Single y) {
         }
     }
     Redraw();
-    RaiseMouse(kMouseDown, "MouseDown", button, shift, x, y);
+    RaiseMouse(kMouseDown, button, shift, x, y);
 }
 
 void DateBox::MouseMove(Integer button, Integer shift, Single x, Single y) {
@@ -781,7 +780,7 @@ void DateBox::MouseMove(Integer button, Integer shift, Single x, Single y) {
         b.selLength = std::abs(caret - selAnchor_);
         Redraw();
     }
-    RaiseMouse(kMouseMove, "MouseMove", button, shift, x, y);
+    RaiseMouse(kMouseMove, button, shift, x, y);
 }
 
 // A click that left only a caret selects the whole field.
@@ -797,7 +796,7 @@ void DateBox::MouseUp(Integer button, Integer shift, Single x, Single y) {
         SelectBox(hit.index);
         Redraw();
     }
-    RaiseMouse(kMouseUp, "MouseUp", button, shift, x, y);
+    RaiseMouse(kMouseUp, button, shift, x, y);
 }
 
 // ---- Keyboard -------------------------------------------------------------------------
@@ -820,7 +819,7 @@ void DateBox::KeyDown(Integer& keyCode, Integer shift) {
     Redraw();
     // The container sees the key after its effect, focus moves included.
     Variant args[] = {Variant(received), Variant(shift)};
-    RaiseEvent(kKeyDown, "KeyDown", args);
+    RaiseEvent(kKeyDown, args);
     keyCode = 0;
 }
 
@@ -828,13 +827,13 @@ void DateBox::KeyDown(Integer& keyCode, Integer shift) {
 void DateBox::KeyPress(Integer& keyAscii) {
     focusJustArrived_ = false;
     Variant args[] = {Variant(keyAscii)};
-    RaiseEvent(kKeyPress, "KeyPress", args);
+    RaiseEvent(kKeyPress, args);
     keyAscii = 0;
 }
 
 void DateBox::KeyUp(Integer& keyCode, Integer shift) {
     Variant args[] = {Variant(keyCode), Variant(shift)};
-    RaiseEvent(kKeyUp, "KeyUp", args);
+    RaiseEvent(kKeyUp, args);
 }
 
 // Only the first matching row acts; keys without a row do nothing here.

@@ -217,8 +217,7 @@ private:
     void SelectCharacter(int box, int position);
     // lblValueChanged's change handler: takes over the date in its caption.
     void TakeCalendarDate();
-    void RaiseMouse(int number, const char* name, Integer button, Integer shift, Single x,
-                    Single y);
+    void RaiseMouse(int number, Integer button, Integer shift, Single x, Single y);
     const Locale& Loc() const;
     host::Size Measure(std::string_view text) const;
     Long DaysInPartsMonth() const;

@@ -293,39 +293,38 @@ void ProgressBox::Paint() {
 
 void ProgressBox::KeyDown(Integer& keyCode, Integer shift) {
     Variant args[] = {Variant(keyCode), Variant(shift)};
-    RaiseEvent(kKeyDown, "KeyDown", args);
+    RaiseEvent(kKeyDown, args);
 }
 
 void ProgressBox::KeyPress(Integer& keyAscii) {
     Variant args[] = {Variant(keyAscii)};
-    RaiseEvent(kKeyPress, "KeyPress", args);
+    RaiseEvent(kKeyPress, args);
 }
 
 void ProgressBox::KeyUp(Integer& keyCode, Integer shift) {
     Variant args[] = {Variant(keyCode), Variant(shift)};
-    RaiseEvent(kKeyUp, "KeyUp", args);
+    RaiseEvent(kKeyUp, args);
 }
 
-void ProgressBox::RaiseMouse(int number, const char* name, Integer button, Integer shift, Single x,
-                             Single y) {
+void ProgressBox::RaiseMouse(int number, Integer button, Integer shift, Single x, Single y) {
     Variant args[] = {Variant(button), Variant(shift), Variant(x), Variant(y)};
-    RaiseEvent(number, name, args);
+    RaiseEvent(number, args);
 }
 
 void ProgressBox::MouseDown(Integer button, Integer shift, Single x, Single y) {
-    RaiseMouse(kMouseDown, "MouseDown", button, shift, x, y);
+    RaiseMouse(kMouseDown, button, shift, x, y);
 }
 
 void ProgressBox::MouseMove(Integer button, Integer shift, Single x, Single y) {
-    RaiseMouse(kMouseMove, "MouseMove", button, shift, x, y);
+    RaiseMouse(kMouseMove, button, shift, x, y);
 }
 
 void ProgressBox::MouseUp(Integer button, Integer shift, Single x, Single y) {
-    RaiseMouse(kMouseUp, "MouseUp", button, shift, x, y);
+    RaiseMouse(kMouseUp, button, shift, x, y);
 }
 
-void ProgressBox::Click() { RaiseEvent(kClick, "Click", {}); }
-void ProgressBox::DblClick() { RaiseEvent(kDblClick, "DblClick", {}); }
+void ProgressBox::Click() { RaiseEvent(kClick, {}); }
+void ProgressBox::DblClick() { RaiseEvent(kDblClick, {}); }
 
 // ---- Painting ---------------------------------------------------------------------
 
@@ -450,7 +449,7 @@ void ProgressBox::OnTimer() {
     const Long estimated =
         percentual_ == 0 ? -1 : ToLong(static_cast<double>(elapsed) / percentual_ * 100.0);
     Variant args[] = {Variant(elapsed), Variant(estimated)};
-    RaiseEvent(kTimerChange, "TimerChange", args);
+    RaiseEvent(kTimerChange, args);
 }
 
 // ---- Dispatch ---------------------------------------------------------------------

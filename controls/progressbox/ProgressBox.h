@@ -130,8 +130,7 @@ private:
     void DrawBar(clsGFX_2D& gfx, double& from, double& to);
     void DrawCaption(host::Surface& surface, double sw, double sh);
     void EnsureTimer();
-    void RaiseMouse(int number, const char* name, Integer button, Integer shift, Single x,
-                    Single y);
+    void RaiseMouse(int number, Integer button, Integer shift, Single x, Single y);
 
     OLE_COLOR startColor_ = 0x8000000D;
     OLE_COLOR startColorRGB_ = 0;

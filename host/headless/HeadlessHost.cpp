@@ -108,9 +108,10 @@ void Placed::PropertyChanged(std::string_view name) {
     host_.notifications.push_back({name_, std::string(name)});
 }
 
-void Placed::RaiseEvent(int, std::string_view name, std::span<Variant> args) {
+void Placed::RaiseEvent(int number, std::span<Variant> args) {
     if (!host_.recording) return;
-    host_.events.push_back({name_, std::string(name), {args.begin(), args.end()}});
+    const std::string_view name = host_.eventNames ? host_.eventNames(*control_, number) : "";
+    host_.events.push_back({name_, number, std::string(name), {args.begin(), args.end()}});
 }
 
 std::shared_ptr<Font> Placed::AmbientFont() { return host_.ambientFont; }

@@ -22,7 +22,8 @@ class HeadlessHost;
 // What the host recorded for the script's "events" and "notified".
 struct EventRecord {
     std::string control;
-    std::string name;
+    int number = 0;
+    std::string name;  // from the host's eventNames, when it has them
     std::vector<Variant> args;
 };
 struct NotificationRecord {
@@ -51,7 +52,7 @@ public:
 
     // ---- ControlSite
     void PropertyChanged(std::string_view name) override;
-    void RaiseEvent(int number, std::string_view name, std::span<Variant> args) override;
+    void RaiseEvent(int number, std::span<Variant> args) override;
     std::shared_ptr<Font> AmbientFont() override;
     bool AmbientDisplayAsDefault() override;
     std::string ExtenderName() override { return name_; }
@@ -138,6 +139,9 @@ public:
 
     // ---- Records for the script (off: nothing is kept, as a benchmark wants)
     bool recording = true;
+    // Names an event of a control by its number (the type library knows the
+    // names; this layer does not).
+    std::function<std::string_view(const Control&, int number)> eventNames;
     std::vector<EventRecord> events;
     std::vector<NotificationRecord> notifications;
 

@@ -41,11 +41,11 @@ public:
     }
     void KeyDown(Integer& keyCode, Integer shift) override {
         Variant args[] = {Variant(keyCode), Variant(shift)};
-        RaiseEvent(2, "KeyDown", args);
+        RaiseEvent(2, args);
     }
     void KeyPress(Integer& keyAscii) override {
         Variant args[] = {Variant(keyAscii)};
-        RaiseEvent(3, "KeyPress", args);
+        RaiseEvent(3, args);
     }
     bool QueryLeaveFocus() override { return caption_ != "stay"; }
 
@@ -88,7 +88,7 @@ public:
 private:
     void Bump() {
         ++count_;
-        RaiseEvent(1, "Changed", {});
+        RaiseEvent(1, {});
     }
     std::string caption_;
     Long count_ = 0;

@@ -6,6 +6,7 @@
 #include "controls/datebox/ChangeFlags.h"
 #include "host/Keys.h"
 #include "host/headless/HeadlessHost.h"
+#include "library/Dispatch.h"
 
 namespace kelvarin::controls {
 namespace {
@@ -18,6 +19,7 @@ Date Ymd(int y, int m, int d) { return DateSerial(y, m, d); }
 
 class DateBoxTest : public ::testing::Test {
 protected:
+    DateBoxTest() { host_.eventNames = library::EventName; }
     DateBox& Make(const std::string& pattern = "dd/mm/yyyy", int width = 120, int height = 21) {
         auto box = std::make_unique<DateBox>();
         DateBox& b = *box;

@@ -4,6 +4,7 @@
 
 #include "common/HostError.h"
 #include "host/headless/HeadlessHost.h"
+#include "library/Dispatch.h"
 
 namespace kelvarin::controls {
 namespace {
@@ -13,6 +14,7 @@ using host::headless::Placed;
 
 class ProgressBoxTest : public ::testing::Test {
 protected:
+    ProgressBoxTest() { host_.eventNames = library::EventName; }
     ProgressBox& Make(int width, int height = 10) {
         auto box = std::make_unique<ProgressBox>();
         ProgressBox& b = *box;

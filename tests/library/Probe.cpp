@@ -34,12 +34,12 @@ Variant Probe::CallMethod(DispId id, std::span<Variant> args) {
             return Variant(Long{7});
         case kRing: {
             Variant count(Long{3});
-            RaiseEvent(1, "Rang", {&count, 1});
+            RaiseEvent(1, {&count, 1});
             return Variant(Long{99});  // ignored: Ring returns nothing
         }
         case kType: {
             Variant key = args[0];
-            RaiseEvent(2, "Typed", {&key, 1});
+            RaiseEvent(2, {&key, 1});
             return key;
         }
         default: return Control::CallMethod(id, args);
