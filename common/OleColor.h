@@ -14,6 +14,7 @@ inline constexpr OLE_COLOR kSysColorFlag = 0x80000000u;
 // Indices of the system colour table that the controls name.
 enum SysColor : int {
     COLOR_WINDOW = 5,
+    COLOR_WINDOWFRAME = 6,
     COLOR_WINDOWTEXT = 8,
     COLOR_HIGHLIGHT = 13,
     COLOR_HIGHLIGHTTEXT = 14,
@@ -38,6 +39,18 @@ constexpr int BlueOf(OLE_COLOR c) noexcept { return static_cast<int>((c >> 16) &
 constexpr OLE_COLOR SystemColor(int index) noexcept {
     return kSysColorFlag + static_cast<OLE_COLOR>(index);
 }
+
+// The system colours by name, as OLE colours (what properties hold).
+inline constexpr OLE_COLOR kSysWindow = SystemColor(COLOR_WINDOW);
+inline constexpr OLE_COLOR kSysWindowFrame = SystemColor(COLOR_WINDOWFRAME);
+inline constexpr OLE_COLOR kSysWindowText = SystemColor(COLOR_WINDOWTEXT);
+inline constexpr OLE_COLOR kSysHighlight = SystemColor(COLOR_HIGHLIGHT);
+inline constexpr OLE_COLOR kSysHighlightText = SystemColor(COLOR_HIGHLIGHTTEXT);
+inline constexpr OLE_COLOR kSysButtonFace = SystemColor(COLOR_BTNFACE);
+inline constexpr OLE_COLOR kSysButtonShadow = SystemColor(COLOR_BTNSHADOW);
+inline constexpr OLE_COLOR kSysGrayText = SystemColor(COLOR_GRAYTEXT);
+inline constexpr OLE_COLOR kSysButtonText = SystemColor(COLOR_BTNTEXT);
+inline constexpr OLE_COLOR kSysButtonHighlight = SystemColor(COLOR_BTNHIGHLIGHT);
 
 // The fixed light theme used until a host supplies its own table.
 const SysColorTable& DefaultSysColors() noexcept;

@@ -17,7 +17,7 @@ void PaintBorder(Surface& whole, const SurfaceProperties& surface, int width, in
     const int r = width - 1;
     const int b = height - 1;
     if (border == 1) {  // flat: one line in the window frame colour
-        const OLE_COLOR frame = TranslateSysColor(SystemColor(6));
+        const OLE_COLOR frame = TranslateSysColor(kSysWindowFrame);
         whole.DrawLine({0, 0}, {r, 0}, frame);
         whole.DrawLine({r, 0}, {r, b}, frame);
         whole.DrawLine({r, b}, {0, b}, frame);
@@ -46,18 +46,10 @@ ControlSite& Control::Site() const {
 int Control::ScaleWidth() const { return Site().ClientSurface().Width(); }
 int Control::ScaleHeight() const { return Site().ClientSurface().Height(); }
 
-Variant Control::GetProperty(DispId) { RaiseHostError(HostErrorCode::ObjectDoesNotSupport); }
-
-void Control::PutProperty(DispId, const Variant&) {
-    RaiseHostError(HostErrorCode::ObjectDoesNotSupport);
-}
-
-Variant Control::CallMethod(DispId, std::span<Variant>) {
-    RaiseHostError(HostErrorCode::ObjectDoesNotSupport);
-}
-
-void Control::PropertyChanged(std::string_view name) {
-    if (site_ != nullptr) site_->PropertyChanged(name);
+void Control::PropertyChanged(int row) {
+    if (site_ == nullptr) return;
+    const Member& m = Members()[static_cast<std::size_t>(row)];
+    site_->PropertyChanged(m.persisted.empty() ? m.name : m.persisted);
 }
 
 void Control::RaiseEvent(int number, std::span<Variant> args) {

@@ -1,8 +1,8 @@
-// A control as a host drives it: life-cycle, input, dispatch by DISPID, and
+// A control as a host drives it: life-cycle, input, its member table, and
 // the user-control surface properties every control has (colours, font,
 // border, enabled) that the host's frame keeps.
 //
-// Sections: surface state; life-cycle; input; dispatch; diagnostics.
+// Sections: surface state; life-cycle; input; members; diagnostics.
 #pragma once
 
 #include <cstdint>
@@ -18,17 +18,15 @@
 #include "common/OleColor.h"
 #include "common/Variant.h"
 #include "host/ControlSite.h"
+#include "host/Members.h"
 #include "host/PropertyBag.h"
 
 namespace kelvarin::host {
 
-using DispId = std::int32_t;
-inline constexpr DispId DISPID_FONT = -512;
-
 // The user-control surface's own properties, kept by the frame.
 struct SurfaceProperties {
-    OLE_COLOR backColor = 0x8000000F;
-    OLE_COLOR foreColor = 0x80000012;
+    OLE_COLOR backColor = kSysButtonFace;
+    OLE_COLOR foreColor = kSysButtonText;
     bool enabled = true;
     std::shared_ptr<Font> font = std::make_shared<Font>();
     Integer borderStyle = 0;  // 0 none, 1 fixed single
@@ -92,18 +90,30 @@ public:
     virtual bool QueryLeaveFocus() { return true; }
     virtual void LostFocus() {}
 
-    // ---- Dispatch (values already converted to the member's type) ------------
-    // Unknown DISPIDs raise Object doesn't support this property or method (438).
-    virtual Variant GetProperty(DispId id);
-    virtual void PutProperty(DispId id, const Variant& value);
-    virtual Variant CallMethod(DispId id, std::span<Variant> args);
+    // ---- Members ------------------------------------------------------------------
+    // The control's member table (see host/Members.h); dispatch goes through it.
+    virtual MemberTable Members() const { return {}; }
+
+    // The surface properties as most controls publish them.
+    OLE_COLOR BackColor() const noexcept { return surface_.backColor; }
+    OLE_COLOR ForeColor() const noexcept { return surface_.foreColor; }
+    bool Enabled() const noexcept { return surface_.enabled; }
+    std::shared_ptr<Font> GetFont() const { return surface_.font; }
+    Integer BorderStyle() const noexcept { return surface_.borderStyle; }
+    Integer Appearance() const noexcept { return surface_.appearance; }
+    Integer MousePointer() const noexcept { return surface_.mousePointer; }
+    std::shared_ptr<Object> MouseIcon() const { return surface_.mouseIcon; }
+    // The window handle, as the hWnd property gives it.
+    Long HWnd() const { return Site().WindowHandle(); }
 
     // ---- Diagnostics ----------------------------------------------------------
     // State as "key value" lines, for the script host's dump command.
     virtual std::vector<std::string> Dump() const { return {}; }
 
 protected:
-    void PropertyChanged(std::string_view name);
+    // The host's property-changed notification for a row of the member
+    // table, under its persisted name (its name when it is not stored).
+    void PropertyChanged(int row);
     void RaiseEvent(int number, std::span<Variant> args);
 
 private:

@@ -24,6 +24,10 @@ enum TextFormat : unsigned {
     DT_NOPREFIX = 0x800,
 };
 
+// eAlignmentText, the caption alignment of the progress bar and the command
+// button: its values are the text format's alignment flags.
+enum AlignmentText : int { kLeftJustify = DT_LEFT, kCenter = DT_CENTER, kRightJustify = DT_RIGHT };
+
 // A surface is also a 24-bit device context, so raster surfaces blit to it.
 class Surface : public DeviceContext {
 public:

@@ -11,13 +11,8 @@
 
 namespace kelvarin::library {
 
-// Converts a value to a member's type by the host's rules: Type mismatch
-// (13) for a value of the wrong kind, Overflow (6) out of range, Invalid use
-// of Null (94) for Null anywhere but a Variant. Enumerations arrive as Long.
-// An OLE_COLOR arrives as a Long holding the colour's 32 bits (&H8000000F is
-// a negative Long); a number up to &HFFFFFFFF written unsigned gives the same
-// bits. Font and Picture need an object of that type name, or Nothing.
-Variant ConvertTo(const TypeRef& type, const Variant& value);
+// Converts a value to a member's type by the host's rules (host/Members.h).
+using host::ConvertTo;
 
 // The class information of a live control, found by its type name in the
 // ClassRegistry; a control of an unregistered class raises 438.

@@ -7,6 +7,9 @@
 #include <cctype>
 #include <cstdio>
 
+#include "controls/datebox/DateBox.h"
+#include "controls/progressbox/ProgressBox.h"
+
 namespace kelvarin::library {
 
 // ---- GUIDs ------------------------------------------------------------------
@@ -169,50 +172,14 @@ constexpr Guid kGeneralIid =
 
 // Table helpers -----------------------------------------------------------------
 
-constexpr TypeRef kBoolean{BaseType::Boolean};
-constexpr TypeRef kInteger{BaseType::Integer};
-constexpr TypeRef kLong{BaseType::Long};
-constexpr TypeRef kSingle{BaseType::Single};
-constexpr TypeRef kDouble{BaseType::Double};
-constexpr TypeRef kDate{BaseType::Date};
-constexpr TypeRef kString{BaseType::String};
-constexpr TypeRef kVariant{BaseType::Variant};
-constexpr TypeRef kColor{BaseType::OleColor};
-constexpr TypeRef kFont{BaseType::Font};
-constexpr TypeRef kPicture{BaseType::Picture};
-constexpr TypeRef kVoid{BaseType::Void};
-
-constexpr TypeRef Enum(std::string_view name) { return TypeRef{BaseType::Enum, name}; }
-
-// Spelled in hexadecimal as type-library browsers show them.
-constexpr DispId Id(std::uint32_t hex) { return static_cast<DispId>(hex); }
-
-MemberInfo Prop(std::string_view name, TypeRef type, std::uint32_t id, unsigned access,
-                std::string_view help = {}) {
-    return MemberInfo{name, MemberKind::Property, type, Id(id), access, help};
-}
-
-MemberInfo Method(std::string_view name, TypeRef result, std::uint32_t id,
-                  std::string_view help = {}) {
-    return MemberInfo{name, MemberKind::Method, result, Id(id), 0, help};
-}
-
-// Kept out of object browsers; still reachable by name.
-MemberInfo Hidden(MemberInfo m) {
-    m.hidden = true;
-    return m;
-}
-
-constexpr unsigned kGetLet = kGet | kLet;
-constexpr unsigned kGetSet = kGet | kSet;
-constexpr std::uint32_t kFontId = 0xFFFFFE00;  // the standard font identifier, -512
+using namespace host::rows;
 
 // Event arguments ----------------------------------------------------------------
 
-std::vector<ParamInfo> KeyArgs() { return {{"KeyCode", kInteger}, {"Shift", kInteger}}; }
-std::vector<ParamInfo> KeyPressArgs() { return {{"KeyAscii", kInteger}}; }
+std::vector<ParamInfo> KeyArgs() { return {{"KeyCode", AsInteger}, {"Shift", AsInteger}}; }
+std::vector<ParamInfo> KeyPressArgs() { return {{"KeyAscii", AsInteger}}; }
 std::vector<ParamInfo> MouseArgs() {
-    return {{"Button", kInteger}, {"Shift", kInteger}, {"X", kSingle}, {"Y", kSingle}};
+    return {{"Button", AsInteger}, {"Shift", AsInteger}, {"X", AsSingle}, {"Y", AsSingle}};
 }
 
 // Numbers the events by their position.
@@ -252,29 +219,7 @@ ClassInfo DateBox() {
         kDateBoxIid,
         "__DateBox",
         kDateBoxEventsIid,
-        {
-            Method("TextLeft", kLong, 0x60030024),
-            Method("TextWidth", kLong, 0x60030025),
-            Method("TextHeight", kLong, 0x60030026),
-            Method("TextTop", kLong, 0x60030027),
-            Prop("Appearance", Enum("eAppearance"), 0x68030023, kGetLet),
-            Prop("BackColor", kColor, 0x68030022, kGetLet),
-            Prop("ForeColor", kColor, 0x68030021, kGetLet),
-            Prop("Alignment", Enum("eAlignment"), 0x68030020, kGetLet),
-            Prop("Enabled", kBoolean, 0x6803001F, kGetLet),
-            Prop("Font", kFont, 0x6803001E, kGetSet),
-            Prop("BorderStyle", Enum("eBorderStyle"), 0x6803001D, kGetLet),
-            Prop("Locked", kBoolean, 0x6803001C, kGetLet),
-            Prop("Value", kDate, 0x6803001B, kGetLet),
-            Prop("ValueDB", kVariant, 0x68030028, kGetLet),
-            Prop("DateFormat", kString, 0x6803001A, kGetLet),
-            Prop("SmallChange", kLong, 0x68030019, kGetLet),
-            Prop("LargeChange", kLong, 0x68030018, kGetLet),
-            Prop("Nullable", kBoolean, 0x68030017, kGetLet),
-            Prop("CalendarButton", kBoolean, 0x68030016, kGetLet),
-            Prop("MinDate", kDate, 0x68030015, kGetLet),
-            Prop("MaxDate", kDate, 0x68030014, kGetLet),
-        },
+        controls::DateBox::Table(),
         Numbered({
             {0, "KeyDown", KeyArgs(), {}},
             {0, "KeyPress", KeyPressArgs(), {}},
@@ -289,6 +234,67 @@ ClassInfo DateBox() {
 
 // CommandBox ---------------------------------------------------------------------
 
+// The command button's interface until its control is built: its members
+// have no accessors yet, so dispatch refuses them.
+host::MemberTable CommandBoxMembers() {
+    const auto prop = [](int row, std::string_view name, std::uint32_t id, TypeRef type,
+                         unsigned access, std::string_view help) {
+        return Property(row, name, Id(id), type).Raw(access, nullptr).Help(help);
+    };
+    static const host::Member rows[] = {
+        prop(0, "BackColor", 0x68030037, AsColor, kGet | kLet,
+             "Set or retrieve the background color of the object"),
+        prop(1, "ForeColor", 0x68030036, AsColor, kGet | kLet,
+             "Set or retrieve the color used to draw text in the control"),
+        prop(2, "Enabled", 0x68030035, AsBoolean, kGet | kLet,
+             "Set or retrieve a value which indicates if the object is allowed to answer to "
+             "systen events"),
+        prop(3, "Font", 0xFFFFFE00, AsFont, kGet | kSet,
+             "Set or retrieve the font object of the control"),
+        Method(4, "Refresh", Id(0x60030049), AsVoid, {}, nullptr)
+            .Help("Ridisegna completamente un oggetto."),
+        prop(5, "MouseIcon", 0x68030034, AsPicture, kGet | kSet,
+             "Imposta un'icona personalizzata per il puntatore del mouse."),
+        prop(6, "MousePointer", 0x68030033, AsInteger, kGet | kLet,
+             "Set or retrieve mouse pointer style when the mouse in on the object"),
+        prop(7, "OLEDropMode", 0x68030032, AsInteger, kGet | kLet,
+             "Restituisce o imposta un valore che indica se l'oggetto pu\u00F2 fungere da "
+             "destinazione di rilascio per il trascinamento OLE."),
+        prop(8, "Picture", 0x68030031, AsPicture, kGet | kSet,
+             "Set or retrieve a graphical element for the control"),
+        prop(9, "RightToLeft", 0x68030030, AsBoolean, kGet | kLet,
+             "Determina la direzione di visualizzazione del testo e l'aspetto del controllo in "
+             "un sistema bidirezionale."),
+        prop(10, "Alignment", 0x6803002F, Enum("eAlignmentText"), kGet | kLet,
+             "Set or retrieve the text alignment"),
+        prop(11, "AlignPicture", 0x6803002E, Enum("eAlignPicture"), kGet | kLet,
+             "Set or retrieve the picture alignment"),
+        prop(12, "Interleave", 0x6803002D, AsLong, kGet | kLet,
+             "Set or retrieve the distance between control border and object, and between text "
+             "and picture"),
+        prop(13, "Text", 0x6803002C, AsString, kGet | kLet,
+             "Set or retrieve the text of the control"),
+        // Lower case in the interface; persisted as "Style".
+        prop(14, "style", 0x6803002B, Enum("eStyle"), kGet | kLet,
+             "Set or retrieve the style of the control"),
+        prop(15, "ShowFocusRect", 0x6803002A, AsBoolean, kGet | kLet,
+             "Set or retrieve the value which determinates if the focus rect is drawn or not"),
+        prop(16, "hWnd", 0x68030029, AsLong, kGet, "Retrieve control handle").Hidden(),
+        prop(17, "MaskColor", 0x68030028, AsColor, kGet | kLet,
+             "Set or retrieve the color which will be treated as trasparent"),
+        prop(18, "UseMaskColor", 0x68030027, AsBoolean, kGet | kLet,
+             "Set or retrieve the value which indicates if the control shoul use mask color"),
+        prop(19, "HighLighted", 0x68030026, AsBoolean, kGet | kLet,
+             "Set or retrieve the value which indicates if the pictuer change with mouse over "
+             "event"),
+        prop(20, "ForeColorHighLighted", 0x68030025, AsColor, kGet | kLet,
+             "Set or retrieve the value which indicates if the color of the text when the "
+             "mouse is over and the property HiLighted is set to True"),
+    };
+    static const host::MemberTable table = host::CheckedTable(rows);
+    return table;
+}
+
 ClassInfo CommandBox() {
     return ClassInfo{
         "CommandBox",
@@ -297,53 +303,7 @@ ClassInfo CommandBox() {
         kCommandBoxIid,
         "__CommandBox",
         kCommandBoxEventsIid,
-        {
-            Prop("BackColor", kColor, 0x68030037, kGetLet,
-                 "Set or retrieve the background color of the object"),
-            Prop("ForeColor", kColor, 0x68030036, kGetLet,
-                 "Set or retrieve the color used to draw text in the control"),
-            Prop("Enabled", kBoolean, 0x68030035, kGetLet,
-                 "Set or retrieve a value which indicates if the object is allowed to answer to "
-                 "systen events"),
-            Prop("Font", kFont, kFontId, kGetSet, "Set or retrieve the font object of the control"),
-            Method("Refresh", kVoid, 0x60030049, "Ridisegna completamente un oggetto."),
-            Prop("MouseIcon", kPicture, 0x68030034, kGetSet,
-                 "Imposta un'icona personalizzata per il puntatore del mouse."),
-            Prop("MousePointer", kInteger, 0x68030033, kGetLet,
-                 "Set or retrieve mouse pointer style when the mouse in on the object"),
-            Prop("OLEDropMode", kInteger, 0x68030032, kGetLet,
-                 "Restituisce o imposta un valore che indica se l'oggetto pu\u00F2 fungere da "
-                 "destinazione di rilascio per il trascinamento OLE."),
-            Prop("Picture", kPicture, 0x68030031, kGetSet,
-                 "Set or retrieve a graphical element for the control"),
-            Prop("RightToLeft", kBoolean, 0x68030030, kGetLet,
-                 "Determina la direzione di visualizzazione del testo e l'aspetto del controllo in "
-                 "un sistema bidirezionale."),
-            Prop("Alignment", Enum("eAlignmentText"), 0x6803002F, kGetLet,
-                 "Set or retrieve the text alignment"),
-            Prop("AlignPicture", Enum("eAlignPicture"), 0x6803002E, kGetLet,
-                 "Set or retrieve the picture alignment"),
-            Prop("Interleave", kLong, 0x6803002D, kGetLet,
-                 "Set or retrieve the distance between control border and object, and between text "
-                 "and picture"),
-            Prop("Text", kString, 0x6803002C, kGetLet, "Set or retrieve the text of the control"),
-            // Lower case in the interface; persisted as "Style".
-            Prop("style", Enum("eStyle"), 0x6803002B, kGetLet,
-                 "Set or retrieve the style of the control"),
-            Prop("ShowFocusRect", kBoolean, 0x6803002A, kGetLet,
-                 "Set or retrieve the value which determinates if the focus rect is drawn or not"),
-            Hidden(Prop("hWnd", kLong, 0x68030029, kGet, "Retrieve control handle")),
-            Prop("MaskColor", kColor, 0x68030028, kGetLet,
-                 "Set or retrieve the color which will be treated as trasparent"),
-            Prop("UseMaskColor", kBoolean, 0x68030027, kGetLet,
-                 "Set or retrieve the value which indicates if the control shoul use mask color"),
-            Prop("HighLighted", kBoolean, 0x68030026, kGetLet,
-                 "Set or retrieve the value which indicates if the pictuer change with mouse over "
-                 "event"),
-            Prop("ForeColorHighLighted", kColor, 0x68030025, kGetLet,
-                 "Set or retrieve the value which indicates if the color of the text when the "
-                 "mouse is over and the property HiLighted is set to True"),
-        },
+        CommandBoxMembers(),
         Numbered({
             {0, "Click", {}, {}},
             {0, "DblClick", {}, {}},
@@ -367,47 +327,7 @@ ClassInfo ProgressBox() {
         kProgressBoxIid,
         "__ProgressBox",
         kProgressBoxEventsIid,
-        {
-            Prop("BackColor", kColor, 0x68030027, kGetLet,
-                 "Restituisce o imposta il colore di sfondo utilizzato per la visualizzazione di "
-                 "testo e grafica in un oggetto."),
-            Prop("ForeColor", kColor, 0x68030026, kGetLet,
-                 "Restituisce o imposta il colore di primo piano utilizzato per la "
-                 "visualizzazione di testo e grafica in un oggetto."),
-            Prop("Enabled", kBoolean, 0x68030025, kGetLet,
-                 "Restituisce o imposta un valore che determina se un oggetto \u00E8 in grado di "
-                 "rispondere agli eventi generati dall'utente."),
-            Prop("Font", kFont, kFontId, kGetSet, "Restituisce un oggetto Font."),
-            Prop("BorderStyle", Enum("eBorderStyle"), 0x68030024, kGetLet,
-                 "Restituisce o imposta lo stile del bordo di un oggetto."),
-            Prop("Appearance", Enum("eAppearance"), 0x68030023, kGetLet,
-                 "Restituisce o imposta un valore che indica se un oggetto viene ridisegnato con "
-                 "effetti tridimensionali in fase di esecuzione."),
-            Prop("hWnd", kLong, 0x68030022, kGet,
-                 "Restituisce un handle (da Microsoft Windows) alla finestra di un oggetto."),
-            Prop("MouseIcon", kPicture, 0x68030021, kGetSet,
-                 "Imposta un'icona personalizzata per il puntatore del mouse."),
-            Prop("MousePointer", kInteger, 0x68030020, kGetLet,
-                 "Restituisce o imposta il tipo di puntatore del mouse visualizzato quando il "
-                 "puntatore si trova su una parte specifica di un oggetto."),
-            Prop("StartColor", kColor, 0x6803001F, kGetLet,
-                 "Colore iniziale da cui inziare la barra"),
-            Prop("FinishColor", kColor, 0x6803001E, kGetLet,
-                 "Colore a cui la barra tender\u00E0 alla fine del processo"),
-            Prop("Value", kDouble, 0x6803001D, kGetLet, "Valore corrente della barra"),
-            Prop("Text", kString, 0x6803001C, kGetLet,
-                 "Testo aggiuntivo visualizzato prima della percentuale"),
-            Prop("ShowPercentual", kBoolean, 0x6803001B, kGetLet,
-                 "Indica se visualizzare o no la percentuale di completamento del processo"),
-            Prop("Alignment", Enum("eAlignmentText"), 0x6803001A, kGetLet),
-            Prop("MinValue", kDouble, 0x68030019, kGetLet, "Valore minimo consentito"),
-            Prop("MaxValue", kDouble, 0x68030018, kGetLet, "Valore massimo consentito"),
-            Prop("Percentual", kDouble, 0x68030017, kGetLet,
-                 "Restituisce o imposta la percentuale a cui si trova il controllo"),
-            Prop("GradientStyle", Enum("eGradientStyle"), 0x68030016, kGetLet),
-            Prop("PivotColor", kColor, 0x68030015, kGetLet),
-            Prop("TimerChangedInterval", kLong, 0x68030014, kGetLet),
-        },
+        controls::ProgressBox::Table(),
         Numbered({
             {0,
              "Click",
@@ -435,7 +355,7 @@ ClassInfo ProgressBox() {
              "Viene generato quando si rilascia il pulsante del mouse mentre lo stato attivo si "
              "trova su un oggetto."},
             {0, "Change", {}, {}},
-            {0, "TimerChange", {{"TimeElapsed", kLong}, {"TimeEstimated", kLong}}, {}},
+            {0, "TimerChange", {{"TimeElapsed", AsLong}, {"TimeEstimated", AsLong}}, {}},
         }),
     };
 }

@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "common/Text.h"
-#include "host/Control.h"
+#include "host/Members.h"
 
 namespace kelvarin::library {
 
@@ -30,43 +30,15 @@ struct Guid {
     static std::optional<Guid> Parse(std::string_view text);
 };
 
-// The type of a member, argument or result at the boundary.
-enum class BaseType {
-    Void,
-    Boolean,
-    Integer,
-    Long,
-    Single,
-    Double,
-    Date,
-    String,
-    Variant,
-    OleColor,
-    Font,
-    Picture,
-    Enum,  // a Long whose values are named by an enumeration
-};
-
-struct TypeRef {
-    BaseType base = BaseType::Void;
-    std::string_view enumName = {};  // for BaseType::Enum
-};
-
-enum class MemberKind { Property, Method };
-
-// Property accessors a member has.
-enum Access : unsigned { kGet = 1, kLet = 2, kSet = 4 };
-
-struct MemberInfo {
-    std::string_view name;
-    MemberKind kind;
-    TypeRef type;  // property type, or method result (Void for none)
-    DispId dispid;
-    unsigned access;  // for properties: kGet | kLet | kSet
-    std::string_view help;
-    bool hidden = false;
-    std::vector<TypeRef> params = {};  // method parameters
-};
+using host::Access;
+using host::BaseType;
+using host::kGet;
+using host::kLet;
+using host::kSet;
+using host::MemberKind;
+using host::TypeRef;
+// A member of a class: a row of its control's member table.
+using MemberInfo = host::Member;
 
 struct ParamInfo {
     std::string_view name;
@@ -101,7 +73,7 @@ struct ClassInfo {
     Guid iid;
     std::string_view eventInterfaceName;  // "__DateBox", empty when none
     Guid eventIid;
-    std::vector<MemberInfo> members;
+    host::MemberTable members;  // the control's table, in type-library order
     std::vector<EventInfo> events;
 
     // Case-insensitive, as the host binds; null when there is none.

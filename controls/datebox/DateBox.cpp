@@ -18,7 +18,6 @@ namespace {
 
 constexpr OLE_COLOR kWindow = 0x80000005;
 constexpr OLE_COLOR kWindowText = 0x80000008;
-constexpr const char* kDefaultFormat = "dd/mm/yyyy";
 constexpr Date kFirstOfMarch2001 = 36951;      // base of the samples a name field is measured on
 constexpr Date kFirstOfFebruary100 = -657403;  // the calendar's first day
 // The calendar is placed in twips at this fixed scale, whatever the screen's.
@@ -222,15 +221,15 @@ void DateBox::CheckLimits() {
     const Date highest = DateSerial(9980, 12, 31);
     if (minDate_ < lowest) {
         minDate_ = lowest;
-        PropertyChanged("MinDate");
+        PropertyChanged(kMinDate);
     }
     if (maxDate_ > highest) {
         maxDate_ = highest;
-        PropertyChanged("MaxDate");
+        PropertyChanged(kMaxDate);
     }
     if (maxDate_ < minDate_) {
         maxDate_ = minDate_;
-        PropertyChanged("MaxDate");
+        PropertyChanged(kMaxDate);
     }
     if (value_ == 0) return;
     bool moved = false;
@@ -245,7 +244,7 @@ void DateBox::CheckLimits() {
     if (!moved) return;
     ValueToParts(value_, parts_);
     ShowValue(value_);
-    PropertyChanged("Value");
+    PropertyChanged(kValue);
 }
 
 bool DateBox::IsValueAllowed(Date d) const noexcept {
@@ -260,7 +259,7 @@ void DateBox::SetAppearance(Long appearance) {
     SurfaceState().appearance = ToInteger(appearance);
     SurfaceState().backColor = back;
     Redraw();
-    PropertyChanged("Appearance");
+    PropertyChanged(kAppearance);
 }
 
 void DateBox::SetBackColor(OLE_COLOR color) {
@@ -268,21 +267,21 @@ void DateBox::SetBackColor(OLE_COLOR color) {
     SurfaceState().backColor = color;
     if (HasSite()) Site().DoEvents();
     Redraw();
-    PropertyChanged("BackColor");
+    PropertyChanged(kBackColor);
 }
 
 void DateBox::SetForeColor(OLE_COLOR color) {
     for (TextBoxElement& box : txtData_.All()) box.foreColor = color;
     for (LabelElement& label : lblSeparator_.All()) label.foreColor = color;
     Redraw();
-    PropertyChanged("ForeColor");
+    PropertyChanged(kForeColor);
 }
 
 void DateBox::SetAlignment(Long alignment) {
     alignment_ = alignment;
     LayoutBoxes();
     Redraw();
-    PropertyChanged("Alignment");
+    PropertyChanged(kAlignment);
 }
 
 void DateBox::SetEnabled(bool enabled) {
@@ -290,7 +289,7 @@ void DateBox::SetEnabled(bool enabled) {
     for (LabelElement& label : lblSeparator_.All()) label.enabled = enabled;
     cmdSelezione_.enabled = enabled;
     Redraw();
-    PropertyChanged("Enabled");
+    PropertyChanged(kEnabled);
 }
 
 void DateBox::SetFont(std::shared_ptr<Font> font) {
@@ -303,18 +302,18 @@ void DateBox::SetFont(std::shared_ptr<Font> font) {
     SizeBoxes();
     LayoutBoxes();
     Redraw();
-    PropertyChanged("Font");
+    PropertyChanged(kFont);
 }
 
 void DateBox::SetBorderStyle(Long style) {
     SurfaceState().borderStyle = ToInteger(style);
     Redraw();
-    PropertyChanged("BorderStyle");
+    PropertyChanged(kBorderStyle);
 }
 
 void DateBox::SetLocked(bool locked) {
     for (TextBoxElement& box : txtData_.All()) box.locked = locked;
-    PropertyChanged("Locked");
+    PropertyChanged(kLocked);
 }
 
 Date DateBox::Value() {
@@ -332,7 +331,7 @@ void DateBox::SetValue(Date d) {
     ValueToParts(d, parts_);
     ShowValue(d);
     Redraw();
-    PropertyChanged("Value");
+    PropertyChanged(kValue);
     RaiseChange();
 }
 
@@ -358,17 +357,17 @@ void DateBox::SetDateFormat(std::string pattern) {
     RebuildBoxes();
     LayoutBoxes();
     Redraw();
-    PropertyChanged("DateFormat");
+    PropertyChanged(kDateFormat);
 }
 
 void DateBox::SetSmallChange(Long step) {
     smallChange_ = step;
-    PropertyChanged("SmallChange");
+    PropertyChanged(kSmallChange);
 }
 
 void DateBox::SetLargeChange(Long step) {
     largeChange_ = step;
-    PropertyChanged("LargeChange");
+    PropertyChanged(kLargeChange);
 }
 
 // A control that may no longer be empty shows today instead; no Change.
@@ -380,9 +379,9 @@ void DateBox::SetNullable(bool nullable) {
         ValueToParts(value_, parts_);
         ShowValue(value_);
         Redraw();
-        PropertyChanged("Value");
+        PropertyChanged(kValue);
     }
-    PropertyChanged("Nullable");
+    PropertyChanged(kNullable);
 }
 
 void DateBox::SetCalendarButton(bool show) {
@@ -390,21 +389,21 @@ void DateBox::SetCalendarButton(bool show) {
     calendarButton_ = show;
     LayoutBoxes();
     Redraw();
-    PropertyChanged("CalendarButton");
+    PropertyChanged(kCalendarButton);
 }
 
 void DateBox::SetMinDate(Date d) {
     minDate_ = d;
     CheckLimits();
     Redraw();
-    PropertyChanged("MinDate");
+    PropertyChanged(kMinDate);
 }
 
 void DateBox::SetMaxDate(Date d) {
     maxDate_ = d;
     CheckLimits();
     Redraw();
-    PropertyChanged("MaxDate");
+    PropertyChanged(kMaxDate);
 }
 
 // ---- Layout -----------------------------------------------------------------------
@@ -563,88 +562,6 @@ void DateBox::InitProperties() {
     cmdSelezione_.visible = true;
     initialised_ = true;
     RebuildBoxes();
-}
-
-void DateBox::ReadProperties(host::PropertyBag& bag) {
-    host::SurfaceProperties& s = SurfaceState();
-    const auto color = [&](const char* name, OLE_COLOR def) {
-        return static_cast<OLE_COLOR>(
-            bag.ReadProperty(name, Variant(static_cast<Long>(def))).ToLong());
-    };
-    const auto date = [&](const char* name, Date def) {
-        return bag.ReadProperty(name, Variant::FromDate(def)).ToDate();
-    };
-    initialised_ = false;
-    s.appearance = ToInteger(bag.ReadProperty("Appearance", Variant(Long(1))).ToLong());
-    initialised_ = true;
-
-    const OLE_COLOR back = color("BackColor", kWindow);
-    std::shared_ptr<Font> font = Site().AmbientFont()->Clone();
-    const Variant stored =
-        bag.ReadProperty("Font", Variant(std::shared_ptr<Object>(Site().AmbientFont())));
-    if (auto f = std::dynamic_pointer_cast<Font>(stored.ToObject())) font = f->Clone();
-    const bool enabled = bag.ReadProperty("Enabled", Variant(true)).ToBoolean();
-    const bool locked = bag.ReadProperty("Locked", Variant(false)).ToBoolean();
-    const OLE_COLOR fore = color("ForeColor", kWindowText);
-    s.backColor = back;
-    s.font = font;
-    for (TextBoxElement& box : txtData_.All()) {
-        box.backColor = back;
-        box.foreColor = fore;
-        box.locked = locked;
-        box.enabled = enabled;
-        box.font = font;
-    }
-    for (LabelElement& label : lblSeparator_.All()) {
-        label.foreColor = fore;
-        label.enabled = enabled;
-        label.font = font;
-    }
-    cmdSelezione_.enabled = enabled;
-
-    s.borderStyle = bag.ReadProperty("BorderStyle", Variant(Integer(1))).ToInteger();
-    value_ = date("Value", 0);
-    alignment_ = bag.ReadProperty("Alignment", Variant(Long(0))).ToLong();
-    dateFormat_ = bag.ReadProperty("DateFormat", Variant(kDefaultFormat)).ToString();
-    smallChange_ = bag.ReadProperty("SmallChange", Variant(Long(1))).ToLong();
-    largeChange_ = bag.ReadProperty("LargeChange", Variant(Long(10))).ToLong();
-    nullable_ = bag.ReadProperty("Nullable", Variant(true)).ToBoolean();
-    calendarButton_ = bag.ReadProperty("CalendarButton", Variant(true)).ToBoolean();
-    cmdSelezione_.visible = calendarButton_;
-    minDate_ = date("MinDate", kMinDateSerial);
-    maxDate_ = date("MaxDate", kMaxDateSerial);
-
-    SetNotifyOnChange(true);
-    SetForceChange(false);
-    ValueToParts(value_, parts_);
-    CheckLimits();
-    RebuildBoxes();
-    LayoutBoxes();
-    Redraw();
-}
-
-// Every persisted property, with the default it was read with.
-void DateBox::WriteProperties(host::PropertyBag& bag) {
-    const host::SurfaceProperties& s = SurfaceState();
-    const auto color = [](OLE_COLOR c) { return Variant(static_cast<Long>(c)); };
-    const auto date = [](Date d) { return Variant::FromDate(d); };
-    bag.WriteProperty("Appearance", Variant(static_cast<Long>(s.appearance)), Variant(Long(1)));
-    bag.WriteProperty("BackColor", color(s.backColor), color(kWindow));
-    bag.WriteProperty("BorderStyle", Variant(s.borderStyle), Variant(Integer(1)));
-    bag.WriteProperty("ForeColor", color(ForeColor()), color(kWindowText));
-    bag.WriteProperty("Enabled", Variant(Enabled()), Variant(true));
-    bag.WriteProperty("Font", Variant(std::shared_ptr<Object>(GetFont())),
-                      Variant(std::shared_ptr<Object>(Site().AmbientFont())));
-    bag.WriteProperty("Locked", Variant(Locked()), Variant(false));
-    bag.WriteProperty("Value", date(Value()), date(0));
-    bag.WriteProperty("Alignment", Variant(alignment_), Variant(Long(0)));
-    bag.WriteProperty("DateFormat", Variant(dateFormat_), Variant(kDefaultFormat));
-    bag.WriteProperty("SmallChange", Variant(smallChange_), Variant(Long(1)));
-    bag.WriteProperty("LargeChange", Variant(largeChange_), Variant(Long(10)));
-    bag.WriteProperty("Nullable", Variant(nullable_), Variant(true));
-    bag.WriteProperty("CalendarButton", Variant(calendarButton_), Variant(true));
-    bag.WriteProperty("MinDate", date(minDate_), date(kMinDateSerial));
-    bag.WriteProperty("MaxDate", date(maxDate_), date(kMaxDateSerial));
 }
 
 void DateBox::Show() {
@@ -1190,75 +1107,6 @@ void DateBox::PaintButton(host::Surface& s) {
     const OLE_COLOR glyph =
         TranslateSysColor(SystemColor(b.enabled ? COLOR_BTNTEXT : COLOR_GRAYTEXT));
     for (int k = 0; k < rows; ++k) s.FillRect({x + k, y + k, x + base - k, y + k + 1}, glyph);
-}
-
-// ---- Dispatch -------------------------------------------------------------------------
-
-Variant DateBox::GetProperty(host::DispId id) {
-    const auto color = [](OLE_COLOR c) { return Variant(static_cast<Long>(c)); };
-    switch (id) {
-        case kAppearance: return Variant(Appearance());
-        case kBackColor: return color(BackColor());
-        case kForeColor: return color(ForeColor());
-        case kAlignment: return Variant(alignment_);
-        case kEnabled: return Variant(Enabled());
-        case kFont: return Variant(std::shared_ptr<Object>(GetFont()));
-        case kBorderStyle: return Variant(BorderStyle());
-        case kLocked: return Variant(Locked());
-        case kValue: return Variant::FromDate(Value());
-        case kValueDB: return ValueDB();
-        case kDateFormat: return Variant(dateFormat_);
-        case kSmallChange: return Variant(smallChange_);
-        case kLargeChange: return Variant(largeChange_);
-        case kNullable: return Variant(nullable_);
-        case kCalendarButton: return Variant(calendarButton_);
-        case kMinDate: return Variant::FromDate(minDate_);
-        case kMaxDate: return Variant::FromDate(maxDate_);
-        case kTextLeft:
-        case kTextWidth:
-        case kTextHeight:
-        case kTextTop: break;  // methods
-    }
-    return Control::GetProperty(id);
-}
-
-void DateBox::PutProperty(host::DispId id, const Variant& v) {
-    const auto color = [&] { return static_cast<OLE_COLOR>(v.ToLong()); };
-    switch (id) {
-        case kAppearance: return SetAppearance(v.ToLong());
-        case kBackColor: return SetBackColor(color());
-        case kForeColor: return SetForeColor(color());
-        case kAlignment: return SetAlignment(v.ToLong());
-        case kEnabled: return SetEnabled(v.ToBoolean());
-        case kFont: return SetFont(std::dynamic_pointer_cast<Font>(v.ToObject()));
-        case kBorderStyle: return SetBorderStyle(v.ToLong());
-        case kLocked: return SetLocked(v.ToBoolean());
-        case kValue: return SetValue(v.ToDate());
-        case kValueDB: return SetValueDB(v);
-        case kDateFormat: return SetDateFormat(v.ToString());
-        case kSmallChange: return SetSmallChange(v.ToLong());
-        case kLargeChange: return SetLargeChange(v.ToLong());
-        case kNullable: return SetNullable(v.ToBoolean());
-        case kCalendarButton: return SetCalendarButton(v.ToBoolean());
-        case kMinDate: return SetMinDate(v.ToDate());
-        case kMaxDate: return SetMaxDate(v.ToDate());
-        case kTextLeft:
-        case kTextWidth:
-        case kTextHeight:
-        case kTextTop: break;  // methods
-    }
-    Control::PutProperty(id, v);
-}
-
-Variant DateBox::CallMethod(host::DispId id, std::span<Variant> args) {
-    switch (id) {
-        case kTextLeft: return Variant(textLeft_);
-        case kTextWidth: return Variant(textWidth_);
-        case kTextHeight: return Variant(textHeight_);
-        case kTextTop: return Variant(textTop_);
-        default: break;
-    }
-    return Control::CallMethod(id, args);
 }
 
 // ---- Diagnostics ------------------------------------------------------------------------

@@ -3,7 +3,7 @@
 // and a button that opens a month calendar. The value may be empty when the
 // control is Nullable and is kept within MinDate..MaxDate.
 //
-// Sections: dispatch identifiers; properties; value model; layout;
+// Sections: members; properties; value model; layout;
 // life-cycle; focus and mouse; painting; dispatch; diagnostics.
 #pragma once
 
@@ -21,28 +21,30 @@ namespace kelvarin::controls {
 
 class DateBox : public host::Control {
 public:
-    enum DispIds : host::DispId {
-        kTextLeft = 0x60030024,
-        kTextWidth = 0x60030025,
-        kTextHeight = 0x60030026,
-        kTextTop = 0x60030027,
-        kAppearance = 0x68030023,
-        kBackColor = 0x68030022,
-        kForeColor = 0x68030021,
-        kAlignment = 0x68030020,
-        kEnabled = 0x6803001F,
-        kFont = 0x6803001E,
-        kBorderStyle = 0x6803001D,
-        kLocked = 0x6803001C,
-        kValue = 0x6803001B,
-        kValueDB = 0x68030028,
-        kDateFormat = 0x6803001A,
-        kSmallChange = 0x68030019,
-        kLargeChange = 0x68030018,
-        kNullable = 0x68030017,
-        kCalendarButton = 0x68030016,
-        kMinDate = 0x68030015,
-        kMaxDate = 0x68030014,
+    // The rows of the member table, in type-library order (DateBoxMembers.cpp).
+    enum Row : int {
+        kTextLeft,
+        kTextWidth,
+        kTextHeight,
+        kTextTop,
+        kAppearance,
+        kBackColor,
+        kForeColor,
+        kAlignment,
+        kEnabled,
+        kFont,
+        kBorderStyle,
+        kLocked,
+        kValue,
+        kValueDB,
+        kDateFormat,
+        kSmallChange,
+        kLargeChange,
+        kNullable,
+        kCalendarButton,
+        kMinDate,
+        kMaxDate,
+        kRowCount
     };
     // Event numbers in the event interface.
     enum Events : int {
@@ -59,8 +61,16 @@ public:
     // from the button's height (see LayoutBoxes).
     static constexpr int kButtonWidth = 17;
 
+    // eAlignment: where the fields stand in the control (not the order of
+    // the other controls' caption alignment).
+    enum FieldsAlignment : Long { kLeftJustify = 0, kRightJustify = 1, kCenter = 2 };
+    static constexpr const char* kDefaultFormat = "dd/mm/yyyy";
+
     DateBox();
     ~DateBox() override;
+
+    static host::MemberTable Table();
+    host::MemberTable Members() const override { return Table(); }
 
     // ---- Properties (each write records its change under its own name) -------
     Long Appearance() const noexcept { return SurfaceState().appearance; }
@@ -188,9 +198,6 @@ public:
     void GotFocus() override;
     bool QueryLeaveFocus() override;
     void LostFocus() override;
-    Variant GetProperty(host::DispId id) override;
-    void PutProperty(host::DispId id, const Variant& value) override;
-    Variant CallMethod(host::DispId id, std::span<Variant> args) override;
     std::vector<std::string> Dump() const override;
 
 private:
@@ -230,7 +237,7 @@ private:
     PartValues parts_ = kAllBlank;
     std::vector<FormatToken> tokens_;
     Date value_ = 0;
-    std::string dateFormat_ = "dd/mm/yyyy";
+    std::string dateFormat_ = kDefaultFormat;
     Date minDate_ = kMinDateSerial;
     Date maxDate_ = kMaxDateSerial;
     Long smallChange_ = 1;

@@ -11,8 +11,6 @@ namespace kelvarin::controls {
 
 namespace {
 
-constexpr OLE_COLOR kHighlight = 0x8000000D;
-
 std::string DoubleText(double v) { return NumberToText(v, false, EnglishLocale()); }
 
 }  // namespace
@@ -47,91 +45,91 @@ void ProgressBox::UpdateValue() {
 void ProgressBox::SetBackColor(OLE_COLOR color) {
     SurfaceState().backColor = color;
     Redraw();
-    PropertyChanged("BackColor");
+    PropertyChanged(kBackColor);
 }
 
 void ProgressBox::SetForeColor(OLE_COLOR color) {
     SurfaceState().foreColor = color;
     Redraw();
-    PropertyChanged("ForeColor");
+    PropertyChanged(kForeColor);
 }
 
 void ProgressBox::SetEnabled(bool enabled) {
     SurfaceState().enabled = enabled;
-    PropertyChanged("Enabled");
+    PropertyChanged(kEnabled);
 }
 
 void ProgressBox::SetFont(std::shared_ptr<Font> font) {
     if (!font) RaiseHostError(HostErrorCode::InvalidPropertyValue);
     SurfaceState().font = std::move(font);
     Redraw();
-    PropertyChanged("Font");
+    PropertyChanged(kFont);
 }
 
 void ProgressBox::SetBorderStyle(Long style) {
     SurfaceState().borderStyle = ToInteger(style);
     Redraw();
-    PropertyChanged("BorderStyle");
+    PropertyChanged(kBorderStyle);
 }
 
 void ProgressBox::SetAppearance(Long appearance) {
     SurfaceState().appearance = ToInteger(appearance);
     Redraw();
-    PropertyChanged("Appearance");
+    PropertyChanged(kAppearance);
 }
 
 void ProgressBox::SetMouseIcon(std::shared_ptr<Object> picture) {
     SurfaceState().mouseIcon = std::move(picture);
-    PropertyChanged("MouseIcon");
+    PropertyChanged(kMouseIcon);
 }
 
 void ProgressBox::SetMousePointer(Integer pointer) {
     SurfaceState().mousePointer = pointer;
-    PropertyChanged("MousePointer");
+    PropertyChanged(kMousePointer);
 }
 
 void ProgressBox::SetStartColor(OLE_COLOR color) {
     startColor_ = color;
     startColorRGB_ = TranslateSysColor(color);
     Redraw();
-    PropertyChanged("StartColor");
+    PropertyChanged(kStartColor);
 }
 
 void ProgressBox::SetFinishColor(OLE_COLOR color) {
     finishColor_ = color;
     finishColorRGB_ = TranslateSysColor(color);
     Redraw();
-    PropertyChanged("FinishColor");
+    PropertyChanged(kFinishColor);
 }
 
 void ProgressBox::SetPivotColor(OLE_COLOR color) {
     pivotColor_ = color;
     Redraw();
-    PropertyChanged("PivotColor");
+    PropertyChanged(kPivotColor);
 }
 
 void ProgressBox::SetGradientStyle(Long style) {
     gradientStyle_ = style;
     Redraw();
-    PropertyChanged("GradientStyle");
+    PropertyChanged(kGradientStyle);
 }
 
 void ProgressBox::SetText(std::string text) {
     text_ = std::move(text);
     Redraw();
-    PropertyChanged("Text");
+    PropertyChanged(kText);
 }
 
 void ProgressBox::SetShowPercentual(bool show) {
     showPercentual_ = show;
     Redraw();
-    PropertyChanged("ShowPercentual");
+    PropertyChanged(kShowPercentual);
 }
 
 void ProgressBox::SetAlignment(Long alignment) {
     alignment_ = alignment;
     Redraw();
-    PropertyChanged("Alignment");
+    PropertyChanged(kAlignment);
 }
 
 // Out-of-range values are clamped, never refused; reaching the minimum
@@ -144,8 +142,8 @@ void ProgressBox::SetValue(double v) {
     else if (value_ == maxValue_) StopTiming();
     UpdatePercentual();
     Redraw();
-    PropertyChanged("Value");
-    PropertyChanged("Percentual");
+    PropertyChanged(kValue);
+    PropertyChanged(kPercentual);
 }
 
 void ProgressBox::SetPercentual(double p) {
@@ -156,8 +154,8 @@ void ProgressBox::SetPercentual(double p) {
     if (percentual_ == 0) StartTiming();
     else if (percentual_ == 100) StopTiming();
     Redraw();
-    PropertyChanged("Percentual");
-    PropertyChanged("Value");
+    PropertyChanged(kPercentual);
+    PropertyChanged(kValue);
 }
 
 // A minimum at or above the maximum is dropped silently. Moving the value
@@ -168,12 +166,12 @@ void ProgressBox::SetMinValue(double m) {
     minValue_ = m;
     if (m > value_) {
         value_ = m;
-        PropertyChanged("Value");
+        PropertyChanged(kValue);
     }
     UpdatePercentual();
     Redraw();
-    PropertyChanged("MinValue");
-    PropertyChanged("Percentual");
+    PropertyChanged(kMinValue);
+    PropertyChanged(kPercentual);
 }
 
 void ProgressBox::SetMaxValue(double m) {
@@ -181,12 +179,12 @@ void ProgressBox::SetMaxValue(double m) {
     maxValue_ = m;
     if (m < value_) {
         value_ = m;
-        PropertyChanged("Value");
+        PropertyChanged(kValue);
     }
     UpdatePercentual();
     Redraw();
-    PropertyChanged("MaxValue");
-    PropertyChanged("Percentual");
+    PropertyChanged(kMaxValue);
+    PropertyChanged(kPercentual);
 }
 
 void ProgressBox::SetTimerChangedInterval(Long milliseconds) {
@@ -196,7 +194,7 @@ void ProgressBox::SetTimerChangedInterval(Long milliseconds) {
         if (milliseconds < 0) RaiseHostError(HostErrorCode::InvalidPropertyValue);
         pendingInterval_ = milliseconds;
     }
-    PropertyChanged("TimerChangedInterval");
+    PropertyChanged(kTimerChangedInterval);
 }
 
 // ---- Life-cycle ---------------------------------------------------------------
@@ -204,79 +202,15 @@ void ProgressBox::SetTimerChangedInterval(Long milliseconds) {
 void ProgressBox::InitProperties() {
     EnsureTimer();
     SurfaceState().font = Site().AmbientFont()->Clone();
-    startColor_ = finishColor_ = pivotColor_ = kHighlight;
-    startColorRGB_ = finishColorRGB_ = TranslateSysColor(kHighlight);
+    startColor_ = finishColor_ = pivotColor_ = kSysHighlight;
+    startColorRGB_ = finishColorRGB_ = TranslateSysColor(kSysHighlight);
     value_ = minValue_ = percentual_ = 0;
     maxValue_ = 100;
     text_.clear();
     showPercentual_ = true;
-    alignment_ = 1;
-    gradientStyle_ = 0;
+    alignment_ = host::kCenter;
+    gradientStyle_ = kLinear;
     ready_ = true;
-}
-
-// Loaded values go straight into the fields: no clamping, coupling, timing
-// or notification.
-void ProgressBox::ReadProperties(host::PropertyBag& bag) {
-    EnsureTimer();
-    host::SurfaceProperties& s = SurfaceState();
-    s.enabled = bag.ReadProperty("Enabled", Variant(true)).ToBoolean();
-    const Variant font =
-        bag.ReadProperty("Font", Variant(std::shared_ptr<Object>(Site().AmbientFont())));
-    if (auto f = std::dynamic_pointer_cast<Font>(font.ToObject())) s.font = f->Clone();
-    s.borderStyle = bag.ReadProperty("BorderStyle", Variant(Integer(0))).ToInteger();
-    s.appearance = bag.ReadProperty("Appearance", Variant(Integer(1))).ToInteger();
-    s.backColor = static_cast<OLE_COLOR>(
-        bag.ReadProperty("BackColor", Variant(static_cast<Long>(0x8000000F))).ToLong());
-    s.mouseIcon = bag.ReadProperty("MouseIcon", Variant::Nothing()).ToObject();
-    s.mousePointer = bag.ReadProperty("MousePointer", Variant(Integer(0))).ToInteger();
-    startColor_ = static_cast<OLE_COLOR>(
-        bag.ReadProperty("StartColor", Variant(static_cast<Long>(kHighlight))).ToLong());
-    startColorRGB_ = TranslateSysColor(startColor_);
-    finishColor_ = static_cast<OLE_COLOR>(
-        bag.ReadProperty("FinishColor", Variant(static_cast<Long>(kHighlight))).ToLong());
-    finishColorRGB_ = TranslateSysColor(finishColor_);
-    text_ = bag.ReadProperty("Text", Variant("")).ToString();
-    showPercentual_ = bag.ReadProperty("ShowPercentual", Variant(true)).ToBoolean();
-    alignment_ = bag.ReadProperty("Alignment", Variant(Long(1))).ToLong();
-    minValue_ = bag.ReadProperty("MinValue", Variant(0.0)).ToDouble();
-    maxValue_ = bag.ReadProperty("MaxValue", Variant(100.0)).ToDouble();
-    value_ = bag.ReadProperty("Value", Variant(0.0)).ToDouble();
-    percentual_ = bag.ReadProperty("Percentual", Variant(0.0)).ToDouble();
-    gradientStyle_ = bag.ReadProperty("GradientStyle", Variant(Long(0))).ToLong();
-    pivotColor_ = static_cast<OLE_COLOR>(
-        bag.ReadProperty("PivotColor", Variant(static_cast<Long>(kHighlight))).ToLong());
-    s.foreColor = static_cast<OLE_COLOR>(
-        bag.ReadProperty("ForeColor", Variant(static_cast<Long>(0x80000012))).ToLong());
-    tmrTimes_->SetInterval(bag.ReadProperty("TimerChangedInterval", Variant(Long(250))).ToLong());
-    ready_ = true;
-    Redraw();
-}
-
-void ProgressBox::WriteProperties(host::PropertyBag& bag) {
-    const host::SurfaceProperties& s = SurfaceState();
-    const auto color = [](OLE_COLOR c) { return Variant(static_cast<Long>(c)); };
-    bag.WriteProperty("Enabled", Variant(s.enabled), Variant(true));
-    bag.WriteProperty("Font", Variant(std::shared_ptr<Object>(s.font)),
-                      Variant(std::shared_ptr<Object>(Site().AmbientFont())));
-    bag.WriteProperty("BorderStyle", Variant(s.borderStyle), Variant(Integer(0)));
-    bag.WriteProperty("Appearance", Variant(s.appearance), Variant(Integer(1)));
-    bag.WriteProperty("BackColor", color(s.backColor), color(0x8000000F));
-    bag.WriteProperty("MouseIcon", Variant(s.mouseIcon), Variant::Nothing());
-    bag.WriteProperty("MousePointer", Variant(s.mousePointer), Variant(Integer(0)));
-    bag.WriteProperty("StartColor", color(startColor_), color(kHighlight));
-    bag.WriteProperty("FinishColor", color(finishColor_), color(kHighlight));
-    bag.WriteProperty("Text", Variant(text_), Variant(""));
-    bag.WriteProperty("ShowPercentual", Variant(showPercentual_), Variant(true));
-    bag.WriteProperty("Alignment", Variant(alignment_), Variant(Long(1)));
-    bag.WriteProperty("MinValue", Variant(minValue_), Variant(0.0));
-    bag.WriteProperty("MaxValue", Variant(maxValue_), Variant(100.0));
-    bag.WriteProperty("Value", Variant(value_), Variant(0.0));
-    bag.WriteProperty("Percentual", Variant(percentual_), Variant(0.0));
-    bag.WriteProperty("GradientStyle", Variant(gradientStyle_), Variant(Long(0)));
-    bag.WriteProperty("PivotColor", color(pivotColor_), color(kHighlight));
-    bag.WriteProperty("ForeColor", color(s.foreColor), color(0x80000012));
-    bag.WriteProperty("TimerChangedInterval", Variant(TimerChangedInterval()), Variant(Long(250)));
 }
 
 void ProgressBox::Show() {}
@@ -379,7 +313,7 @@ void ProgressBox::DrawBar(clsGFX_2D& gfx, double& from, double& to) {
     const auto column = [&](Long x, Long color) { gfx.Draw_Line(x, 0, x, bottom, color); };
 
     switch (gradientStyle_) {
-        case 0: {
+        case kLinear: {
             gfx.Color_Fill(static_cast<Long>(TranslateSysColor(SurfaceState().backColor)));
             const double stepR = Divide(f.r - s.r, last);
             const double stepG = Divide(f.g - s.g, last);
@@ -391,9 +325,9 @@ void ProgressBox::DrawBar(clsGFX_2D& gfx, double& from, double& to) {
                 column(x, Combine(s.r + x * stepR, s.g + x * stepG, s.b + x * stepB));
             return;
         }
-        case 1:
-        case 2: {
-            const bool squared = gradientStyle_ == 2;
+        case kGaussian:
+        case kGaussianSquared: {
+            const bool squared = gradientStyle_ == kGaussianSquared;
             const Long p = ToLong(Divide((to - minValue_) * (w - 2), maxValue_ - minValue_));
             const Rgb pv = SplitRGB(TranslateSysColor(pivotColor_));
             if (p != 0) {
@@ -452,71 +386,13 @@ void ProgressBox::OnTimer() {
     RaiseEvent(kTimerChange, args);
 }
 
-// ---- Dispatch ---------------------------------------------------------------------
-
-Variant ProgressBox::GetProperty(host::DispId id) {
-    const host::SurfaceProperties& s = SurfaceState();
-    const auto color = [](OLE_COLOR c) { return Variant(static_cast<Long>(c)); };
-    switch (id) {
-        case kBackColor: return color(s.backColor);
-        case kForeColor: return color(s.foreColor);
-        case kEnabled: return Variant(s.enabled);
-        case kFont: return Variant(std::shared_ptr<Object>(s.font));
-        case kBorderStyle: return Variant(static_cast<Long>(s.borderStyle));
-        case kAppearance: return Variant(static_cast<Long>(s.appearance));
-        case kHWnd: return Variant(Site().WindowHandle());
-        case kMouseIcon: return Variant(s.mouseIcon);
-        case kMousePointer: return Variant(s.mousePointer);
-        case kStartColor: return color(startColor_);
-        case kFinishColor: return color(finishColor_);
-        case kValue: return Variant(value_);
-        case kText: return Variant(text_);
-        case kShowPercentual: return Variant(showPercentual_);
-        case kAlignment: return Variant(alignment_);
-        case kMinValue: return Variant(minValue_);
-        case kMaxValue: return Variant(maxValue_);
-        case kPercentual: return Variant(percentual_);
-        case kGradientStyle: return Variant(gradientStyle_);
-        case kPivotColor: return color(pivotColor_);
-        case kTimerChangedInterval: return Variant(TimerChangedInterval());
-    }
-    return Control::GetProperty(id);
-}
-
-void ProgressBox::PutProperty(host::DispId id, const Variant& v) {
-    const auto color = [&] { return static_cast<OLE_COLOR>(v.ToLong()); };
-    switch (id) {
-        case kBackColor: return SetBackColor(color());
-        case kForeColor: return SetForeColor(color());
-        case kEnabled: return SetEnabled(v.ToBoolean());
-        case kFont: return SetFont(std::dynamic_pointer_cast<Font>(v.ToObject()));
-        case kBorderStyle: return SetBorderStyle(v.ToLong());
-        case kAppearance: return SetAppearance(v.ToLong());
-        case kMouseIcon: return SetMouseIcon(v.ToObject());
-        case kMousePointer: return SetMousePointer(v.ToInteger());
-        case kStartColor: return SetStartColor(color());
-        case kFinishColor: return SetFinishColor(color());
-        case kValue: return SetValue(v.ToDouble());
-        case kText: return SetText(v.ToString());
-        case kShowPercentual: return SetShowPercentual(v.ToBoolean());
-        case kAlignment: return SetAlignment(v.ToLong());
-        case kMinValue: return SetMinValue(v.ToDouble());
-        case kMaxValue: return SetMaxValue(v.ToDouble());
-        case kPercentual: return SetPercentual(v.ToDouble());
-        case kGradientStyle: return SetGradientStyle(v.ToLong());
-        case kPivotColor: return SetPivotColor(color());
-        case kTimerChangedInterval: return SetTimerChangedInterval(v.ToLong());
-    }
-    Control::PutProperty(id, v);
-}
-
 std::vector<std::string> ProgressBox::Dump() const {
     return {
         std::string("timer ") + (TimerRunning() ? "enabled" : "disabled"),
         "interval " + std::to_string(TimerChangedInterval()),
         "StartTick " + std::to_string(startTick_),
-        "Value " + DoubleText(value_),
-        "Percentual " + DoubleText(percentual_),
+        std::string(Table()[kValue].name) + " " + DoubleText(value_),
+        std::string(Table()[kPercentual].name) + " " + DoubleText(percentual_),
         "caption \"" + Caption() + "\"",
     };
 }

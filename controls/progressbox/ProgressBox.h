@@ -2,8 +2,9 @@
 // of its text and percentage, that times a run from its minimum to its
 // maximum and reports elapsed and estimated time.
 //
-// Sections: dispatch identifiers; state; properties; life-cycle; painting;
-// timing.
+// Sections: members; properties; life-cycle; input; painting; timing.
+// The member table, persistence order and property reader and writer are
+// in ProgressBoxMembers.cpp.
 #pragma once
 
 #include <memory>
@@ -21,28 +22,31 @@ namespace kelvarin::controls {
 
 class ProgressBox : public host::Control {
 public:
-    enum DispIds : host::DispId {
-        kBackColor = 0x68030027,
-        kForeColor = 0x68030026,
-        kEnabled = 0x68030025,
-        kFont = host::DISPID_FONT,
-        kBorderStyle = 0x68030024,
-        kAppearance = 0x68030023,
-        kHWnd = 0x68030022,
-        kMouseIcon = 0x68030021,
-        kMousePointer = 0x68030020,
-        kStartColor = 0x6803001F,
-        kFinishColor = 0x6803001E,
-        kValue = 0x6803001D,
-        kText = 0x6803001C,
-        kShowPercentual = 0x6803001B,
-        kAlignment = 0x6803001A,
-        kMinValue = 0x68030019,
-        kMaxValue = 0x68030018,
-        kPercentual = 0x68030017,
-        kGradientStyle = 0x68030016,
-        kPivotColor = 0x68030015,
-        kTimerChangedInterval = 0x68030014,
+    // The rows of the member table, in type-library order
+    // (ProgressBoxMembers.cpp).
+    enum Row : int {
+        kBackColor,
+        kForeColor,
+        kEnabled,
+        kFont,
+        kBorderStyle,
+        kAppearance,
+        kHWnd,
+        kMouseIcon,
+        kMousePointer,
+        kStartColor,
+        kFinishColor,
+        kValue,
+        kText,
+        kShowPercentual,
+        kAlignment,
+        kMinValue,
+        kMaxValue,
+        kPercentual,
+        kGradientStyle,
+        kPivotColor,
+        kTimerChangedInterval,
+        kRowCount
     };
     // Event numbers in the event interface.
     enum Events : int {
@@ -58,8 +62,14 @@ public:
         kTimerChange,
     };
 
+    // eGradientStyle: how the bar's colours run.
+    enum GradientStyle : Long { kLinear = 0, kGaussian = 1, kGaussianSquared = 2 };
+
     ProgressBox();
     ~ProgressBox() override;
+
+    static host::MemberTable Table();
+    host::MemberTable Members() const override { return Table(); }
 
     // ---- Properties (typed API; each write repaints and notifies as it must)
     void SetBackColor(OLE_COLOR color);
@@ -113,8 +123,6 @@ public:
     void MouseUp(Integer button, Integer shift, Single x, Single y) override;
     void Click() override;
     void DblClick() override;
-    Variant GetProperty(host::DispId id) override;
-    void PutProperty(host::DispId id, const Variant& value) override;
     std::vector<std::string> Dump() const override;
 
     // The caption as drawn: the text, then a blank and the rounded percentage.
@@ -132,19 +140,19 @@ private:
     void EnsureTimer();
     void RaiseMouse(int number, Integer button, Integer shift, Single x, Single y);
 
-    OLE_COLOR startColor_ = 0x8000000D;
+    OLE_COLOR startColor_ = kSysHighlight;
     OLE_COLOR startColorRGB_ = 0;
-    OLE_COLOR finishColor_ = 0x8000000D;
+    OLE_COLOR finishColor_ = kSysHighlight;
     OLE_COLOR finishColorRGB_ = 0;
-    OLE_COLOR pivotColor_ = 0x8000000D;
-    Long gradientStyle_ = 0;
+    OLE_COLOR pivotColor_ = kSysHighlight;
+    Long gradientStyle_ = kLinear;
     double percentual_ = 0;
     double value_ = 0;
     double minValue_ = 0;
     double maxValue_ = 100;
     std::string text_;
     bool showPercentual_ = true;
-    Long alignment_ = 1;
+    Long alignment_ = host::kCenter;
     std::uint32_t startTick_ = 0;
     bool ready_ = false;
     std::unique_ptr<host::Timer> tmrTimes_;

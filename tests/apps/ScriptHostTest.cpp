@@ -11,26 +11,79 @@
 namespace kelvarin::script {
 namespace {
 
-using library::Access;
-using library::BaseType;
-using library::MemberKind;
-
 // A small control that exercises the frame: a few typed properties, a
 // method, events, a timer, persistence and a focus it can keep.
 class Gauge : public host::Control {
 public:
     Gauge() : Control("Gauge") {}
 
+    enum Row : int { kCaption, kCount, kColour, kWhen, kBump, kInterval };
+
+    static host::MemberTable Table() {
+        using namespace host::rows;
+        using host::Box, host::Unbox, host::kGet, host::kLet;
+        static const host::Member rows[] = {
+            Property(kCaption, "Caption", 1, AsString)
+                .Raw(
+                    kGet | kLet, [](host::Control& c) { return Variant(Self(c).caption_); },
+                    [](host::Control& c, const Variant& v) {
+                        Self(c).Put(kCaption, [&] { Self(c).caption_ = v.ToString(); });
+                    })
+                .Persist("", [](Gauge& g, std::string v) { g.caption_ = std::move(v); }),
+            Property(kCount, "Count", 2, AsLong)
+                .Raw(
+                    kGet | kLet, [](host::Control& c) { return Variant(Self(c).count_); },
+                    [](host::Control& c, const Variant& v) {
+                        Self(c).Put(kCount, [&] { Self(c).count_ = v.ToLong(); });
+                    })
+                .Persist(Long(0), [](Gauge& g, Long v) { g.count_ = v; }),
+            Property(kColour, "Color", 3, AsColor)
+                .Raw(
+                    kGet | kLet, [](host::Control& c) { return Box(Self(c).color_); },
+                    [](host::Control& c, const Variant& v) {
+                        Self(c).Put(kColour, [&] {
+                            Self(c).color_ = Unbox<OLE_COLOR>(v);
+                            Self(c).Paint();
+                        });
+                    })
+                .Persist(Long(255), [](Gauge& g, OLE_COLOR v) { g.color_ = v; }),
+            Property(kWhen, "When", 4, AsDate)
+                .Raw(
+                    kGet | kLet, [](host::Control& c) { return Variant::FromDate(Self(c).when_); },
+                    [](host::Control& c, const Variant& v) {
+                        Self(c).Put(kWhen, [&] { Self(c).when_ = v.ToDate(); });
+                    }),
+            Method(kBump, "Bump", 5, AsLong, {AsLong},
+                   [](host::Control& c, std::span<Variant> args) {
+                       Self(c).count_ += args[0].ToLong();
+                       return Variant(Self(c).count_);
+                   }),
+            Property(kInterval, "Interval", 6, AsLong)
+                .Raw(
+                    kGet | kLet,
+                    [](host::Control& c) {
+                        return Variant(Self(c).timer_ ? Self(c).timer_->Interval() : Long(0));
+                    },
+                    [](host::Control& c, const Variant& v) {
+                        Self(c).Put(kInterval, [&] {
+                            Self(c).timer_->SetInterval(v.ToLong());
+                            Self(c).timer_->SetEnabled(v.ToLong() > 0);
+                        });
+                    }),
+        };
+        static const host::MemberTable table = host::CheckedTable(rows);
+        return table;
+    }
+    host::MemberTable Members() const override { return Table(); }
+
     void InitProperties() override { caption_ = Site().ExtenderName(); }
     void ReadProperties(host::PropertyBag& bag) override {
-        caption_ = bag.ReadProperty("Caption", Variant("")).ToString();
-        count_ = bag.ReadProperty("Count", Variant(Long(0))).ToLong();
-        color_ = static_cast<OLE_COLOR>(bag.ReadProperty("Color", Variant(Long(255))).ToLong());
+        static constexpr int order[] = {kCaption, kCount, kColour};
+        host::ReadMembers(bag, *this, order);
     }
     void WriteProperties(host::PropertyBag& bag) override {
-        bag.WriteProperty("Caption", Variant(caption_), Variant(""));
-        bag.WriteProperty("Count", Variant(count_), Variant(Long(0)));
-        bag.WriteProperty("Color", Variant(static_cast<Long>(color_)), Variant(Long(255)));
+        static constexpr int order[] = {kCaption, kCount, kColour};
+        host::WriteMembers(bag, *this, order);
     }
     void Show() override {
         timer_ = Site().CreateTimer([this] { Bump(); });
@@ -49,43 +102,14 @@ public:
     }
     bool QueryLeaveFocus() override { return caption_ != "stay"; }
 
-    Variant GetProperty(host::DispId id) override {
-        switch (id) {
-            case 1: return Variant(caption_);
-            case 2: return Variant(count_);
-            case 3: return Variant(static_cast<Long>(color_));
-            case 4: return Variant::FromDate(when_);
-            case 6: return Variant(timer_ ? timer_->Interval() : Long(0));
-        }
-        return Control::GetProperty(id);
-    }
-    void PutProperty(host::DispId id, const Variant& v) override {
-        switch (id) {
-            case 1: caption_ = v.ToString(); break;
-            case 2: count_ = v.ToLong(); break;
-            case 3:
-                color_ = static_cast<OLE_COLOR>(v.ToLong());
-                Paint();
-                break;
-            case 4: when_ = v.ToDate(); break;
-            case 6:
-                timer_->SetInterval(v.ToLong());
-                timer_->SetEnabled(v.ToLong() > 0);
-                break;
-            default: Control::PutProperty(id, v); return;
-        }
-        PropertyChanged(id == 1 ? "Caption" : id == 2 ? "Count" : id == 3 ? "Color" : "Other");
-    }
-    Variant CallMethod(host::DispId id, std::span<Variant> args) override {
-        if (id == 5) {
-            count_ += args.empty() ? 1 : args[0].ToLong();
-            return Variant(count_);
-        }
-        return Control::CallMethod(id, args);
-    }
     std::vector<std::string> Dump() const override { return {"count " + std::to_string(count_)}; }
 
 private:
+    static Gauge& Self(host::Control& c) { return static_cast<Gauge&>(c); }
+    void Put(int row, auto&& store) {
+        store();
+        PropertyChanged(row);
+    }
     void Bump() {
         ++count_;
         RaiseEvent(1, {});
@@ -105,32 +129,10 @@ const library::ClassInfo& GaugeClass() {
         {},
         "__Gauge",
         {},
-        {
-            {"Caption",
-             MemberKind::Property,
-             {BaseType::String},
-             1,
-             library::kGet | library::kLet,
-             ""},
-            {"Count", MemberKind::Property, {BaseType::Long}, 2, library::kGet | library::kLet, ""},
-            {"Color",
-             MemberKind::Property,
-             {BaseType::OleColor},
-             3,
-             library::kGet | library::kLet,
-             ""},
-            {"When", MemberKind::Property, {BaseType::Date}, 4, library::kGet | library::kLet, ""},
-            {"Bump", MemberKind::Method, {BaseType::Long}, 5, 0, "", false, {{BaseType::Long}}},
-            {"Interval",
-             MemberKind::Property,
-             {BaseType::Long},
-             6,
-             library::kGet | library::kLet,
-             ""},
-        },
+        Gauge::Table(),
         {{1, "Changed", {}, ""},
-         {2, "KeyDown", {{"KeyCode", {BaseType::Integer}}, {"Shift", {BaseType::Integer}}}, ""},
-         {3, "KeyPress", {{"KeyAscii", {BaseType::Integer}}}, ""}},
+         {2, "KeyDown", {{"KeyCode", host::rows::AsInteger}, {"Shift", host::rows::AsInteger}}, ""},
+         {3, "KeyPress", {{"KeyAscii", host::rows::AsInteger}}, ""}},
     };
     return info;
 }
@@ -182,7 +184,7 @@ error: 0 unknown command frobnicate
 still "here"
 g1 notified Count
 g1 notified Color
-g1 notified Other
+g1 notified When
 )");
     EXPECT_FALSE(ok);
     EXPECT_TRUE((RunScript("echo fine\n", &ok), ok));

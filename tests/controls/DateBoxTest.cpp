@@ -592,14 +592,14 @@ TEST_F(DateBoxTest, LoadResetsTheChangeFlagsAndMovesAStoredValueIntoItsLimits) {
 
 TEST_F(DateBoxTest, DispatchReachesPropertiesAndTheLayoutMethods) {
     DateBox& b = Make();
-    b.PutProperty(DateBox::kValueDB, Variant("05/03/2007"));
-    EXPECT_EQ(b.GetProperty(DateBox::kValue), Variant::FromDate(Ymd(2007, 3, 5)));
-    b.PutProperty(DateBox::kDateFormat, Variant("hh:nn"));
-    EXPECT_TRUE(b.GetProperty(DateBox::kValueDB).IsNull());
-    EXPECT_EQ(b.CallMethod(DateBox::kTextWidth, {}), Variant(Long(14 + 7 + 14 + 17)));
-    EXPECT_EQ(b.CallMethod(DateBox::kTextTop, {}), Variant(Long(1)));
-    EXPECT_THROW(b.GetProperty(DateBox::kTextLeft), HostError);
-    EXPECT_THROW(b.CallMethod(DateBox::kValue, {}), HostError);
+    library::Let(b, "ValueDB", Variant("05/03/2007"));
+    EXPECT_EQ(library::Get(b, "Value"), Variant::FromDate(Ymd(2007, 3, 5)));
+    library::Let(b, "DateFormat", Variant("hh:nn"));
+    EXPECT_TRUE(library::Get(b, "ValueDB").IsNull());
+    EXPECT_EQ(library::Call(b, "TextWidth", {}), Variant(Long(14 + 7 + 14 + 17)));
+    EXPECT_EQ(library::Call(b, "TextTop", {}), Variant(Long(1)));
+    EXPECT_THROW(library::Get(b, "TextLeft"), HostError);
+    EXPECT_THROW(library::Call(b, "Value", {}), HostError);
 }
 
 // ---- Keyboard --------------------------------------------------------------------

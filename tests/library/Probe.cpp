@@ -9,41 +9,79 @@
 
 namespace kelvarin::library::test {
 
-Variant Probe::GetProperty(DispId id) {
-    if (id == kHandle) return Variant(Long{0x1234});
-    if (id == host::DISPID_FONT) return Variant(std::shared_ptr<Object>(SurfaceState().font));
-    const auto it = values.find(id);
-    if (it != values.end()) return it->second;
-    if (id >= kNumber && id <= kIcon) return Variant();
-    return Control::GetProperty(id);
+namespace {
+
+using namespace host::rows;
+
+// Every property keeps what was written to it, by DISPID.
+template <DispId Id>
+Variant Stored(host::Control& c) {
+    auto& p = static_cast<Probe&>(c);
+    const auto it = p.values.find(Id);
+    return it == p.values.end() ? Variant() : it->second;
 }
 
-void Probe::PutProperty(DispId id, const Variant& value) {
-    if (id == host::DISPID_FONT) {
-        SurfaceState().font = std::dynamic_pointer_cast<Font>(value.ToObject());
-    }
-    values[id] = value;
-    puts.push_back(id);
+template <DispId Id>
+void Store(host::Control& c, const Variant& v) {
+    auto& p = static_cast<Probe&>(c);
+    if (Id == host::DISPID_FONT)
+        p.SurfaceState().font = std::dynamic_pointer_cast<Font>(v.ToObject());
+    p.values[Id] = v;
+    p.puts.push_back(Id);
 }
 
-Variant Probe::CallMethod(DispId id, std::span<Variant> args) {
-    switch (id) {
-        case kAdd: return Variant(static_cast<Long>(args[0].ToLong() + args[1].ToLong()));
-        case kBump:
-            args[0] = Variant(static_cast<Integer>(args[0].ToInteger() + 1));
-            return Variant(Long{7});
-        case kRing: {
-            Variant count(Long{3});
-            RaiseEvent(1, {&count, 1});
-            return Variant(Long{99});  // ignored: Ring returns nothing
-        }
-        case kType: {
-            Variant key = args[0];
-            RaiseEvent(2, {&key, 1});
-            return key;
-        }
-        default: return Control::CallMethod(id, args);
-    }
+template <DispId Id>
+host::rows::Row Stored(const char* name, TypeRef type, unsigned access) {
+    const int row = Id == host::DISPID_FONT ? kType : Id - 1;
+    return Property(row, name, Id, type).Raw(access, &Stored<Id>, &Store<Id>);
+}
+
+Variant Add(host::Control&, std::span<Variant> args) {
+    return Variant(static_cast<Long>(args[0].ToLong() + args[1].ToLong()));
+}
+
+Variant Bump(host::Control&, std::span<Variant> args) {
+    args[0] = Variant(static_cast<Integer>(args[0].ToInteger() + 1));
+    return Variant(Long{7});
+}
+
+Variant Ring(host::Control& c, std::span<Variant>) {
+    Variant count(Long{3});
+    static_cast<Probe&>(c).Raise(1, {&count, 1});
+    return Variant(Long{99});  // ignored: Ring returns nothing
+}
+
+Variant Type(host::Control& c, std::span<Variant> args) {
+    Variant key = args[0];
+    static_cast<Probe&>(c).Raise(2, {&key, 1});
+    return key;
+}
+
+}  // namespace
+
+host::MemberTable Probe::Table() {
+    static const host::Member rows[] = {
+        Stored<kNumber>("Number", AsLong, kGet | kLet),
+        Stored<kSmall>("Small", AsInteger, kGet | kLet),
+        Stored<kFlag>("Flag", AsBoolean, kGet | kLet),
+        Stored<kRatio>("Ratio", AsSingle, kGet | kLet),
+        Stored<kAmount>("Amount", AsDouble, kGet | kLet),
+        Stored<kWhen>("When", AsDate, kGet | kLet),
+        Stored<kCaption>("Caption", AsString, kGet | kLet),
+        Stored<kData>("Data", AsVariant, kGet | kLet),
+        Stored<kColour>("Colour", AsColor, kGet | kLet),
+        Stored<kMode>("Mode", Enum("eAlignment"), kGet | kLet),
+        Property(kHandle - 1, "Handle", kHandle, AsLong)
+            .Raw(kGet, [](host::Control&) { return Variant(Long{0x1234}); }),
+        Stored<kIcon>("Icon", AsPicture, kGet | kSet),
+        Method(kAdd - 1, "Add", kAdd, AsLong, {AsLong, AsLong}, &Add),
+        Method(kBump - 1, "Bump", kBump, AsLong, {AsInteger}, &Bump),
+        Method(kRing - 1, "Ring", kRing, AsVoid, {}, &Ring),
+        Method(kType - 1, "Type", kType, AsInteger, {AsInteger}, &Type),
+        Stored<host::DISPID_FONT>("Font", AsFont, kGet | kSet),
+    };
+    static const host::MemberTable table = host::CheckedTable(rows);
+    return table;
 }
 
 const ClassInfo& RegisterProbe() {
@@ -54,46 +92,7 @@ const ClassInfo& RegisterProbe() {
         Guid{0x5E1F0C12, 0x2B7A, 0x4C3D, {0x9A, 0x10, 0x44, 0x21, 0x6B, 0x0D, 0x3E, 0x77}},
         "__Probe",
         Guid{0x5E1F0C13, 0x2B7A, 0x4C3D, {0x9A, 0x10, 0x44, 0x21, 0x6B, 0x0D, 0x3E, 0x77}},
-        {
-            {"Number", MemberKind::Property, {BaseType::Long}, kNumber, kGet | kLet, {}},
-            {"Small", MemberKind::Property, {BaseType::Integer}, kSmall, kGet | kLet, {}},
-            {"Flag", MemberKind::Property, {BaseType::Boolean}, kFlag, kGet | kLet, {}},
-            {"Ratio", MemberKind::Property, {BaseType::Single}, kRatio, kGet | kLet, {}},
-            {"Amount", MemberKind::Property, {BaseType::Double}, kAmount, kGet | kLet, {}},
-            {"When", MemberKind::Property, {BaseType::Date}, kWhen, kGet | kLet, {}},
-            {"Caption", MemberKind::Property, {BaseType::String}, kCaption, kGet | kLet, {}},
-            {"Data", MemberKind::Property, {BaseType::Variant}, kData, kGet | kLet, {}},
-            {"Colour", MemberKind::Property, {BaseType::OleColor}, kColour, kGet | kLet, {}},
-            {"Mode", MemberKind::Property, {BaseType::Enum, "eAlignment"}, kMode, kGet | kLet, {}},
-            {"Handle", MemberKind::Property, {BaseType::Long}, kHandle, kGet, {}},
-            {"Font", MemberKind::Property, {BaseType::Font}, host::DISPID_FONT, kGet | kSet, {}},
-            {"Icon", MemberKind::Property, {BaseType::Picture}, kIcon, kGet | kSet, {}},
-            {"Add",
-             MemberKind::Method,
-             {BaseType::Long},
-             kAdd,
-             0,
-             {},
-             false,
-             {{BaseType::Long}, {BaseType::Long}}},
-            {"Bump",
-             MemberKind::Method,
-             {BaseType::Long},
-             kBump,
-             0,
-             {},
-             false,
-             {{BaseType::Integer}}},
-            {"Ring", MemberKind::Method, {BaseType::Void}, kRing, 0, {}},
-            {"Type",
-             MemberKind::Method,
-             {BaseType::Integer},
-             kType,
-             0,
-             {},
-             false,
-             {{BaseType::Integer}}},
-        },
+        Probe::Table(),
         {
             {1, "Rang", {{"Count", {BaseType::Long}}}, {}},
             {2, "Typed", {{"KeyAscii", {BaseType::Integer}}}, {}},

@@ -12,7 +12,8 @@
 
 namespace kelvarin::library::test {
 
-// DISPIDs of the probe's members.
+// DISPIDs of the probe's members; each stands at row DISPID - 1 of its
+// table, and Font (the standard DISPID) last.
 enum ProbeId : DispId {
     kNumber = 1,  // Long
     kSmall,       // Integer
@@ -36,12 +37,12 @@ class Probe : public host::Control {
 public:
     Probe() : Control("Probe") {}
 
-    Variant GetProperty(DispId id) override;
-    void PutProperty(DispId id, const Variant& value) override;
-    Variant CallMethod(DispId id, std::span<Variant> args) override;
+    static host::MemberTable Table();
+    host::MemberTable Members() const override { return Table(); }
+    void Raise(int number, std::span<Variant> args) { RaiseEvent(number, args); }
 
     std::map<DispId, Variant> values;
-    std::vector<DispId> puts;  // every PutProperty, in order
+    std::vector<DispId> puts;  // every property write, in order
 };
 
 // The probe's class information, registered in the process's ClassRegistry
