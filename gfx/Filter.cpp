@@ -20,13 +20,7 @@
 
 #include "common/HostError.h"
 #include "gfx/Simd.h"
-
-#if defined(__x86_64__) || defined(__i386__)
-#include <immintrin.h>
-#define KELVARIN_X86 1
-#define KELVARIN_AVX2 __attribute__((target("avx2")))
-#define KELVARIN_AVX512 __attribute__((target("avx2,avx512f,avx512bw,avx512vbmi")))
-#endif
+#include "gfx/Targets.h"
 
 namespace kelvarin {
 

@@ -2,11 +2,7 @@
 
 #include <array>
 
-#if defined(__x86_64__) || defined(__i386__)
-#include <immintrin.h>
-#define KELVARIN_X86 1
-#define KELVARIN_SSSE3 __attribute__((target("ssse3")))
-#endif
+#include "gfx/Targets.h"
 
 namespace kelvarin::gfx_detail {
 
@@ -222,8 +218,6 @@ KELVARIN_SSSE3 Long ReplaceSsse3(std::uint8_t* row, Long width, const std::uint8
 // The weighted grey again on 256-bit registers where the processor has
 // AVX2: each 128-bit half holds its own group of 16 pixels and runs exactly
 // the steps above (every instruction used here works within halves).
-#define KELVARIN_AVX2 __attribute__((target("avx2")))
-
 KELVARIN_AVX2 inline __m256i Load2(const Mask& m) {
     return _mm256_broadcastsi128_si256(_mm_load_si128(reinterpret_cast<const __m128i*>(m.data())));
 }

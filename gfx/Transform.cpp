@@ -19,17 +19,10 @@
 
 #include "common/HostError.h"
 #include "gfx/Simd.h"
+#include "gfx/Targets.h"
 
 #if defined(__linux__)
 #include <sys/mman.h>
-#endif
-
-#if defined(__x86_64__) || defined(__i386__)
-#include <immintrin.h>
-#define KELVARIN_X86 1
-#define KELVARIN_SSSE3 __attribute__((target("ssse3")))
-#define KELVARIN_AVX2 __attribute__((target("avx2")))
-#define KELVARIN_AVX512 __attribute__((target("avx2,avx512f,avx512bw,avx512vbmi")))
 #endif
 
 namespace kelvarin {

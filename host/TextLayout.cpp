@@ -48,12 +48,6 @@ void BreakParagraph(std::string_view paragraph, int maxWidth, const MeasureFunct
 
 }  // namespace
 
-int CharacterCount(std::string_view utf8) noexcept {
-    int n = 0;
-    for (unsigned char c : utf8) n += (c & 0xC0) != 0x80;
-    return n;
-}
-
 TextExtent LayoutText(std::string_view text, const Rect& rect, unsigned format,
                       const MeasureFunction& measure, int lineHeight, const LineFunction& line) {
     int accessIndex = -1;

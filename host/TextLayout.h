@@ -33,7 +33,4 @@ TextExtent LayoutText(std::string_view text, const Rect& rect, unsigned format,
                       const MeasureFunction& measure, int lineHeight,
                       const LineFunction& line = {});
 
-// Number of characters of UTF-8 text.
-int CharacterCount(std::string_view utf8) noexcept;
-
 }  // namespace kelvarin::host

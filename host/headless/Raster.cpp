@@ -4,6 +4,7 @@
 #include <cstdlib>
 
 #include "common/Numeric.h"
+#include "common/Text.h"
 #include "host/TextLayout.h"
 
 namespace kelvarin::host::headless {
@@ -58,7 +59,7 @@ void RasterSurface::FillRect(const Rect& rect, OLE_COLOR color) {
 
 Size RasterSurface::MeasureText(std::string_view text, const Font& font) {
     if (text_) return text_->Measure(text, font);
-    return {CharacterCount(text) * CharWidth(font), LineHeight(font)};
+    return {Utf8Length(text) * CharWidth(font), LineHeight(font)};
 }
 
 int RasterSurface::DrawText(std::string_view text, Rect& rect, unsigned format, const Font& font,
@@ -66,7 +67,7 @@ int RasterSurface::DrawText(std::string_view text, Rect& rect, unsigned format, 
     if (text_) return text_->Draw(*raster_, view_, text, rect, format, font, color);
     const int cw = CharWidth(font);
     const int lh = LineHeight(font);
-    const auto measure = [cw](std::string_view s) { return CharacterCount(s) * cw; };
+    const auto measure = [cw](std::string_view s) { return Utf8Length(s) * cw; };
     if (format & DT_CALCRECT) {
         const TextExtent extent = LayoutText(text, rect, format, measure, lh);
         rect.right = rect.left + extent.width;
@@ -86,10 +87,7 @@ int RasterSurface::DrawText(std::string_view text, Rect& rect, unsigned format, 
         std::size_t i = 0;
         while (i < line.text.size()) {
             const unsigned char c = static_cast<unsigned char>(line.text[i]);
-            std::size_t len = 1;
-            while (i + len < line.text.size() &&
-                   (static_cast<unsigned char>(line.text[i + len]) & 0xC0) == 0x80)
-                ++len;
+            const std::size_t len = Utf8CharSize(line.text, i);
             if (c != ' ') p->surface->FillRect({x, line.y + 2, x + cw - 1, line.y + lh - 2}, color);
             if (static_cast<int>(i) == line.accessIndex)
                 p->surface->FillRect({x, line.y + lh - 1, x + cw, line.y + lh}, color);

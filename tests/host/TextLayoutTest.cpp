@@ -5,12 +5,13 @@
 #include <string>
 #include <vector>
 
+#include "common/Text.h"
 #include "host/Surface.h"
 
 namespace kelvarin::host {
 namespace {
 
-int Measure(std::string_view s) { return CharacterCount(s) * 5; }
+int Measure(std::string_view s) { return Utf8Length(s) * 5; }
 
 struct Placed {
     std::string text;
