@@ -3,18 +3,12 @@
 #include <gtest/gtest.h>
 
 #include "common/HostError.h"
+#include "tests/ErrorOf.h"
 
 namespace kelvarin {
 namespace {
 
-int ErrorOf(auto&& f) {
-    try {
-        f();
-    } catch (const HostError& e) {
-        return e.Number();
-    }
-    return 0;
-}
+using test::ErrorOf;
 
 TEST(DateTime, EveryDayOfTheRangeRoundTripsWithConsecutiveSerialsAndWeekdays) {
     double expected = DateSerial(100, 1, 1);

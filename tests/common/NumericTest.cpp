@@ -6,18 +6,12 @@
 #include <limits>
 
 #include "common/HostError.h"
+#include "tests/ErrorOf.h"
 
 namespace kelvarin {
 namespace {
 
-int ErrorOf(auto&& f) {
-    try {
-        f();
-    } catch (const HostError& e) {
-        return e.Number();
-    }
-    return 0;
-}
+using test::ErrorOf;
 
 TEST(Numeric, RoundHalfEvenTiesGoToTheEvenNeighbour) {
     const struct {

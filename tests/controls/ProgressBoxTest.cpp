@@ -5,12 +5,14 @@
 #include "common/HostError.h"
 #include "host/headless/HeadlessHost.h"
 #include "library/Dispatch.h"
+#include "tests/ErrorOf.h"
 
 namespace kelvarin::controls {
 namespace {
 
 using host::headless::HeadlessHost;
 using host::headless::Placed;
+using kelvarin::test::ErrorOf;
 
 class ProgressBoxTest : public ::testing::Test {
 protected:
@@ -31,14 +33,6 @@ protected:
         for (auto& n : host_.notifications) out.push_back(n.property);
         host_.notifications.clear();
         return out;
-    }
-    int ErrorOf(auto&& f) {
-        try {
-            f();
-        } catch (const HostError& e) {
-            return e.Number();
-        }
-        return 0;
     }
 
     HeadlessHost host_;

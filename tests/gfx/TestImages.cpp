@@ -9,15 +9,6 @@
 
 namespace kelvarin::test {
 
-int ErrorOf(const std::function<void()>& f) {
-    try {
-        f();
-    } catch (const HostError& e) {
-        return e.Number();
-    }
-    return 0;
-}
-
 std::vector<std::uint8_t> Bytes(const clsGFX_2D& gfx) {
     const std::uint8_t* p = gfx.Get_ptrDIBSection();
     if (p == nullptr) return {};

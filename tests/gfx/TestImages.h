@@ -9,11 +9,9 @@
 
 #include "common/HostError.h"
 #include "gfx/clsGFX_2D.h"
+#include "tests/ErrorOf.h"
 
 namespace kelvarin::test {
-
-// The host error number a call raises, 0 when it returns.
-int ErrorOf(const std::function<void()>& f);
 
 // Every byte of the surface, padding included, lowest row first.
 std::vector<std::uint8_t> Bytes(const clsGFX_2D& gfx);

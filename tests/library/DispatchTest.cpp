@@ -7,23 +7,15 @@
 #include "common/HostError.h"
 #include "host/headless/HeadlessHost.h"
 #include "library/ClassFactory.h"
+#include "tests/ErrorOf.h"
 #include "tests/library/Probe.h"
 
 namespace kelvarin::library {
 namespace {
 
-using test::Probe;
+using kelvarin::test::ErrorOf;
 
-// Runs `action` and returns the host error number it raised (0 for none).
-template <typename Action>
-int ErrorOf(Action action) {
-    try {
-        action();
-    } catch (const HostError& e) {
-        return e.Number();
-    }
-    return 0;
-}
+using test::Probe;
 
 class PictureStandIn : public Object {
 public:
