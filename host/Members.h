@@ -148,84 +148,64 @@ void WriteMembers(PropertyBag& bag, Control& control, std::span<const int> order
 
 namespace rows {
 
-template <class F>
-struct Signature;
-template <class R, class C>
-struct Signature<R (C::*)()> {
-    using Class = C;
-    using Value = std::decay_t<R>;
-};
-template <class R, class C>
-struct Signature<R (C::*)() const> : Signature<R (C::*)()> {};
-template <class R, class C>
-struct Signature<R (C::*)() noexcept> : Signature<R (C::*)()> {};
-template <class R, class C>
-struct Signature<R (C::*)() const noexcept> : Signature<R (C::*)()> {};
+// What the accessors are called on and with, deduced from their types.
+template <class T, class C>
+C ClassOf(T C::*);  // any member function, whatever its qualifiers
 template <class C, class A>
-struct Signature<void (C::*)(A)> {
-    using Class = C;
-    using Value = std::decay_t<A>;
-};
-// A captureless lambda taking the control and a value.
+std::decay_t<A> ArgOf(void (C::*)(A));
 template <class L, class C, class A>
-struct Signature<void (L::*)(C&, A) const> {
-    using Class = C;
-    using Value = std::decay_t<A>;
-};
+std::decay_t<A> ArgOf(void (L::*)(C&, A) const);  // a captureless lambda
+template <class L, class C, class A>
+C TargetOf(void (L::*)(C&, A) const);
 
 template <auto Getter>
 Variant GetVia(Control& c) {
-    using S = Signature<decltype(Getter)>;
-    return Box((static_cast<typename S::Class&>(c).*Getter)());
+    using C = decltype(ClassOf(Getter));
+    return Box((static_cast<C&>(c).*Getter)());
 }
 
 template <auto Setter>
 void PutVia(Control& c, const Variant& v) {
-    using S = Signature<decltype(Setter)>;
-    (static_cast<typename S::Class&>(c).*Setter)(Unbox<typename S::Value>(v));
+    using C = decltype(ClassOf(Setter));
+    (static_cast<C&>(c).*Setter)(Unbox<decltype(ArgOf(Setter))>(v));
 }
 
 template <class L>
 void StoreVia(Control& c, const Variant& v) {
-    using S = Signature<decltype(&L::operator())>;
-    L{}(static_cast<typename S::Class&>(c), Unbox<typename S::Value>(v));
+    using C = decltype(TargetOf(&L::operator()));
+    L{}(static_cast<C&>(c), Unbox<decltype(ArgOf(&L::operator()))>(v));
 }
 
 template <auto Method>
 Variant CallVia(Control& c, std::span<Variant>) {
-    using S = Signature<decltype(Method)>;
-    if constexpr (std::is_void_v<typename S::Value>) {
-        (static_cast<typename S::Class&>(c).*Method)();
+    auto& self = static_cast<decltype(ClassOf(Method))&>(c);
+    if constexpr (std::is_void_v<decltype((self.*Method)())>) {
+        (self.*Method)();
         return Variant();
     } else {
-        return Box((static_cast<typename S::Class&>(c).*Method)());
+        return Box((self.*Method)());
     }
 }
 
 // A row under construction:
-//   Property(kValue, "Value", 0x6803001D, Type(BaseType::Double))
-//       .Get<&ProgressBox::Value>().Let<&ProgressBox::SetValue>()
+//   Property(kValue, "Value", Id(0x6803001D), AsDouble)
+//       .Get<&ProgressBox::Value>()
+//       .Let<&ProgressBox::SetValue>()
 //       .Persist(0.0, [](ProgressBox& c, double v) { c.value_ = v; })
 //       .Help("...")
 // Access follows from the accessors given.
 struct Row : Member {
     template <auto Getter>
     Row&& Get() && {
-        get = &GetVia<Getter>;
-        access |= kGet;
-        return std::move(*this);
+        return std::move(*this).With(kGet, get, &GetVia<Getter>);
     }
     template <auto Setter>
     Row&& Let() && {
-        put = &PutVia<Setter>;
-        access |= kLet;
-        return std::move(*this);
+        return std::move(*this).With(kLet, put, &PutVia<Setter>);
     }
     template <auto Setter>
     Row&& Set() && {
-        put = &PutVia<Setter>;
-        access |= kSet;
-        return std::move(*this);
+        return std::move(*this).With(kSet, put, &PutVia<Setter>);
     }
     // Stored under its own name.
     template <class L>
@@ -237,6 +217,12 @@ struct Row : Member {
         persisted = storedName;
         defaultValue = std::move(def);
         load = &StoreVia<L>;
+        return std::move(*this);
+    }
+    template <class F>
+    Row&& With(unsigned accessor, F& slot, F function) && {
+        slot = function;
+        access |= accessor;
         return std::move(*this);
     }
     Row&& Help(std::string_view text) && {

@@ -72,40 +72,40 @@ std::optional<Guid> Guid::Parse(std::string_view text) {
 
 // ---- Lookups ----------------------------------------------------------------
 
+namespace {
+
+// The first element of a table that satisfies `match`, or null.
+template <class Range, class Match>
+auto FindIn(const Range& range, Match match) -> decltype(&*std::begin(range)) {
+    for (const auto& element : range)
+        if (match(element)) return &element;
+    return nullptr;
+}
+
+// Names are matched as the host binds them: ignoring case.
+auto Named(std::string_view name) {
+    return [name](const auto& e) { return EqualsIgnoreCase(e.name, name); };
+}
+
+}  // namespace
+
 const EnumMemberInfo* EnumInfo::FindMember(std::string_view memberName) const {
-    for (const EnumMemberInfo& m : members)
-        if (EqualsIgnoreCase(m.name, memberName)) return &m;
-    return nullptr;
+    return FindIn(members, Named(memberName));
 }
-
 const EnumMemberInfo* EnumInfo::FindValue(std::int32_t value) const {
-    for (const EnumMemberInfo& m : members)
-        if (m.value == value) return &m;
-    return nullptr;
+    return FindIn(members, [value](const EnumMemberInfo& m) { return m.value == value; });
 }
-
 const MemberInfo* ClassInfo::FindMember(std::string_view memberName) const {
-    for (const MemberInfo& m : members)
-        if (EqualsIgnoreCase(m.name, memberName)) return &m;
-    return nullptr;
+    return FindIn(members, Named(memberName));
 }
-
 const MemberInfo* ClassInfo::FindMember(DispId id) const {
-    for (const MemberInfo& m : members)
-        if (m.dispid == id) return &m;
-    return nullptr;
+    return FindIn(members, [id](const MemberInfo& m) { return m.dispid == id; });
 }
-
 const EventInfo* ClassInfo::FindEvent(std::string_view eventName) const {
-    for (const EventInfo& e : events)
-        if (EqualsIgnoreCase(e.name, eventName)) return &e;
-    return nullptr;
+    return FindIn(events, Named(eventName));
 }
-
 const EventInfo* ClassInfo::FindEvent(int number) const {
-    for (const EventInfo& e : events)
-        if (e.number == number) return &e;
-    return nullptr;
+    return FindIn(events, [number](const EventInfo& e) { return e.number == number; });
 }
 
 std::string ClassInfo::ProgId() const {
@@ -118,21 +118,13 @@ const ClassInfo* TypeLibrary::FindClass(std::string_view className) const {
         EqualsIgnoreCase(className.substr(0, name.size()), name)) {
         className.remove_prefix(name.size() + 1);
     }
-    for (const ClassInfo& c : classes)
-        if (EqualsIgnoreCase(c.name, className)) return &c;
-    return nullptr;
+    return FindIn(classes, Named(className));
 }
-
 const ClassInfo* TypeLibrary::FindClass(const Guid& clsid) const {
-    for (const ClassInfo& c : classes)
-        if (c.clsid == clsid) return &c;
-    return nullptr;
+    return FindIn(classes, [&clsid](const ClassInfo& c) { return c.clsid == clsid; });
 }
-
 const EnumInfo* TypeLibrary::FindEnum(std::string_view enumName) const {
-    for (const EnumInfo& e : enums)
-        if (EqualsIgnoreCase(e.name, enumName)) return &e;
-    return nullptr;
+    return FindIn(enums, Named(enumName));
 }
 
 // ---- The tables -------------------------------------------------------------
