@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "common/HostError.h"
+#include "host/Site.h"
 #include "host/headless/HeadlessHost.h"
 #include "library/Dispatch.h"
 
@@ -19,8 +20,7 @@ protected:
         auto box = std::make_unique<ProgressBox>();
         ProgressBox& b = *box;
         placed_ = &host_.Add("bar", std::move(box), {width, height});
-        b.InitProperties();
-        b.Resize();
+        host::PlaceNew(b, *placed_);
         return b;
     }
     OLE_COLOR At(int x, int y = 0) {

@@ -108,7 +108,7 @@ TEST(HeadlessHost, TheBorderShrinksTheClientAreaAndSitesReportGeometry) {
     EXPECT_EQ(p.Pixels().Get(49, 19), TranslateSysColor(SystemColor(COLOR_BTNHIGHLIGHT)));
     EXPECT_EQ(p.Pixels().Get(1, 1), TranslateSysColor(SystemColor(COLOR_3DDKSHADOW)));
     c.SurfaceState().appearance = 0;
-    p.PaintFrame();
+    p.LayOutFrame();
     EXPECT_EQ(c.ScaleWidth(), 48);
     // The client surface draws inside the border only.
     c.Site().ClientSurface().FillRect({-5, -5, 100, 100}, RGB(1, 2, 3));
