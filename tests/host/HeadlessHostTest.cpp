@@ -36,10 +36,8 @@ TEST(HeadlessHost, TimersFireInTimeOrderAndTheTickWraps) {
     std::vector<std::string> log;
     auto* a = new Ticker(log, "a");
     auto* b = new Ticker(log, "b");
-    host.Add("a", std::unique_ptr<Control>(a), {10, 10});
-    host.Add("b", std::unique_ptr<Control>(b), {10, 10});
-    a->Show();
-    b->Show();
+    PlaceNew(*a, host.Add("a", std::unique_ptr<Control>(a), {10, 10}));
+    PlaceNew(*b, host.Add("b", std::unique_ptr<Control>(b), {10, 10}));
     a->Clock().SetInterval(250);
     b->Clock().SetInterval(100);
     a->Clock().SetEnabled(true);
