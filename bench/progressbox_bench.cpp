@@ -8,6 +8,7 @@
 #include <new>
 
 #include "controls/progressbox/ProgressBox.h"
+#include "host/Site.h"
 #include "host/headless/HeadlessHost.h"
 
 namespace {
@@ -37,11 +38,9 @@ struct Bar {
         host.recording = false;
         auto control = std::make_unique<ProgressBox>();
         box = control.get();
-        host.Add("bar", std::move(control), {400, 24});
-        box->InitProperties();
+        kelvarin::host::PlaceNew(*box, host.Add("bar", std::move(control), {400, 24}));
         box->SetText("Copying");
         box->SetGradientStyle(static_cast<kelvarin::Long>(style));
-        box->Resize();
     }
 };
 

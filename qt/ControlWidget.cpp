@@ -90,31 +90,46 @@ Qt::CursorShape CursorOf(Integer pointer) {
 // ---- Creation ---------------------------------------------------------------------
 
 ControlWidget::ControlWidget(std::unique_ptr<host::Control> control, QWidget* parent)
+    : ControlWidget(std::move(control), nullptr, QString(), parent) {}
+
+ControlWidget::ControlWidget(std::unique_ptr<host::Control> control, host::FormControl& entry,
+                             const QString& place, QWidget* parent)
+    : ControlWidget(std::move(control), &entry, place, parent) {}
+
+ControlWidget::ControlWidget(std::unique_ptr<host::Control> control, host::FormControl* entry,
+                             const QString& place, QWidget* parent)
     : QWidget(parent), control_(std::move(control)), client_(image_, text_), handle_(NextHandle()) {
     setAttribute(Qt::WA_OpaquePaintEvent);
     setMouseTracking(true);  // the control hears every move, buttons or not
     setFocusPolicy(Qt::StrongFocus);
-    resize(sizeHint());
-    relayout();
+    if (entry) {
+        setObjectName(QString::fromStdString(entry->name));
+        setGeometry(entry->left, entry->top, std::max(entry->width, 0), std::max(entry->height, 0));
+    } else {
+        resize(sizeHint());
+    }
+    resizeImage();
     if (!control_) {
         lastErrorText_ = QStringLiteral("no such control class");
         return;
     }
     control_->SetSite(this);
-    guard("InitProperties", [&] { control_->InitProperties(); });
-    initialised_ = true;
+    pointer_.emplace(*control_);
+    if (entry) {
+        host::FormPropertyBag bag(entry->properties, Utf8(place));
+        guard("Place", [&] { host::PlaceLoaded(*control_, bag, *this); });
+    } else {
+        guard("Place", [&] { host::PlaceNew(*control_, *this); });
+    }
+    placed_ = true;
     syncSurface();
-    guard("Show", [&] {
-        control_->Resize();
-        control_->Show();
-        control_->Paint();
-    });
 }
 
 ControlWidget::~ControlWidget() {
     if (!control_) return;
     guard("Terminate", [&] { control_->Terminate(); });
     control_->SetSite(nullptr);
+    pointer_.reset();
     control_.reset();  // its timers call back into this widget
 }
 
@@ -124,22 +139,11 @@ QString ControlWidget::className() const {
 
 QSize ControlWidget::sizeHint() const { return {200, 24}; }
 
-void ControlWidget::reportCurrentError(const char* where) noexcept {
-    try {
-        throw;
-    } catch (const HostError& e) {
-        lastErrorNumber_ = e.Number();
-        lastErrorText_ = QString::fromUtf8(e.what());
-    } catch (const std::exception& e) {
-        lastErrorNumber_ = 0;
-        lastErrorText_ = QString::fromUtf8(e.what());
-    } catch (...) {
-        lastErrorNumber_ = 0;
-        lastErrorText_ = QStringLiteral("unknown failure");
-    }
-    qWarning("kelvarin: %s %s: error %d %s", qPrintable(objectName()), where, lastErrorNumber_,
-             qPrintable(lastErrorText_));
-    emit hostError(lastErrorNumber_, lastErrorText_, QString::fromUtf8(where));
+void ControlWidget::report(const char* where, const Failure& failure) noexcept {
+    lastErrorNumber_ = failure.number;
+    lastErrorText_ = failure.text;
+    WarnFailure(objectName(), where, failure);
+    emit hostError(failure.number, failure.text, QString::fromUtf8(where));
 }
 
 // ---- Dispatch -----------------------------------------------------------------------
@@ -302,31 +306,9 @@ host::FormControl ControlWidget::toFormControl() {
     return entry;
 }
 
-bool ControlWidget::readFormControl(host::FormControl& entry, const QString& place) {
-    if (!control_) return false;
-    setObjectName(QString::fromStdString(entry.name));
-    setGeometry(entry.left, entry.top, std::max(entry.width, 0), std::max(entry.height, 0));
-    relayout();
-    return readProperties(entry.properties, place);
-}
-
-bool ControlWidget::readProperties(host::MemoryPropertyBag& stored, const QString& place) {
-    if (!control_) return false;
-    const bool ok = guard("ReadProperties", [&] {
-        host::FormPropertyBag bag(stored, Utf8(place));
-        control_->ReadProperties(bag);
-    });
-    syncSurface();
-    guard("Paint", [&] {
-        control_->Resize();
-        control_->Paint();
-    });
-    return ok;
-}
-
 // ---- Frame and surface ------------------------------------------------------------------
 
-void ControlWidget::relayout() {
+void ControlWidget::resizeImage() {
     const QSize size = this->size();
     if (image_.size() != size) {
         image_ =
@@ -348,8 +330,13 @@ void ControlWidget::paintFrame() {
     host::PaintBorder(whole, control_->SurfaceState(), w, h);
 }
 
+void ControlWidget::LayOutFrame() {
+    paintFrame();
+    update();
+}
+
 void ControlWidget::syncSurface() {
-    if (!control_) return;
+    if (!control_ || !placed_) return;
     const host::SurfaceProperties& s = control_->SurfaceState();
     if (isEnabled() != s.enabled) setEnabled(s.enabled);
     if (s.mousePointer == 99) {
@@ -363,20 +350,7 @@ void ControlWidget::syncSurface() {
     } else {
         setCursor(CursorOf(s.mousePointer));
     }
-    if (s.borderStyle == frameStyle_ && s.appearance == frameAppearance_) return;
-    frameStyle_ = s.borderStyle;
-    frameAppearance_ = s.appearance;
-    const int before = frameWidth_;
-    frameWidth_ = host::BorderWidth(s);
-    paintFrame();
-    update();
-    // A new border width changes the client area: the control lays out again.
-    if (before >= 0 && before != frameWidth_ && initialised_) {
-        guard("Resize", [&] {
-            control_->Resize();
-            control_->Paint();
-        });
-    }
+    guard("Resize", [&] { host::SyncFrame(*control_, *this); });
 }
 
 // ---- ControlSite ----------------------------------------------------------------------------
@@ -454,8 +428,8 @@ void ControlWidget::paintEvent(QPaintEvent*) {
 void ControlWidget::resizeEvent(QResizeEvent* event) {
     QWidget::resizeEvent(event);
     if (image_.size() == size()) return;
-    relayout();
-    if (control_ && initialised_) {
+    resizeImage();
+    if (placed_) {
         guard("Resize", [&] {
             control_->Resize();
             control_->Paint();
@@ -465,31 +439,22 @@ void ControlWidget::resizeEvent(QResizeEvent* event) {
 
 void ControlWidget::changeEvent(QEvent* event) {
     QWidget::changeEvent(event);
-    if (!control_ || !initialised_) return;
+    if (!placed_) return;
     if (event->type() == QEvent::FontChange) {
         guard("AmbientChanged", [&] { control_->AmbientChanged("Font"); });
     } else if (event->type() == QEvent::PaletteChange) {
         // The desktop theme changed: system colours are read again.
         SetSysColors(SysColorsFrom(QApplication::palette()));
         guard("Paint", [&] { control_->Paint(); });
-        paintFrame();
-        update();
+        LayOutFrame();
     }
-}
-
-QPointF ControlWidget::clientPoint(const QPointF& p) const {
-    return p - QPointF(client_.View().topLeft());
 }
 
 void ControlWidget::keyPressEvent(QKeyEvent* event) {
     if (!control_) return QWidget::keyPressEvent(event);
     const Integer shift = static_cast<Integer>(ShiftMaskOf(event->modifiers()));
-    const int code = KeyCodeOf(*event);
-    guard("KeyDown", [&] {
-        if (code != 0) {
-            Integer key = static_cast<Integer>(code);
-            control_->KeyDown(key, shift);
-        }
+    forward("KeyDown", [&] {
+        if (Integer code = static_cast<Integer>(KeyCodeOf(*event))) control_->KeyDown(code, shift);
         // The character the key typed, as the host's ANSI code.
         const QString text = event->text();
         if (!text.isEmpty()) {
@@ -497,27 +462,28 @@ void ControlWidget::keyPressEvent(QKeyEvent* event) {
             control_->KeyPress(ascii);
         }
     });
-    syncSurface();
     event->accept();
 }
 
 void ControlWidget::keyReleaseEvent(QKeyEvent* event) {
     if (!control_ || event->isAutoRepeat()) return QWidget::keyReleaseEvent(event);
     const Integer shift = static_cast<Integer>(ShiftMaskOf(event->modifiers()));
-    if (const int code = KeyCodeOf(*event)) {
-        guard("KeyUp", [&] {
-            Integer key = static_cast<Integer>(code);
-            control_->KeyUp(key, shift);
-        });
-        syncSurface();
-    }
+    if (Integer code = static_cast<Integer>(KeyCodeOf(*event)))
+        forward("KeyUp", [&] { control_->KeyUp(code, shift); });
     event->accept();
 }
 
+host::PointerEvent ControlWidget::pointerEvent(const QMouseEvent& event,
+                                               Qt::MouseButtons buttons) const {
+    const QPointF p = event.position() - QPointF(client_.View().topLeft());
+    return {static_cast<Integer>(ButtonMaskOf(buttons)),
+            static_cast<Integer>(ShiftMaskOf(event.modifiers())), ToSingle(p.x()), ToSingle(p.y())};
+}
+
 // Qt delivers the second press of a double click as a press, then a
-// double-click event; the host raises DblClick in its place. The press is
-// known for what it is by Qt's own rule: the same button again within the
-// double-click time and distance of the last press.
+// double-click event. The press is known for what it is by Qt's own rule:
+// the same button again within the double-click time and distance of the
+// last press.
 bool ControlWidget::isSecondClick(const QMouseEvent& event) {
     const QPoint at = event.globalPosition().toPoint();
     const auto* hints = QGuiApplication::styleHints();
@@ -533,59 +499,25 @@ bool ControlWidget::isSecondClick(const QMouseEvent& event) {
 }
 
 void ControlWidget::mousePressEvent(QMouseEvent* event) {
-    if (!control_) return;
+    if (!pointer_) return;
     if (focusPolicy() & Qt::ClickFocus) setFocus(Qt::MouseFocusReason);
-    const QPointF p = clientPoint(event->position());
-    afterDoubleClick_ = false;
-    if (isSecondClick(*event) && event->button() == Qt::LeftButton) {
-        afterDoubleClick_ = true;
-        doubleClickPending_ = true;
-        return;
-    }
-    guard("MouseDown", [&] {
-        control_->MouseDown(static_cast<Integer>(ButtonMaskOf(event->button())),
-                            static_cast<Integer>(ShiftMaskOf(event->modifiers())), ToSingle(p.x()),
-                            ToSingle(p.y()));
-    });
-    syncSurface();
+    const bool second = isSecondClick(*event);
+    forward("MouseDown", [&] { pointer_->Press(pointerEvent(*event, event->button()), second); });
 }
 
 void ControlWidget::mouseMoveEvent(QMouseEvent* event) {
-    if (!control_) return;
-    const QPointF p = clientPoint(event->position());
-    guard("MouseMove", [&] {
-        control_->MouseMove(static_cast<Integer>(ButtonMaskOf(event->buttons())),
-                            static_cast<Integer>(ShiftMaskOf(event->modifiers())), ToSingle(p.x()),
-                            ToSingle(p.y()));
-    });
+    if (pointer_)
+        guard("MouseMove", [&] { pointer_->Move(pointerEvent(*event, event->buttons())); });
 }
 
 void ControlWidget::mouseReleaseEvent(QMouseEvent* event) {
-    if (!control_) return;
-    const QPointF p = clientPoint(event->position());
-    // A left button let go over the control clicks it, unless it ends a double click.
-    const bool click = event->button() == Qt::LeftButton &&
-                       rect().contains(event->position().toPoint()) && !afterDoubleClick_;
-    afterDoubleClick_ = false;
-    guard("MouseUp", [&] {
-        control_->MouseUp(static_cast<Integer>(ButtonMaskOf(event->button())),
-                          static_cast<Integer>(ShiftMaskOf(event->modifiers())), ToSingle(p.x()),
-                          ToSingle(p.y()));
-        if (click) control_->Click();
-    });
-    syncSurface();
+    const bool over = rect().contains(event->position().toPoint());
+    forward("MouseUp", [&] { pointer_->Release(pointerEvent(*event, event->button()), over); });
 }
 
 void ControlWidget::mouseDoubleClickEvent(QMouseEvent* event) {
-    if (!control_) return;
-    if (event->button() != Qt::LeftButton) return;  // its press was a MouseDown already
-    // DblClick in place of the second MouseDown; the release raises MouseUp
-    // without a Click.
-    const bool raise = doubleClickPending_ || !afterDoubleClick_;
-    doubleClickPending_ = false;
-    afterDoubleClick_ = true;
-    if (raise) guard("DblClick", [&] { control_->DblClick(); });
-    syncSurface();
+    const auto button = static_cast<Integer>(ButtonMaskOf(event->button()));
+    forward("DblClick", [&] { pointer_->DoubleClick(button); });
 }
 
 // The control hears of focus moves inside its window only: a popup that

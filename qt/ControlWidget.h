@@ -1,18 +1,21 @@
-// One control in a Qt window: the widget is the control's site. It keeps
-// the control's persistent image (painted by the control, shown by
-// paintEvent with the frame around it), translates Qt's input into the
-// host's calls, and turns the control's events and property-changed
-// notifications into Qt signals.
+// One control in a Qt window: the widget is the control's site and frame.
+// It places the control as every host does (host/Site.h), keeps its
+// persistent image (painted by the control, shown by paintEvent with the
+// frame around it), hands Qt's input to the host's protocols in one line per
+// event, and turns the control's events and property-changed notifications
+// into Qt signals.
 //
-// Every call into the control goes through one guard: a runtime error the
-// control raises (a HostError) is reported by qWarning and the hostError
-// signal, and never reaches Qt's event loop.
+// Every call into the control goes through one guard (qt/Guard.h): a
+// runtime error the control raises (a HostError) is reported by qWarning
+// and the hostError signal, and never reaches Qt's event loop.
 //
-// Sections: creation; dispatch; persistence; signals; ControlSite; Qt events.
+// Sections: creation; dispatch; persistence; signals; ControlSite and
+// SiteFrame; Qt events.
 #pragma once
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 
 #include <QImage>
 #include <QString>
@@ -21,12 +24,15 @@
 
 #include "host/Control.h"
 #include "host/FormFile.h"
+#include "host/Pointer.h"
+#include "host/Site.h"
+#include "qt/Guard.h"
 #include "qt/ImageSurface.h"
 #include "qt/QtText.h"
 
 namespace kelvarin::qt {
 
-class ControlWidget : public QWidget, public host::ControlSite {
+class ControlWidget : public QWidget, public host::ControlSite, public host::SiteFrame {
     Q_OBJECT
 
 public:
@@ -37,10 +43,17 @@ public:
     enum AppearanceKind { Flat = 0, ThreeD = 1 };
     Q_ENUM(AppearanceKind)
 
-    // Sites a control made by the class factory and initialises it as a new
-    // instance placed on a form. A null control (an unknown class) makes an
+    // Sites a control made by the class factory and places it as a new
+    // instance (InitProperties). A null control (an unknown class) makes an
     // empty widget whose calls all fail with a reported error.
     explicit ControlWidget(std::unique_ptr<host::Control> control, QWidget* parent = nullptr);
+    // Sites a control of a form: the widget takes the entry's object name
+    // and geometry in the parent, and the control reads the entry's
+    // properties (ReadProperties) and is never initialised as a new one.
+    // `place` names the properties in error messages. An error the control
+    // raises meanwhile is reported (hasReportedError); it keeps what it read.
+    ControlWidget(std::unique_ptr<host::Control> control, host::FormControl& entry,
+                  const QString& place, QWidget* parent = nullptr);
     ~ControlWidget() override;
     ControlWidget(const ControlWidget&) = delete;
     ControlWidget& operator=(const ControlWidget&) = delete;
@@ -61,16 +74,12 @@ public:
 
     // ---- Persistence ------------------------------------------------------------
     // The control as one entry of a form file: class, object name, geometry
-    // in the parent, and the properties the control writes.
+    // in the parent, and the properties the control writes. (A form is
+    // read back through the constructor for a loaded control.)
     host::FormControl toFormControl();
-    // Takes geometry and properties from a form entry of the same class;
-    // false (and reported) when the control raised an error while reading.
-    bool readFormControl(host::FormControl& entry, const QString& place);
-    // The properties alone, as the control reads them when a form loads;
-    // `place` names the properties in error messages.
-    bool readProperties(host::MemoryPropertyBag& stored, const QString& place);
 
     // The last error the guard reported (number 0 for a non-runtime error).
+    bool hasReportedError() const noexcept { return !lastErrorText_.isEmpty(); }
     int lastErrorNumber() const noexcept { return lastErrorNumber_; }
     QString lastErrorText() const { return lastErrorText_; }
 
@@ -106,17 +115,13 @@ protected:
     // Runs f, reporting any error; false when one was raised.
     template <typename F>
     bool guard(const char* where, F&& f) noexcept {
-        try {
-            f();
-            return true;
-        } catch (...) {
-            reportCurrentError(where);
-            return false;
-        }
+        const Failure failure = Guard(std::forward<F>(f));
+        if (failure) report(where, failure);
+        return !failure;
     }
 
 public:
-    // ---- ControlSite ------------------------------------------------------------
+    // ---- ControlSite and SiteFrame ----------------------------------------------
     void PropertyChanged(std::string_view name) override;
     void RaiseEvent(int number, std::span<Variant> args) override;
     std::shared_ptr<Font> AmbientFont() override;
@@ -138,6 +143,8 @@ public:
     void DoEvents() override;
     void ShowModal(host::Popup& popup, host::Point screen) override;
     const Locale& UserLocale() override;
+    int FrameBorder() const override { return client_.View().left(); }
+    void LayOutFrame() override;
 
     // The ambient DisplayAsDefault the container gives (false unless set).
     void setDisplayAsDefault(bool value);
@@ -160,31 +167,40 @@ protected:
     bool focusNextPrevChild(bool next) override;
 
 private:
-    void reportCurrentError(const char* where) noexcept;
+    // Both constructors: the widget, then the control placed as new
+    // (entry null) or as loaded from the entry.
+    ControlWidget(std::unique_ptr<host::Control> control, host::FormControl* entry,
+                  const QString& place, QWidget* parent);
+    void report(const char* where, const Failure& failure) noexcept;
     // Makes the image the widget's size and lays out the client area.
-    void relayout();
+    void resizeImage();
     // After a call into the control: the frame, enabled state and pointer
     // follow the surface properties it may have changed.
     void syncSurface();
     void paintFrame();
-    QPointF clientPoint(const QPointF& widgetPoint) const;
+    // Runs a call of input into the control, then follows its surface.
+    template <typename F>
+    void forward(const char* where, F&& f) noexcept {
+        if (!control_) return;
+        guard(where, std::forward<F>(f));
+        syncSurface();
+    }
+    host::PointerEvent pointerEvent(const QMouseEvent& event, Qt::MouseButtons buttons) const;
+    // Whether a press is the second of a double click, by Qt's own rule.
     bool isSecondClick(const QMouseEvent& event);
 
     std::unique_ptr<host::Control> control_;
+    std::optional<host::PointerProtocol> pointer_;
     QImage image_;
     TextPainter text_;
     ImageSurface client_;
     Long handle_;
     bool displayAsDefault_ = false;
-    bool initialised_ = false;
-    bool afterDoubleClick_ = false;
-    bool doubleClickPending_ = false;
+    bool placed_ = false;           // the placing sequence has run
     bool hasControlFocus_ = false;  // GotFocus told, LostFocus not yet
     quint64 lastPressTime_ = 0;
     Qt::MouseButton lastPressButton_ = Qt::NoButton;
     QPoint lastPressAt_;
-    int frameWidth_ = -1;
-    std::int16_t frameStyle_ = -1, frameAppearance_ = -1;
     int lastErrorNumber_ = 0;
     QString lastErrorText_;
 };

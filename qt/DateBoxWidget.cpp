@@ -8,6 +8,9 @@ namespace kelvarin::qt {
 DateBoxWidget::DateBoxWidget(QWidget* parent)
     : ControlWidget(library::ClassRegistry::Instance().Create("DateBox"), parent) {}
 
+DateBoxWidget::DateBoxWidget(host::FormControl& entry, const QString& place, QWidget* parent)
+    : ControlWidget(library::ClassRegistry::Instance().Create("DateBox"), entry, place, parent) {}
+
 QString DateBoxWidget::displayText() const {
     const auto* box = dynamic_cast<const controls::DateBox*>(control());
     return box ? QString::fromStdString(box->ShownText()) : QString();

@@ -42,7 +42,10 @@ public:
     enum AlignmentKind { LeftJustify = 0, RightJustify = 1, Center = 2 };
     Q_ENUM(AlignmentKind)
 
+    // A new control.
     explicit DateBoxWidget(QWidget* parent = nullptr);
+    // A control of a form (see ControlWidget).
+    DateBoxWidget(host::FormControl& entry, const QString& place, QWidget* parent = nullptr);
 
     AppearanceKind Appearance();
     void SetAppearance(AppearanceKind appearance);

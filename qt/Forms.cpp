@@ -1,18 +1,26 @@
 #include "qt/Forms.h"
 
-#include <exception>
-
 #include "common/Text.h"
 #include "host/FormFile.h"
 #include "library/ClassFactory.h"
 #include "qt/DateBoxWidget.h"
+#include "qt/Guard.h"
 #include "qt/ProgressBoxWidget.h"
 
 namespace kelvarin::qt {
 
+namespace {
+
+// The class of a form entry or a name, as the registry knows it; null for
+// one it does not know.
+const library::ClassInfo* ClassNamed(const QString& className) {
+    return library::ClassRegistry::Instance().Find(className.toStdString());
+}
+
+}  // namespace
+
 ControlWidget* CreateControlWidget(const QString& className, QWidget* parent) {
-    const library::ClassInfo* info =
-        library::ClassRegistry::Instance().Find(className.toStdString());
+    const library::ClassInfo* info = ClassNamed(className);
     if (!info) return nullptr;
     if (EqualsIgnoreCase(info->name, "ProgressBox")) return new ProgressBoxWidget(parent);
     if (EqualsIgnoreCase(info->name, "DateBox")) return new DateBoxWidget(parent);
@@ -21,33 +29,45 @@ ControlWidget* CreateControlWidget(const QString& className, QWidget* parent) {
     return new ControlWidget(std::move(control), parent);
 }
 
+ControlWidget* LoadControlWidget(host::FormControl& entry, const QString& place, QWidget* parent) {
+    const library::ClassInfo* info = ClassNamed(QString::fromStdString(entry.className));
+    if (!info) return nullptr;
+    if (EqualsIgnoreCase(info->name, "ProgressBox"))
+        return new ProgressBoxWidget(entry, place, parent);
+    if (EqualsIgnoreCase(info->name, "DateBox")) return new DateBoxWidget(entry, place, parent);
+    auto control = library::ClassRegistry::Instance().Create(info->name);
+    if (!control) return nullptr;
+    return new ControlWidget(std::move(control), entry, place, parent);
+}
+
 QString SaveForm(const QString& path, const QList<ControlWidget*>& widgets) {
-    try {
+    const Failure failure = Guard([&] {
         host::Form form;
         for (ControlWidget* w : widgets) {
             if (!w || !w->control()) continue;
             form.controls.push_back(w->toFormControl());
         }
         host::SaveFormFile(path.toStdString(), form);
-        return {};
-    } catch (const std::exception& e) {
-        return QString::fromUtf8(e.what());
-    }
+    });
+    return failure.text;
 }
 
 LoadedForm LoadForm(const QString& path, QWidget* parent) {
     LoadedForm loaded;
     host::Form form;
-    try {
+    const Failure failure = Guard([&] {
         auto& registry = library::ClassRegistry::Instance();
         form = host::LoadFormFile(path.toStdString(),
                                   [&](std::string_view c) { return registry.Find(c) != nullptr; });
-    } catch (const std::exception& e) {
-        loaded.error = QString::fromUtf8(e.what());
+    });
+    if (failure) {
+        loaded.error = failure.text;
         return loaded;
     }
     for (host::FormControl& entry : form.controls) {
-        ControlWidget* w = CreateControlWidget(QString::fromStdString(entry.className), parent);
+        const QString place =
+            QStringLiteral("%1: %2.properties").arg(path, QString::fromStdString(entry.name));
+        ControlWidget* w = LoadControlWidget(entry, place, parent);
         if (!w) {  // known but not creatable (the property page): nothing is kept
             qDeleteAll(loaded.widgets);
             loaded.widgets.clear();
@@ -55,9 +75,7 @@ LoadedForm LoadForm(const QString& path, QWidget* parent) {
                                .arg(path, QString::fromStdString(entry.className));
             return loaded;
         }
-        const QString place =
-            QStringLiteral("%1: %2.properties").arg(path, QString::fromStdString(entry.name));
-        if (!w->readFormControl(entry, place) && loaded.error.isEmpty())
+        if (w->hasReportedError() && loaded.error.isEmpty())
             loaded.error = QStringLiteral("%1: %2: error %3 %4")
                                .arg(path, QString::fromStdString(entry.name))
                                .arg(w->lastErrorNumber())

@@ -6,6 +6,7 @@
 #include <QString>
 #include <QWidget>
 
+#include "host/FormFile.h"
 #include "qt/ControlWidget.h"
 
 namespace kelvarin::qt {
@@ -14,6 +15,11 @@ namespace kelvarin::qt {
 // the class's own widget where there is one, otherwise a generic control
 // widget. Null for a class the library cannot create.
 ControlWidget* CreateControlWidget(const QString& className, QWidget* parent = nullptr);
+// The same for a control of a form, placed as a loaded control from the
+// entry (name, geometry in the parent, properties). An error the control
+// raises while it is placed is reported by the widget (hasReportedError).
+ControlWidget* LoadControlWidget(host::FormControl& entry, const QString& place,
+                                 QWidget* parent = nullptr);
 
 // Writes the widgets as one form (geometry in their parents). Returns the
 // error text, empty on success.

@@ -5,7 +5,7 @@
 #include <QMouseEvent>
 #include <QPainter>
 
-#include "common/HostError.h"
+#include "qt/Guard.h"
 #include "qt/QtPlatform.h"
 
 namespace kelvarin::qt {
@@ -23,16 +23,16 @@ PopupWindow::PopupWindow(host::Popup& popup, QWidget* owner)
 }
 
 template <typename F>
+void PopupWindow::guard(const char* where, F&& f) noexcept {
+    const Failure failure = Guard(std::forward<F>(f));
+    if (!failure) return;
+    WarnFailure(QStringLiteral("popup"), where, failure);
+    emit hostError(failure.number, failure.text, QString::fromUtf8(where));
+}
+
+template <typename F>
 void PopupWindow::forward(const char* where, F&& f) noexcept {
-    try {
-        f();
-    } catch (const HostError& e) {
-        qWarning("kelvarin: popup %s: error %d %s", where, e.Number(), e.what());
-        emit hostError(e.Number(), QString::fromUtf8(e.what()), QString::fromUtf8(where));
-    } catch (const std::exception& e) {
-        qWarning("kelvarin: popup %s: %s", where, e.what());
-        emit hostError(0, QString::fromUtf8(e.what()), QString::fromUtf8(where));
-    }
+    guard(where, std::forward<F>(f));
     closeIfDone();
     update();
 }
@@ -59,12 +59,7 @@ void PopupWindow::paintEvent(QPaintEvent*) {
         image_ = QImage(std::max(size.width, 1), std::max(size.height, 1), QImage::Format_BGR888);
     image_.fill(Qt::white);
     surface_.SetView(image_.rect());
-    try {
-        popup_.Paint(surface_);
-    } catch (const HostError& e) {
-        qWarning("kelvarin: popup paint: error %d %s", e.Number(), e.what());
-        emit hostError(e.Number(), QString::fromUtf8(e.what()), QStringLiteral("Paint"));
-    }
+    guard("Paint", [&] { popup_.Paint(surface_); });
     QPainter(this).drawImage(0, 0, image_);
 }
 
@@ -118,14 +113,7 @@ void PopupWindow::mouseReleaseEvent(QMouseEvent* event) {
 void PopupWindow::hideEvent(QHideEvent* event) {
     // Hidden by Qt (a click outside a popup window) while still open: that
     // is a loss of activation.
-    if (popup_.IsOpen()) {
-        try {
-            popup_.Deactivated();
-        } catch (const HostError& e) {
-            qWarning("kelvarin: popup Deactivated: error %d %s", e.Number(), e.what());
-            emit hostError(e.Number(), QString::fromUtf8(e.what()), QStringLiteral("Deactivated"));
-        }
-    }
+    if (popup_.IsOpen()) guard("Deactivated", [&] { popup_.Deactivated(); });
     loop_.quit();
     QWidget::hideEvent(event);
 }

@@ -37,6 +37,10 @@ protected:
     void hideEvent(QHideEvent* event) override;
 
 private:
+    // Runs a call into the popup, reporting what it raises.
+    template <typename F>
+    void guard(const char* where, F&& f) noexcept;
+    // The same for input, after which the window follows the popup.
     template <typename F>
     void forward(const char* where, F&& f) noexcept;
     void closeIfDone();

@@ -8,6 +8,11 @@ namespace kelvarin::qt {
 ProgressBoxWidget::ProgressBoxWidget(QWidget* parent)
     : ControlWidget(library::ClassRegistry::Instance().Create("ProgressBox"), parent) {}
 
+ProgressBoxWidget::ProgressBoxWidget(host::FormControl& entry, const QString& place,
+                                     QWidget* parent)
+    : ControlWidget(library::ClassRegistry::Instance().Create("ProgressBox"), entry, place,
+                    parent) {}
+
 QString ProgressBoxWidget::caption() const {
     const auto* box = dynamic_cast<const controls::ProgressBox*>(control());
     return box ? QString::fromStdString(box->Caption()) : QString();

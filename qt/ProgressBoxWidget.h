@@ -46,7 +46,10 @@ public:
     enum GradientStyleKind { Linear = 0, Gaussian = 1, GaussianSquared = 2 };
     Q_ENUM(GradientStyleKind)
 
+    // A new control.
     explicit ProgressBoxWidget(QWidget* parent = nullptr);
+    // A control of a form (see ControlWidget).
+    ProgressBoxWidget(host::FormControl& entry, const QString& place, QWidget* parent = nullptr);
 
     uint BackColor();
     void SetBackColor(uint color);

@@ -5,6 +5,8 @@
 #include <QApplication>
 #include <QKeyEvent>
 
+#include "host/Keys.h"
+
 namespace kelvarin::qt {
 
 // ---- Colours and locale -------------------------------------------------------
@@ -171,100 +173,104 @@ OLE_COLOR FromQColor(const QColor& color) { return Plain(color); }
 // ---- Keys and buttons -------------------------------------------------------------
 
 int KeyCodeOf(const QKeyEvent& event) {
+    using namespace host;
     const int key = event.key();
     const bool keypad = event.modifiers() & Qt::KeypadModifier;
     if (keypad) {
-        if (key >= Qt::Key_0 && key <= Qt::Key_9) return 96 + (key - Qt::Key_0);
+        if (key >= Qt::Key_0 && key <= Qt::Key_9) return kKeyNumpad0 + (key - Qt::Key_0);
         switch (key) {
-            case Qt::Key_Asterisk: return 106;
-            case Qt::Key_Plus: return 107;
-            case Qt::Key_Minus: return 109;
+            case Qt::Key_Asterisk: return kKeyMultiply;
+            case Qt::Key_Plus: return kKeyAdd;
+            case Qt::Key_Minus: return kKeySubtract;
             case Qt::Key_Period:
-            case Qt::Key_Comma: return 110;
-            case Qt::Key_Slash: return 111;
+            case Qt::Key_Comma: return kKeyDecimal;
+            case Qt::Key_Slash: return kKeyDivide;
             default: break;
         }
     }
-    if (key >= Qt::Key_A && key <= Qt::Key_Z) return key;  // the same numbers
-    if (key >= Qt::Key_0 && key <= Qt::Key_9) return key;
-    if (key >= Qt::Key_F1 && key <= Qt::Key_F24) return 112 + (key - Qt::Key_F1);
+    // Letters and digits have the same numbers in both.
+    if (key >= Qt::Key_A && key <= Qt::Key_Z) return kKeyA + (key - Qt::Key_A);
+    if (key >= Qt::Key_0 && key <= Qt::Key_9) return kKey0 + (key - Qt::Key_0);
+    if (key >= Qt::Key_F1 && key <= Qt::Key_F24) return kKeyF1 + (key - Qt::Key_F1);
     switch (key) {
-        case Qt::Key_Backspace: return 8;
+        case Qt::Key_Backspace: return kKeyBack;
         case Qt::Key_Tab:
-        case Qt::Key_Backtab: return 9;
-        case Qt::Key_Clear: return 12;
+        case Qt::Key_Backtab: return kKeyTab;
+        case Qt::Key_Clear: return kKeyClear;
         case Qt::Key_Return:
-        case Qt::Key_Enter: return 13;
-        case Qt::Key_Shift: return 16;
-        case Qt::Key_Control: return 17;
+        case Qt::Key_Enter: return kKeyReturn;
+        case Qt::Key_Shift: return kKeyShift;
+        case Qt::Key_Control: return kKeyControl;
         case Qt::Key_Alt:
-        case Qt::Key_AltGr: return 18;
-        case Qt::Key_Pause: return 19;
-        case Qt::Key_CapsLock: return 20;
-        case Qt::Key_Escape: return 27;
-        case Qt::Key_Space: return 32;
-        case Qt::Key_PageUp: return 33;
-        case Qt::Key_PageDown: return 34;
-        case Qt::Key_End: return 35;
-        case Qt::Key_Home: return 36;
-        case Qt::Key_Left: return 37;
-        case Qt::Key_Up: return 38;
-        case Qt::Key_Right: return 39;
-        case Qt::Key_Down: return 40;
-        case Qt::Key_Print: return 44;
-        case Qt::Key_Insert: return 45;
-        case Qt::Key_Delete: return 46;
-        case Qt::Key_Help: return 47;
-        case Qt::Key_Meta: return 91;
-        case Qt::Key_Menu: return 93;
-        case Qt::Key_NumLock: return 144;
-        case Qt::Key_ScrollLock: return 145;
+        case Qt::Key_AltGr: return kKeyMenu;
+        case Qt::Key_Pause: return kKeyPause;
+        case Qt::Key_CapsLock: return kKeyCapital;
+        case Qt::Key_Escape: return kKeyEscape;
+        case Qt::Key_Space: return kKeySpace;
+        case Qt::Key_PageUp: return kKeyPageUp;
+        case Qt::Key_PageDown: return kKeyPageDown;
+        case Qt::Key_End: return kKeyEnd;
+        case Qt::Key_Home: return kKeyHome;
+        case Qt::Key_Left: return kKeyLeft;
+        case Qt::Key_Up: return kKeyUp;
+        case Qt::Key_Right: return kKeyRight;
+        case Qt::Key_Down: return kKeyDown;
+        case Qt::Key_Print: return kKeySnapshot;
+        case Qt::Key_Insert: return kKeyInsert;
+        case Qt::Key_Delete: return kKeyDelete;
+        case Qt::Key_Help: return kKeyHelp;
+        case Qt::Key_Meta: return kKeyWindows;
+        case Qt::Key_Menu: return kKeyApplications;
+        case Qt::Key_NumLock: return kKeyNumLock;
+        case Qt::Key_ScrollLock: return kKeyScrollLock;
         // Punctuation: the key of a United States keyboard that types it,
         // shifted or not.
-        case Qt::Key_Exclam: return '1';
-        case Qt::Key_At: return '2';
-        case Qt::Key_NumberSign: return '3';
-        case Qt::Key_Dollar: return '4';
-        case Qt::Key_Percent: return '5';
-        case Qt::Key_AsciiCircum: return '6';
-        case Qt::Key_Ampersand: return '7';
-        case Qt::Key_Asterisk: return '8';
-        case Qt::Key_ParenLeft: return '9';
-        case Qt::Key_ParenRight: return '0';
+        case Qt::Key_Exclam: return kKey0 + 1;
+        case Qt::Key_At: return kKey0 + 2;
+        case Qt::Key_NumberSign: return kKey0 + 3;
+        case Qt::Key_Dollar: return kKey0 + 4;
+        case Qt::Key_Percent: return kKey0 + 5;
+        case Qt::Key_AsciiCircum: return kKey0 + 6;
+        case Qt::Key_Ampersand: return kKey0 + 7;
+        case Qt::Key_Asterisk: return kKey0 + 8;
+        case Qt::Key_ParenLeft: return kKey9;
+        case Qt::Key_ParenRight: return kKey0;
         case Qt::Key_Semicolon:
-        case Qt::Key_Colon: return 186;
+        case Qt::Key_Colon: return kKeySemicolon;
         case Qt::Key_Equal:
-        case Qt::Key_Plus: return 187;
+        case Qt::Key_Plus: return kKeyEquals;
         case Qt::Key_Comma:
-        case Qt::Key_Less: return 188;
+        case Qt::Key_Less: return kKeyComma;
         case Qt::Key_Minus:
-        case Qt::Key_Underscore: return 189;
+        case Qt::Key_Underscore: return kKeyMinus;
         case Qt::Key_Period:
-        case Qt::Key_Greater: return 190;
+        case Qt::Key_Greater: return kKeyPeriod;
         case Qt::Key_Slash:
-        case Qt::Key_Question: return 191;
+        case Qt::Key_Question: return kKeySlash;
         case Qt::Key_QuoteLeft:
-        case Qt::Key_AsciiTilde: return 192;
+        case Qt::Key_AsciiTilde: return kKeyBackquote;
         case Qt::Key_BracketLeft:
-        case Qt::Key_BraceLeft: return 219;
+        case Qt::Key_BraceLeft: return kKeyOpenBracket;
         case Qt::Key_Backslash:
-        case Qt::Key_Bar: return 220;
+        case Qt::Key_Bar: return kKeyBackslash;
         case Qt::Key_BracketRight:
-        case Qt::Key_BraceRight: return 221;
+        case Qt::Key_BraceRight: return kKeyCloseBracket;
         case Qt::Key_Apostrophe:
-        case Qt::Key_QuoteDbl: return 222;
+        case Qt::Key_QuoteDbl: return kKeyQuote;
         default: return 0;
     }
 }
 
 int ShiftMaskOf(Qt::KeyboardModifiers modifiers) {
-    return ((modifiers & Qt::ShiftModifier) ? 1 : 0) | ((modifiers & Qt::ControlModifier) ? 2 : 0) |
-           ((modifiers & Qt::AltModifier) ? 4 : 0);
+    return ((modifiers & Qt::ShiftModifier) ? host::kShiftMask : 0) |
+           ((modifiers & Qt::ControlModifier) ? host::kCtrlMask : 0) |
+           ((modifiers & Qt::AltModifier) ? host::kAltMask : 0);
 }
 
 int ButtonMaskOf(Qt::MouseButtons buttons) {
-    return ((buttons & Qt::LeftButton) ? 1 : 0) | ((buttons & Qt::RightButton) ? 2 : 0) |
-           ((buttons & Qt::MiddleButton) ? 4 : 0);
+    return ((buttons & Qt::LeftButton) ? host::kLeftButton : 0) |
+           ((buttons & Qt::RightButton) ? host::kRightButton : 0) |
+           ((buttons & Qt::MiddleButton) ? host::kMiddleButton : 0);
 }
 
 }  // namespace kelvarin::qt

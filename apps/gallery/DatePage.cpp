@@ -60,7 +60,12 @@ DateBoxWidget* DatePage::dateBox(QWidget* parent, const QString& name, const QSt
     box->SetDateFormat(pattern);
     box->SetBackColor(RGB(255, 255, 255));
     box->SetForeColor(RGB(31, 41, 55));
-    // The readout follows the box the user works in, whatever happens there.
+    follow(box);
+    return box;
+}
+
+// The readout follows the box the user works in, whatever happens there.
+void DatePage::follow(DateBoxWidget* box) {
     connect(
         box, &qt::ControlWidget::eventRaised, this,
         [this, box](int, const QString& event, const QVariantList& args) {
@@ -72,7 +77,18 @@ DateBoxWidget* DatePage::dateBox(QWidget* parent, const QString& name, const QSt
             if (event == QStringLiteral("Change")) ++changes_;
             watch(box);
         });
-    return box;
+}
+
+void DatePage::replace(qt::ControlWidget* own, qt::ControlWidget* loaded) {
+    auto* box = qobject_cast<DateBoxWidget*>(loaded);
+    if (!box || !isAncestorOf(own)) return;
+    follow(box);
+    if (own == playBox_) {
+        playBox_ = box;
+        followPlayBox();
+        syncPlayground();
+    }
+    if (own == watched_) watch(box);
 }
 
 void DatePage::buildPatterns(QGridLayout* grid) {
@@ -287,11 +303,15 @@ void DatePage::buildPlayground(QGridLayout* grid) {
             [this] { playBox_->SetValueDB(QVariant::fromValue(nullptr)); });
     connect(today, &QPushButton::clicked, this,
             [this] { playBox_->SetValue(QDateTime(QDate::currentDate(), QTime(), Qt::UTC)); });
+    followPlayBox();
+    syncPlayground();
+}
+
+void DatePage::followPlayBox() {
     connect(playBox_, &qt::ControlWidget::propertyChanged, this, [this](const QString&) {
         syncPlayground();
         if (watched_ == playBox_) showReadout();
     });
-    syncPlayground();
 }
 
 void DatePage::syncPlayground() {

@@ -15,8 +15,9 @@ class QGridLayout;
 class QLabel;
 
 namespace kelvarin::qt {
+class ControlWidget;
 class DateBoxWidget;
-}
+}  // namespace kelvarin::qt
 
 namespace kelvarin::gallery {
 
@@ -31,12 +32,18 @@ public:
     qt::DateBoxWidget* watched() const noexcept { return watched_; }
     QString readout() const;
 
+    // A box of the page gives way to one loaded from a form: the page
+    // follows the loaded one in its stead (nothing for another control).
+    void replace(qt::ControlWidget* own, qt::ControlWidget* loaded);
+
 private:
     qt::DateBoxWidget* dateBox(QWidget* parent, const QString& name, const QString& pattern);
     void buildPatterns(QGridLayout* grid);
     void buildEmptyAndLimits(QGridLayout* grid);
     void buildReadout(QGridLayout* grid);
     void buildPlayground(QGridLayout* grid);
+    void follow(qt::DateBoxWidget* box);
+    void followPlayBox();
     void watch(qt::DateBoxWidget* box);
     void showReadout();
     void syncPlayground();

@@ -10,6 +10,7 @@
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QLayout>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSlider>
@@ -23,6 +24,7 @@
 #include "host/FormFile.h"
 #include "library/ClassFactory.h"
 #include "qt/Forms.h"
+#include "qt/Guard.h"
 #include "qt/ProgressBoxWidget.h"
 #include "qt/QtPlatform.h"
 
@@ -291,6 +293,10 @@ void GalleryWindow::buildJob(QGridLayout* grid) {
             pauseButton_->setText(QStringLiteral("Pause"));
         }
     });
+    followJobBar();
+}
+
+void GalleryWindow::followJobBar() {
     connect(jobBar_, &ProgressBoxWidget::TimerChange, this, &GalleryWindow::onTimerChange);
 }
 
@@ -463,6 +469,13 @@ void GalleryWindow::buildPlayground(QGridLayout* grid) {
     connect(percentBox_, &QCheckBox::toggled, this, [this](bool on) {
         if (!syncing_) playBar_->SetShowPercentual(on);
     });
+    followPlayBar();
+    syncPlayground();
+    recentNotifications_.clear();
+    notified_->setText(QStringLiteral("Notified: nothing yet"));
+}
+
+void GalleryWindow::followPlayBar() {
     connect(playBar_, &ControlWidget::propertyChanged, this, [this](const QString& name) {
         recentNotifications_.append(name);
         while (recentNotifications_.size() > 6) recentNotifications_.removeFirst();
@@ -470,9 +483,6 @@ void GalleryWindow::buildPlayground(QGridLayout* grid) {
                            recentNotifications_.join(QStringLiteral(", ")));
         syncPlayground();
     });
-    syncPlayground();
-    recentNotifications_.clear();
-    notified_->setText(QStringLiteral("Notified: nothing yet"));
 }
 
 void GalleryWindow::syncPlayground() {
@@ -510,7 +520,7 @@ ControlWidget* GalleryWindow::control(const QString& name) const {
 }
 
 QString GalleryWindow::saveForm(const QString& path) {
-    try {
+    const qt::Failure failure = qt::Guard([&] {
         host::Form form;
         for (ControlWidget* w : controls()) {
             host::FormControl entry = w->toFormControl();
@@ -520,10 +530,10 @@ QString GalleryWindow::saveForm(const QString& path) {
             form.controls.push_back(std::move(entry));
         }
         host::SaveFormFile(path.toStdString(), form);
-    } catch (const std::exception& e) {
-        const QString error = QString::fromUtf8(e.what());
-        showStatus(QStringLiteral("Could not save %1: %2").arg(path, error));
-        return error;
+    });
+    if (failure) {
+        showStatus(QStringLiteral("Could not save %1: %2").arg(path, failure.text));
+        return failure.text;
     }
     showStatus(QStringLiteral("Saved %1 controls to %2.").arg(controls().size()).arg(path));
     return {};
@@ -531,16 +541,24 @@ QString GalleryWindow::saveForm(const QString& path) {
 
 QString GalleryWindow::loadForm(const QString& path) {
     host::Form form;
-    try {
+    const qt::Failure failure = qt::Guard([&] {
         auto& registry = library::ClassRegistry::Instance();
         form = host::LoadFormFile(path.toStdString(),
                                   [&](std::string_view c) { return registry.Find(c) != nullptr; });
-    } catch (const std::exception& e) {
-        const QString error = QString::fromUtf8(e.what());
-        showStatus(QStringLiteral("Could not load %1: %2").arg(path, error));
-        return error;
+    });
+    if (failure) {
+        showStatus(QStringLiteral("Could not load %1: %2").arg(path, failure.text));
+        return failure.text;
     }
     QString firstError;
+    const auto load = [&](host::FormControl& entry, QWidget* parent) {
+        const QString name = QString::fromStdString(entry.name);
+        ControlWidget* w = qt::LoadControlWidget(
+            entry, QStringLiteral("%1: %2.properties").arg(path, name), parent);
+        if (w && w->hasReportedError() && firstError.isEmpty())
+            firstError = QStringLiteral("%1: %2").arg(name, w->lastErrorText());
+        return w;
+    };
     std::vector<host::FormControl*> extra;
     for (host::FormControl& entry : form.controls) {
         ControlWidget* own = control(QString::fromStdString(entry.name));
@@ -549,11 +567,7 @@ QString GalleryWindow::loadForm(const QString& path) {
             extra.push_back(&entry);
             continue;
         }
-        const QString place =
-            QStringLiteral("%1: %2.properties").arg(path, QString::fromStdString(entry.name));
-        if (!own->readProperties(entry.properties, place) && firstError.isEmpty())
-            firstError = QStringLiteral("%1: %2").arg(QString::fromStdString(entry.name),
-                                                      own->lastErrorText());
+        if (ControlWidget* loaded = load(entry, own->parentWidget())) replace(own, loaded);
     }
     syncPlayground();
 
@@ -563,15 +577,9 @@ QString GalleryWindow::loadForm(const QString& path) {
         formCanvas_ = new QWidget(formCard_);
         QRect bounds;
         for (host::FormControl* entry : extra) {
-            ControlWidget* w =
-                qt::CreateControlWidget(QString::fromStdString(entry->className), formCanvas_);
+            ControlWidget* w = load(*entry, formCanvas_);
             if (!w) continue;
             watchErrors(w);
-            const QString place =
-                QStringLiteral("%1: %2.properties").arg(path, QString::fromStdString(entry->name));
-            if (!w->readFormControl(*entry, place) && firstError.isEmpty())
-                firstError = QStringLiteral("%1: %2").arg(QString::fromStdString(entry->name),
-                                                          w->lastErrorText());
             bounds |= w->geometry();
         }
         // The file's layout, moved to the canvas's corner.
@@ -591,6 +599,30 @@ QString GalleryWindow::loadForm(const QString& path) {
             ? QStringLiteral("Loaded %1 controls from %2.").arg(form.controls.size()).arg(path)
             : QStringLiteral("Loaded %1 with an error: %2").arg(path, firstError));
     return firstError;
+}
+
+// A control is created once and then initialised or loaded, never both: a
+// control of the file takes the place of the gallery's own (in the layout
+// and the children's order, with its size limits) and the gallery follows
+// it in its stead.
+void GalleryWindow::replace(ControlWidget* own, ControlWidget* loaded) {
+    loaded->setMinimumSize(own->minimumSize());
+    loaded->setSizePolicy(own->sizePolicy());
+    loaded->setGeometry(own->geometry());
+    loaded->stackUnder(own);
+    if (QLayout* layout = own->parentWidget()->layout()) delete layout->replaceWidget(own, loaded);
+    watchErrors(loaded);
+    if (own == jobBar_) {
+        jobBar_ = qobject_cast<ProgressBoxWidget*>(loaded);
+        followJobBar();
+    }
+    if (own == playBar_) {
+        playBar_ = qobject_cast<ProgressBoxWidget*>(loaded);
+        followPlayBar();
+    }
+    datePage_->replace(own, loaded);
+    loaded->setVisible(!own->isHidden());
+    delete own;
 }
 
 bool GalleryWindow::showPage(const QString& name) {

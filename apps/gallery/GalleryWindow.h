@@ -47,9 +47,10 @@ public:
     // Writes every control, with its geometry in the window. Returns the
     // error text, empty on success.
     QString saveForm(const QString& path);
-    // A control of the file that has the name of one of the window's takes
-    // its properties; the others are placed in a card of their own as the
-    // file lays them out. A bad file changes nothing. Returns the error text.
+    // A control of the file that has the name of one of the window's is
+    // loaded in its place (the window's own is terminated); the others are
+    // placed in a card of their own as the file lays them out. A bad file
+    // changes nothing. Returns the error text.
     QString loadForm(const QString& path);
 
     // ---- The simulated job
@@ -78,6 +79,9 @@ private:
     void buildCaptions(QGridLayout* grid);
     void buildJob(QGridLayout* grid);
     void buildPlayground(QGridLayout* grid);
+    void followJobBar();
+    void followPlayBar();
+    void replace(qt::ControlWidget* own, qt::ControlWidget* loaded);
     void advanceJob();
     void onTimerChange(int elapsed, int estimated);
     void pickColor(QPushButton* swatch, const char* property);

@@ -1,8 +1,12 @@
+// Sections: words and keys; running lines; controls and forms; keys and the
+// pointer; records and pixels; the command table.
 #include "apps/host/ScriptHost.h"
 
 #include <cctype>
 #include <charconv>
 #include <cmath>
+#include <cstdio>
+#include <limits>
 #include <optional>
 
 #include "apps/host/ScriptValues.h"
@@ -12,12 +16,15 @@
 #include "common/Text.h"
 #include "host/FormFile.h"
 #include "host/Keys.h"
+#include "host/Site.h"
 #include "library/ClassFactory.h"
 #include "library/Dispatch.h"
 
 namespace kelvarin::script {
 
 using host::headless::Placed;
+
+// ---- Words and keys -----------------------------------------------------------
 
 namespace {
 
@@ -37,16 +44,13 @@ double ToNumber(std::string_view word) {
     return v;
 }
 
-void Need(const std::vector<std::string>& words, std::size_t min, std::size_t max,
-          const char* usage) {
-    if (words.size() < min || words.size() > max) throw ScriptError{std::string("usage: ") + usage};
-}
-
 // Keys that type a character, and the character they type.
 int TypedCharacter(int code) {
-    if (code == 8 || code == 13 || code == 27 || code == 32) return code;
-    if ((code >= 48 && code <= 57) || (code >= 65 && code <= 90)) return code;
-    if (code >= 96 && code <= 105) return code - 96 + '0';
+    using namespace host;
+    if (code == kKeyBack || code == kKeyReturn || code == kKeyEscape || code == kKeySpace)
+        return code;
+    if ((code >= kKey0 && code <= kKey9) || (code >= kKeyA && code <= kKeyZ)) return code;
+    if (code >= kKeyNumpad0 && code <= kKeyNumpad9) return code - kKeyNumpad0 + '0';
     return 0;
 }
 
@@ -56,6 +60,8 @@ bool IsColor(const library::ClassInfo& info, std::string_view member) {
 }
 
 }  // namespace
+
+// ---- Running lines ---------------------------------------------------------------
 
 ScriptHost::ScriptHost(std::ostream& out) : out_(out) {
     host_.modalLoop = [this](host::Popup& popup, host::Point screen) { RunModal(popup, screen); };
@@ -97,6 +103,8 @@ void ScriptHost::Execute(std::string_view line) {
     }
 }
 
+// ---- Controls and forms ------------------------------------------------------------
+
 Placed& ScriptHost::Control(std::string_view name) {
     Placed* p = host_.Find(name);
     if (!p) throw ScriptError{"no control named " + std::string(name)};
@@ -118,23 +126,10 @@ void ScriptHost::Create(const std::string& className, const std::string& name, h
     if (!control) throw ScriptError{"cannot create a control of class " + className};
     Placed& placed = host_.Add(name, std::move(control), size);
     try {
-        placed.Get().InitProperties();
-        placed.PaintFrame();  // a control's own default border changes the client area
-        placed.Get().Resize();
-        placed.Get().Show();
-        placed.Get().Paint();
+        host::PlaceNew(placed.Get(), placed);
     } catch (...) {
         host_.Remove(name);
         throw;
-    }
-}
-
-void ScriptHost::AfterWrite(Placed& placed, int borderBefore) {
-    // The frame belongs to the host: a new border changes the client area.
-    placed.PaintFrame();
-    if (host::BorderWidth(placed.Get().SurfaceState()) != borderBefore) {
-        placed.Get().Resize();
-        placed.Get().Paint();
     }
 }
 
@@ -173,11 +168,7 @@ void ScriptHost::Load(const std::string& path) {
             placed.MoveTo({fc.left, fc.top});
             host::FormPropertyBag bag(fc.properties, path + ": " + fc.name + ".properties");
             try {
-                placed.Get().ReadProperties(bag);
-                placed.PaintFrame();
-                placed.Get().Resize();
-                placed.Get().Show();
-                placed.Get().Paint();
+                host::PlaceLoaded(placed.Get(), bag, placed);
             } catch (const HostError& e) {
                 if (!controlError) controlError = e;
             }
@@ -189,6 +180,8 @@ void ScriptHost::Load(const std::string& path) {
     for (auto& p : old) p->Get().Terminate();
     if (controlError) throw *controlError;
 }
+
+// ---- Keys and the pointer -------------------------------------------------------------
 
 void ScriptHost::SendKey(std::string_view action, int code, int shift) {
     if (code < -32768 || code > 32767 || shift < 0 || shift > 7)
@@ -214,16 +207,34 @@ void ScriptHost::SendKey(std::string_view action, int code, int shift) {
     else focused->Get().KeyPress(key);
 }
 
+void ScriptHost::TypeText(const std::string& text) {
+    for (char ch : text) {
+        const unsigned char c = static_cast<unsigned char>(ch);
+        if (std::isdigit(c) || c == ' ') {
+            SendKey("down", c, 0);
+            SendKey("press", c, 0);
+            SendKey("up", c, 0);
+        } else if (std::isalpha(c)) {
+            const int shift = std::isupper(c) ? host::kShiftMask : 0;
+            SendKey("down", std::toupper(c), shift);
+            SendKey("press", c, shift);
+            SendKey("up", std::toupper(c), shift);
+        } else {
+            SendKey("press", c, 0);
+        }
+    }
+}
+
 void ScriptHost::SendMouse(std::string_view target, std::string_view action, int button, int shift,
-                           double x, double y) {
-    const Integer b = static_cast<Integer>(button), s = static_cast<Integer>(shift);
-    const Single fx = ToSingle(x), fy = ToSingle(y);
+                           double x, double y, bool secondOfDouble) {
+    const host::PointerEvent e{static_cast<Integer>(button), static_cast<Integer>(shift),
+                               ToSingle(x), ToSingle(y)};
     if (EqualsIgnoreCase(target, "popup")) {
         host::Popup* popup = host_.openPopup;
         if (!popup) throw ScriptError{"no popup is open"};
-        if (action == "down") popup->MouseDown(b, s, fx, fy);
-        else if (action == "up") popup->MouseUp(b, s, fx, fy);
-        else popup->MouseMove(b, s, fx, fy);
+        if (action == "down") popup->MouseDown(e.button, e.shift, e.x, e.y);
+        else if (action == "up") popup->MouseUp(e.button, e.shift, e.x, e.y);
+        else popup->MouseMove(e.button, e.shift, e.x, e.y);
         return;
     }
     Placed& placed = Control(target);
@@ -235,13 +246,15 @@ void ScriptHost::SendMouse(std::string_view target, std::string_view action, int
     }
     if (action == "down") {
         host_.SetFocus(&placed);
-        placed.Get().MouseDown(b, s, fx, fy);
+        placed.Pointer().Press(e, secondOfDouble);
     } else if (action == "up") {
-        placed.Get().MouseUp(b, s, fx, fy);
+        placed.Pointer().Release(e, placed.Covers(e.x, e.y));
     } else {
-        placed.Get().MouseMove(b, s, fx, fy);
+        placed.Pointer().Move(e);
     }
 }
+
+// ---- Records and pixels -----------------------------------------------------------------
 
 // A control's pixels with its frame, or the open popup's, painted now.
 const host::headless::Raster& ScriptHost::Pixels(std::string_view target) {
@@ -250,7 +263,7 @@ const host::headless::Raster& ScriptHost::Pixels(std::string_view target) {
         return host_.PaintPopup();
     }
     Placed& p = Control(target);
-    p.PaintFrame();
+    p.LayOutFrame();
     return p.Pixels();
 }
 
@@ -283,204 +296,238 @@ void ScriptHost::PrintNotifications(std::string_view name) {
     records = std::move(kept);
 }
 
-void ScriptHost::Dispatch(const std::vector<std::string>& w, std::string_view line) {
-    const std::string& cmd = w[0];
-    if (cmd == "echo") {
-        out_ << (line.size() > 5 ? line.substr(5) : std::string_view()) << "\n";
-    } else if (cmd == "create") {
-        Need(w, 3, 5, "create CLASS NAME [WIDTH HEIGHT]");
-        if (w.size() == 4) throw ScriptError{"usage: create CLASS NAME [WIDTH HEIGHT]"};
-        const host::Size size =
-            w.size() == 5 ? host::Size{ToInt(w[3]), ToInt(w[4])} : host::Size{120, 24};
-        Create(w[1], w[2], size);
-    } else if (cmd == "destroy") {
-        Need(w, 2, 2, "destroy NAME");
-        Control(w[1]);
-        host_.Remove(w[1]);
-    } else if (cmd == "resize") {
-        Need(w, 4, 4, "resize NAME WIDTH HEIGHT");
-        Placed& p = Control(w[1]);
-        const int width = ToInt(w[2]), height = ToInt(w[3]);
-        if (width < 0 || height < 0 || width > 32767 || height > 32767)
-            throw ScriptError{"impossible size"};
-        p.SetOuterSize({width, height});
-        p.Get().Resize();
-        p.Get().Paint();
-    } else if (cmd == "move") {
-        Need(w, 4, 4, "move NAME X Y");
-        Control(w[1]).MoveTo({ToInt(w[2]), ToInt(w[3])});
-    } else if (cmd == "screen") {
-        Need(w, 3, 3, "screen WIDTH HEIGHT");
-        host_.screen = {ToInt(w[1]), ToInt(w[2])};
-    } else if (cmd == "let" || cmd == "set") {
-        Need(w, 3, 3, "let|set NAME.PROPERTY VALUE");
-        auto [placed, member] = Target(w[1]);
-        const Variant value = ParseValue(w[2]);
-        const int border = host::BorderWidth(placed->Get().SurfaceState());
-        if (cmd == "let") library::Let(placed->Get(), member, value);
-        else library::Set(placed->Get(), member, value);
-        AfterWrite(*placed, border);
-    } else if (cmd == "get") {
-        Need(w, 2, 2, "get NAME.PROPERTY");
-        auto [placed, member] = Target(w[1]);
-        const Variant value = library::Get(placed->Get(), member);
-        const library::ClassInfo& info = library::ClassOf(placed->Get());
-        out_ << placed->Name() << "." << info.FindMember(member)->name << " = "
-             << FormatValue(value, IsColor(info, member)) << "\n";
-    } else if (cmd == "call") {
-        Need(w, 2, 64, "call NAME.METHOD [ARGUMENTS]");
-        auto [placed, member] = Target(w[1]);
-        std::vector<Variant> args;
-        for (std::size_t i = 2; i < w.size(); ++i) args.push_back(ParseValue(w[i]));
-        const int border = host::BorderWidth(placed->Get().SurfaceState());
-        const Variant result = library::Call(placed->Get(), member, args);
-        AfterWrite(*placed, border);
-        if (!result.IsEmpty()) {
-            out_ << placed->Name() << "."
-                 << library::ClassOf(placed->Get()).FindMember(member)->name << " = "
-                 << FormatValue(result) << "\n";
-        }
-    } else if (cmd == "save") {
-        Need(w, 2, 2, "save FILE");
-        Save(w[1]);
-    } else if (cmd == "load") {
-        Need(w, 2, 2, "load FILE");
-        Load(w[1]);
-    } else if (cmd == "ambient") {
-        Need(w, 3, 3, "ambient Font|DisplayAsDefault VALUE");
-        const Variant value = ParseValue(w[2]);
-        std::string name;
-        if (EqualsIgnoreCase(w[1], "Font")) {
-            auto font = std::dynamic_pointer_cast<Font>(value.ToObject());
-            if (!font) RaiseHostError(HostErrorCode::TypeMismatch);
-            host_.ambientFont = font;
-            name = "Font";
-        } else if (EqualsIgnoreCase(w[1], "DisplayAsDefault")) {
-            host_.displayAsDefault = value.ToBoolean();
-            name = "DisplayAsDefault";
-        } else {
-            throw ScriptError{"no ambient property " + w[1]};
-        }
-        for (Placed* p : host_.Controls()) p->Get().AmbientChanged(name);
-    } else if (cmd == "focus") {
-        Need(w, 2, 2, "focus NAME");
-        if (!host_.SetFocus(&Control(w[1]))) out_ << "focus refused\n";
-    } else if (cmd == "key") {
-        Need(w, 3, 4, "key down|up CODE [SHIFT] or key press ASCII");
-        if (w[1] != "down" && w[1] != "up" && w[1] != "press")
-            throw ScriptError{"usage: key down|up CODE [SHIFT] or key press ASCII"};
-        SendKey(w[1], ToInt(w[2]), w.size() == 4 ? ToInt(w[3]) : 0);
-    } else if (cmd == "stroke") {
-        Need(w, 2, 3, "stroke CODE [SHIFT]");
-        const int code = ToInt(w[1]), shift = w.size() == 3 ? ToInt(w[2]) : 0;
-        SendKey("down", code, shift);
-        if (const int c = TypedCharacter(code)) SendKey("press", c, shift);
-        SendKey("up", code, shift);
-    } else if (cmd == "type") {
-        Need(w, 2, 2, "type TEXT");
-        // A quoted word is read as a value; a bare one is the text itself.
-        const std::string text = w[1].front() == '"' ? ParseValue(w[1]).ToString() : w[1];
-        for (char ch : text) {
-            const unsigned char c = static_cast<unsigned char>(ch);
-            if (std::isdigit(c) || c == ' ') {
-                SendKey("down", c, 0);
-                SendKey("press", c, 0);
-                SendKey("up", c, 0);
-            } else if (std::isalpha(c)) {
-                const int shift = std::isupper(c) ? 1 : 0;
-                SendKey("down", std::toupper(c), shift);
-                SendKey("press", c, shift);
-                SendKey("up", std::toupper(c), shift);
-            } else {
-                SendKey("press", c, 0);
-            }
-        }
-    } else if (cmd == "mouse") {
-        Need(w, 7, 7, "mouse TARGET down|up|move BUTTON SHIFT X Y");
-        if (w[2] != "down" && w[2] != "up" && w[2] != "move")
-            throw ScriptError{"usage: mouse TARGET down|up|move BUTTON SHIFT X Y"};
-        SendMouse(w[1], w[2], ToInt(w[3]), ToInt(w[4]), ToNumber(w[5]), ToNumber(w[6]));
-    } else if (cmd == "click" || cmd == "dblclick") {
-        Need(w, 4, 4, "click|dblclick TARGET X Y");
-        const double x = ToNumber(w[2]), y = ToNumber(w[3]);
-        SendMouse(w[1], "down", 1, 0, x, y);
-        SendMouse(w[1], "up", 1, 0, x, y);
-        if (!EqualsIgnoreCase(w[1], "popup") && !host_.openPopup &&
-            Control(w[1]).Get().SurfaceState().enabled) {
-            Placed& p = Control(w[1]);
-            p.Get().Click();
-            if (cmd == "dblclick") {
-                p.Get().DblClick();
-                SendMouse(w[1], "up", 1, 0, x, y);
-            }
-        }
-    } else if (cmd == "pointer") {
-        Need(w, 3, 3, "pointer NAME over|away");
-        if (w[2] != "over" && w[2] != "away") throw ScriptError{"usage: pointer NAME over|away"};
-        Placed& target = Control(w[1]);
-        for (Placed* p : host_.Controls()) p->pointerOver = false;
-        target.pointerOver = w[2] == "over";
-    } else if (cmd == "today") {
-        Need(w, 2, 2, "today YYYY-MM-DD");
-        const Variant d = ParseValue("#" + w[1] + "#");
-        host_.today = DatePortion(d.ToDate());
-    } else if (cmd == "tick") {
-        Need(w, 2, 2, "tick MS");
-        const double ms = ToNumber(w[1]);
-        if (ms < 0 || ms > 4294967295.0 || ms != std::floor(ms))
-            throw ScriptError{"tick needs a whole number of milliseconds"};
-        host_.Advance(static_cast<std::uint32_t>(ms));
-    } else if (cmd == "tickcount") {
-        Need(w, 2, 2, "tickcount N");
-        const double n = ToNumber(w[1]);
-        if (n < 0 || n > 4294967295.0 || n != std::floor(n))
-            throw ScriptError{"tickcount needs a whole number from 0 to 4294967295"};
-        host_.SetTickCount(static_cast<std::uint32_t>(n));
-    } else if (cmd == "events") {
-        Need(w, 1, 2, "events [NAME]");
-        PrintEvents(w.size() == 2 ? w[1] : "");
-    } else if (cmd == "notified") {
-        Need(w, 1, 2, "notified [NAME]");
-        PrintNotifications(w.size() == 2 ? w[1] : "");
-    } else if (cmd == "dump") {
-        Need(w, 2, 2, "dump NAME");
-        std::vector<std::string> lines;
-        if (EqualsIgnoreCase(w[1], "popup")) {
-            if (!host_.openPopup) throw ScriptError{"no popup is open"};
-            lines = host_.openPopup->Dump();
-            char buf[48];
-            std::snprintf(buf, sizeof buf, "position %d %d", popupPosition_.x, popupPosition_.y);
-            lines.emplace_back(buf);
-        } else {
-            lines = Control(w[1]).Get().Dump();
-        }
-        for (const std::string& l : lines) out_ << l << "\n";
-    } else if (cmd == "deactivate") {
-        Need(w, 2, 2, "deactivate popup");
+void ScriptHost::PrintDump(std::string_view target) {
+    std::vector<std::string> lines;
+    if (EqualsIgnoreCase(target, "popup")) {
         if (!host_.openPopup) throw ScriptError{"no popup is open"};
-        host_.openPopup->Deactivated();
-    } else if (cmd == "paint") {
-        Need(w, 3, 3, "paint NAME|popup FILE.bmp");
-        const host::headless::Raster& r = Pixels(w[1]);
-        if (r.width == 0 || r.height == 0) throw ScriptError{"the control has no pixels"};
-        auto picture = Picture::MakeBitmap(r.width, r.height, 24);
-        for (int y = 0; y < r.height; ++y) {  // the raster is top-down, bitmaps bottom-up
-            const auto* row = r.bgr.data() + static_cast<std::size_t>(y) * r.width * 3;
-            std::copy(row, row + r.width * 3, picture->Row(r.height - 1 - y).begin());
-        }
-        if (const std::string error = SaveBmpFile(*picture, w[2]); !error.empty())
-            throw ScriptError{w[2] + ": " + error};
-        if (afterPaint) afterPaint(r, w[2]);
-    } else if (cmd == "pixel") {
-        Need(w, 4, 4, "pixel NAME|popup X Y");
-        const host::headless::Raster& r = Pixels(w[1]);
-        const int x = ToInt(w[2]), y = ToInt(w[3]);
-        if (x < 0 || y < 0 || x >= r.width || y >= r.height)
-            throw ScriptError{"pixel outside the control"};
-        out_ << FormatValue(Variant(static_cast<Long>(r.Get(x, y))), true) << "\n";
+        lines = host_.openPopup->Dump();
+        char buf[48];
+        std::snprintf(buf, sizeof buf, "position %d %d", popupPosition_.x, popupPosition_.y);
+        lines.emplace_back(buf);
     } else {
-        throw ScriptError{"unknown command " + cmd};
+        lines = Control(target).Get().Dump();
     }
+    for (const std::string& l : lines) out_ << l << "\n";
+}
+
+void ScriptHost::PaintToFile(std::string_view target, const std::string& path) {
+    const host::headless::Raster& r = Pixels(target);
+    if (r.width == 0 || r.height == 0) throw ScriptError{"the control has no pixels"};
+    auto picture = Picture::MakeBitmap(r.width, r.height, 24);
+    for (int y = 0; y < r.height; ++y) {  // the raster is top-down, bitmaps bottom-up
+        const auto* row = r.bgr.data() + static_cast<std::size_t>(y) * r.width * 3;
+        std::copy(row, row + r.width * 3, picture->Row(r.height - 1 - y).begin());
+    }
+    if (const std::string error = SaveBmpFile(*picture, path); !error.empty())
+        throw ScriptError{path + ": " + error};
+    if (afterPaint) afterPaint(r, path);
+}
+
+// ---- The command table ---------------------------------------------------------------------
+
+struct ScriptHost::Command {
+    std::string_view name;
+    std::string_view usage;  // shown after "usage: " when the words do not fit
+    std::size_t minWords;    // the command's own name included
+    std::size_t maxWords;
+    void (*run)(ScriptHost& host, const Words& w, std::string_view line);
+};
+
+namespace {
+
+constexpr std::size_t kAnyNumber = std::numeric_limits<std::size_t>::max();
+
+double WholeMilliseconds(std::string_view word, const char* complaint) {
+    const double n = ToNumber(word);
+    if (n < 0 || n > 4294967295.0 || n != std::floor(n)) throw ScriptError{complaint};
+    return n;
+}
+
+}  // namespace
+
+void ScriptHost::Dispatch(const Words& w, std::string_view line) {
+    for (const Command& c : Commands()) {
+        if (c.name != w[0]) continue;
+        if (w.size() < c.minWords || w.size() > c.maxWords)
+            throw ScriptError{"usage: " + std::string(c.usage)};
+        c.run(*this, w, line);
+        return;
+    }
+    throw ScriptError{"unknown command " + w[0]};
+}
+
+const std::vector<ScriptHost::Command>& ScriptHost::Commands() {
+    using L = std::string_view;  // the whole line, for echo
+    // Commands that share a handler under two names.
+    constexpr auto letOrSet = [](ScriptHost& h, const Words& w, L) {
+        auto [placed, member] = h.Target(w[1]);
+        const Variant value = ParseValue(w[2]);
+        if (w[0] == "let") library::Let(placed->Get(), member, value);
+        else library::Set(placed->Get(), member, value);
+        host::SyncFrame(placed->Get(), *placed);
+    };
+    constexpr auto click = [](ScriptHost& h, const Words& w, L) {
+        const double x = ToNumber(w[2]), y = ToNumber(w[3]);
+        h.SendMouse(w[1], "down", host::kLeftButton, 0, x, y);
+        h.SendMouse(w[1], "up", host::kLeftButton, 0, x, y);
+        // The second press only reaches a control that took the first click.
+        if (w[0] != "dblclick" || EqualsIgnoreCase(w[1], "popup") || h.host_.openPopup ||
+            !h.Control(w[1]).Get().SurfaceState().enabled)
+            return;
+        h.SendMouse(w[1], "down", host::kLeftButton, 0, x, y, true);
+        h.SendMouse(w[1], "up", host::kLeftButton, 0, x, y);
+    };
+    static const std::vector<Command> table = {
+        {"echo", "", 1, kAnyNumber,
+         [](ScriptHost& h, const Words&, L line) {
+             h.out_ << (line.size() > 5 ? line.substr(5) : std::string_view()) << "\n";
+         }},
+        {"create", "create CLASS NAME [WIDTH HEIGHT]", 3, 5,
+         [](ScriptHost& h, const Words& w, L) {
+             if (w.size() == 4) throw ScriptError{"usage: create CLASS NAME [WIDTH HEIGHT]"};
+             const host::Size size =
+                 w.size() == 5 ? host::Size{ToInt(w[3]), ToInt(w[4])} : host::Size{120, 24};
+             h.Create(w[1], w[2], size);
+         }},
+        {"destroy", "destroy NAME", 2, 2,
+         [](ScriptHost& h, const Words& w, L) {
+             h.Control(w[1]);
+             h.host_.Remove(w[1]);
+         }},
+        {"resize", "resize NAME WIDTH HEIGHT", 4, 4,
+         [](ScriptHost& h, const Words& w, L) {
+             Placed& p = h.Control(w[1]);
+             const int width = ToInt(w[2]), height = ToInt(w[3]);
+             if (width < 0 || height < 0 || width > 32767 || height > 32767)
+                 throw ScriptError{"impossible size"};
+             p.SetOuterSize({width, height});
+             p.Get().Resize();
+             p.Get().Paint();
+         }},
+        {"move", "move NAME X Y", 4, 4,
+         [](ScriptHost& h, const Words& w, L) {
+             h.Control(w[1]).MoveTo({ToInt(w[2]), ToInt(w[3])});
+         }},
+        {"screen", "screen WIDTH HEIGHT", 3, 3,
+         [](ScriptHost& h, const Words& w, L) {
+             h.host_.screen = {ToInt(w[1]), ToInt(w[2])};
+         }},
+        {"let", "let|set NAME.PROPERTY VALUE", 3, 3, letOrSet},
+        {"set", "let|set NAME.PROPERTY VALUE", 3, 3, letOrSet},
+        {"get", "get NAME.PROPERTY", 2, 2,
+         [](ScriptHost& h, const Words& w, L) {
+             auto [placed, member] = h.Target(w[1]);
+             const Variant value = library::Get(placed->Get(), member);
+             const library::ClassInfo& info = library::ClassOf(placed->Get());
+             h.out_ << placed->Name() << "." << info.FindMember(member)->name << " = "
+                    << FormatValue(value, IsColor(info, member)) << "\n";
+         }},
+        {"call", "call NAME.METHOD [ARGUMENTS]", 2, 64,
+         [](ScriptHost& h, const Words& w, L) {
+             auto [placed, member] = h.Target(w[1]);
+             std::vector<Variant> args;
+             for (std::size_t i = 2; i < w.size(); ++i) args.push_back(ParseValue(w[i]));
+             const Variant result = library::Call(placed->Get(), member, args);
+             host::SyncFrame(placed->Get(), *placed);
+             if (result.IsEmpty()) return;
+             h.out_ << placed->Name() << "."
+                    << library::ClassOf(placed->Get()).FindMember(member)->name << " = "
+                    << FormatValue(result) << "\n";
+         }},
+        {"save", "save FILE", 2, 2, [](ScriptHost& h, const Words& w, L) { h.Save(w[1]); }},
+        {"load", "load FILE", 2, 2, [](ScriptHost& h, const Words& w, L) { h.Load(w[1]); }},
+        {"ambient", "ambient Font|DisplayAsDefault VALUE", 3, 3,
+         [](ScriptHost& h, const Words& w, L) {
+             const Variant value = ParseValue(w[2]);
+             std::string name;
+             if (EqualsIgnoreCase(w[1], "Font")) {
+                 auto font = std::dynamic_pointer_cast<Font>(value.ToObject());
+                 if (!font) RaiseHostError(HostErrorCode::TypeMismatch);
+                 h.host_.ambientFont = font;
+                 name = "Font";
+             } else if (EqualsIgnoreCase(w[1], "DisplayAsDefault")) {
+                 h.host_.displayAsDefault = value.ToBoolean();
+                 name = "DisplayAsDefault";
+             } else {
+                 throw ScriptError{"no ambient property " + w[1]};
+             }
+             for (Placed* p : h.host_.Controls()) p->Get().AmbientChanged(name);
+         }},
+        {"focus", "focus NAME", 2, 2,
+         [](ScriptHost& h, const Words& w, L) {
+             if (!h.host_.SetFocus(&h.Control(w[1]))) h.out_ << "focus refused\n";
+         }},
+        {"key", "key down|up CODE [SHIFT] or key press ASCII", 3, 4,
+         [](ScriptHost& h, const Words& w, L) {
+             if (w[1] != "down" && w[1] != "up" && w[1] != "press")
+                 throw ScriptError{"usage: key down|up CODE [SHIFT] or key press ASCII"};
+             h.SendKey(w[1], ToInt(w[2]), w.size() == 4 ? ToInt(w[3]) : 0);
+         }},
+        {"stroke", "stroke CODE [SHIFT]", 2, 3,
+         [](ScriptHost& h, const Words& w, L) {
+             const int code = ToInt(w[1]), shift = w.size() == 3 ? ToInt(w[2]) : 0;
+             h.SendKey("down", code, shift);
+             if (const int c = TypedCharacter(code)) h.SendKey("press", c, shift);
+             h.SendKey("up", code, shift);
+         }},
+        {"type", "type TEXT", 2, 2,
+         [](ScriptHost& h, const Words& w, L) {
+             // A quoted word is read as a value; a bare one is the text itself.
+             h.TypeText(w[1].front() == '"' ? ParseValue(w[1]).ToString() : w[1]);
+         }},
+        {"mouse", "mouse TARGET down|up|move BUTTON SHIFT X Y", 7, 7,
+         [](ScriptHost& h, const Words& w, L) {
+             if (w[2] != "down" && w[2] != "up" && w[2] != "move")
+                 throw ScriptError{"usage: mouse TARGET down|up|move BUTTON SHIFT X Y"};
+             h.SendMouse(w[1], w[2], ToInt(w[3]), ToInt(w[4]), ToNumber(w[5]), ToNumber(w[6]));
+         }},
+        {"click", "click|dblclick TARGET X Y", 4, 4, click},
+        {"dblclick", "click|dblclick TARGET X Y", 4, 4, click},
+        {"pointer", "pointer NAME over|away", 3, 3,
+         [](ScriptHost& h, const Words& w, L) {
+             if (w[2] != "over" && w[2] != "away")
+                 throw ScriptError{"usage: pointer NAME over|away"};
+             Placed& target = h.Control(w[1]);
+             for (Placed* p : h.host_.Controls()) p->pointerOver = false;
+             target.pointerOver = w[2] == "over";
+         }},
+        {"today", "today YYYY-MM-DD", 2, 2,
+         [](ScriptHost& h, const Words& w, L) {
+             const Variant d = ParseValue("#" + w[1] + "#");
+             h.host_.today = DatePortion(d.ToDate());
+         }},
+        {"tick", "tick MS", 2, 2,
+         [](ScriptHost& h, const Words& w, L) {
+             h.host_.Advance(static_cast<std::uint32_t>(
+                 WholeMilliseconds(w[1], "tick needs a whole number of milliseconds")));
+         }},
+        {"tickcount", "tickcount N", 2, 2,
+         [](ScriptHost& h, const Words& w, L) {
+             h.host_.SetTickCount(static_cast<std::uint32_t>(
+                 WholeMilliseconds(w[1], "tickcount needs a whole number from 0 to 4294967295")));
+         }},
+        {"events", "events [NAME]", 1, 2,
+         [](ScriptHost& h, const Words& w, L) { h.PrintEvents(w.size() == 2 ? w[1] : ""); }},
+        {"notified", "notified [NAME]", 1, 2,
+         [](ScriptHost& h, const Words& w, L) { h.PrintNotifications(w.size() == 2 ? w[1] : ""); }},
+        {"dump", "dump NAME", 2, 2, [](ScriptHost& h, const Words& w, L) { h.PrintDump(w[1]); }},
+        {"deactivate", "deactivate popup", 2, 2,
+         [](ScriptHost& h, const Words&, L) {
+             if (!h.host_.openPopup) throw ScriptError{"no popup is open"};
+             h.host_.openPopup->Deactivated();
+         }},
+        {"paint", "paint NAME|popup FILE.bmp", 3, 3,
+         [](ScriptHost& h, const Words& w, L) { h.PaintToFile(w[1], w[2]); }},
+        {"pixel", "pixel NAME|popup X Y", 4, 4,
+         [](ScriptHost& h, const Words& w, L) {
+             const host::headless::Raster& r = h.Pixels(w[1]);
+             const int x = ToInt(w[2]), y = ToInt(w[3]);
+             if (x < 0 || y < 0 || x >= r.width || y >= r.height)
+                 throw ScriptError{"pixel outside the control"};
+             h.out_ << FormatValue(Variant(static_cast<Long>(r.Get(x, y))), true) << "\n";
+         }},
+    };
+    return table;
 }
 
 }  // namespace kelvarin::script

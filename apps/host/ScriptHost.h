@@ -1,4 +1,6 @@
-// Runs the script language against the headless host: one command a line.
+// Runs the script language against the headless host: one command a line,
+// looked up in a table of commands (the .cpp) that gives each its usage,
+// its number of words and what it does.
 #pragma once
 
 #include <functional>
@@ -29,7 +31,11 @@ public:
     std::function<void(const host::headless::Raster&, const std::string&)> afterPaint;
 
 private:
-    void Dispatch(const std::vector<std::string>& words, std::string_view line);
+    using Words = std::vector<std::string>;
+    struct Command;
+    static const std::vector<Command>& Commands();
+
+    void Dispatch(const Words& words, std::string_view line);
     void RunModal(host::Popup& popup, host::Point screen);
     host::headless::Placed& Control(std::string_view name);
     const host::headless::Raster& Pixels(std::string_view target);
@@ -39,11 +45,15 @@ private:
     void Load(const std::string& path);
     void Create(const std::string& className, const std::string& name, host::Size size);
     void SendKey(std::string_view action, int code, int shift);
+    // A press, release or move on a control (through its pointer protocol)
+    // or on the popup. Only dblclick makes a press the second of a double click.
     void SendMouse(std::string_view target, std::string_view action, int button, int shift,
-                   double x, double y);
+                   double x, double y, bool secondOfDouble = false);
+    void TypeText(const std::string& text);
     void PrintEvents(std::string_view name);
     void PrintNotifications(std::string_view name);
-    void AfterWrite(host::headless::Placed& placed, int borderBefore);
+    void PrintDump(std::string_view target);
+    void PaintToFile(std::string_view target, const std::string& path);
 
     std::ostream& out_;
     host::headless::HeadlessHost host_;

@@ -81,7 +81,8 @@ Placed::Placed(HeadlessHost& host, std::string name, std::unique_ptr<Control> co
       control_(std::move(control)),
       raster_(std::make_shared<Raster>()),
       client_(raster_, {}, host.text),
-      handle_(host.nextHandle_ += 2) {
+      handle_(host.nextHandle_ += 2),
+      pointer_(*control_) {
     control_->SetSite(this);
 }
 
@@ -93,10 +94,16 @@ void Placed::SetOuterSize(Size size) {
     for (int y = 0; y < std::min(old.height, raster_->height); ++y)
         for (int x = 0; x < std::min(old.width, raster_->width); ++x)
             raster_->Put(x, y, old.Get(x, y));
-    PaintFrame();
+    LayOutFrame();
 }
 
-void Placed::PaintFrame() {
+bool Placed::Covers(Single x, Single y) const noexcept {
+    const Rect view = client_.View();
+    const double ox = x + view.left, oy = y + view.top;
+    return ox >= 0 && oy >= 0 && ox < raster_->width && oy < raster_->height;
+}
+
+void Placed::LayOutFrame() {
     const int b = BorderWidth(control_->SurfaceState());
     client_.SetView({b, b, std::max(b, raster_->width - b), std::max(b, raster_->height - b)});
     RasterSurface whole(raster_, {0, 0, raster_->width, raster_->height});

@@ -13,6 +13,8 @@
 #include <vector>
 
 #include "host/Control.h"
+#include "host/Pointer.h"
+#include "host/Site.h"
 #include "host/headless/Raster.h"
 
 namespace kelvarin::host::headless {
@@ -31,8 +33,9 @@ struct NotificationRecord {
     std::string property;
 };
 
-// One control on the headless form, with its site.
-class Placed : public ControlSite {
+// One control on the headless form, with its site, its frame and its
+// pointer protocol.
+class Placed : public ControlSite, public SiteFrame {
 public:
     Placed(HeadlessHost& host, std::string name, std::unique_ptr<Control> control);
     ~Placed() override;
@@ -47,8 +50,14 @@ public:
     void MoveTo(Point screen) noexcept { position_ = screen; }
     // Sets the outer size, keeping what fits, and paints the border.
     void SetOuterSize(Size size);
-    // Repaints the border (after the surface properties change).
-    void PaintFrame();
+    // Whether a point of the client area lies on the control, frame included.
+    bool Covers(Single x, Single y) const noexcept;
+    PointerProtocol& Pointer() noexcept { return pointer_; }
+
+    // ---- SiteFrame
+    int FrameBorder() const override { return client_.View().left; }
+    // Also repaints the border when its width has not changed.
+    void LayOutFrame() override;
 
     // ---- ControlSite
     void PropertyChanged(std::string_view name) override;
@@ -81,6 +90,7 @@ private:
     RasterSurface client_;
     Point position_;
     Long handle_;
+    PointerProtocol pointer_;
 };
 
 class HeadlessHost {
@@ -91,8 +101,8 @@ public:
     HeadlessHost& operator=(const HeadlessHost&) = delete;
 
     // ---- Controls
-    // Sites a new control under NAME at the given outer size; the caller
-    // then runs InitProperties or ReadProperties and Show.
+    // Sites a control under NAME at the given outer size; the caller then
+    // places it (PlaceNew or PlaceLoaded, host/Site.h).
     Placed& Add(std::string name, std::unique_ptr<Control> control, Size size);
     Placed* Find(std::string_view name);
     // Terminates and removes one control, or all of them.

@@ -7,6 +7,7 @@
 #include <sstream>
 
 #include "library/ClassFactory.h"
+#include "tests/host/RecorderClass.h"
 
 namespace kelvarin::script {
 namespace {
@@ -238,6 +239,59 @@ TEST(ScriptHost, SaveAndLoadKeepTheOldFormWhenAFileIsBad) {
                         "\nget g1.Count\nget other.Count\nload " + bad + "\nget g1.Count\n"),
               "g1.Count = 7\nerror: 0 no control named other\nerror: 0 " + bad +
                   ": x.properties.Count: expected a number, found a text\ng1.Count = 7\n");
+    std::filesystem::remove_all(dir);
+}
+
+// The host's own sequences, as a control sees them: a new control is
+// initialised and a loaded one only reads, each framed before it is shown; a
+// border written later lays it out again; clicks follow the pointer protocol.
+TEST(ScriptHost, PlacesControlsAndClicksThemAsEveryHostDoes) {
+    host::test::RegisterRecorder();
+    const auto dir = std::filesystem::temp_directory_path() / "kelvarin-script-site";
+    std::filesystem::create_directories(dir);
+    const std::string form = (dir / "form.json").string();
+    EXPECT_EQ(
+        RunScript("create Recorder r 100 24\nlet r.BorderStyle 0\nlet r.BorderStyle 0\ndump r\n"
+                  "save " +
+                  form + "\ndestroy r\nload " + form + "\ndump r\n" + R"(destroy r
+create Recorder r 100 24
+click r 5 5
+dblclick r 5 6
+mouse r down 1 0 5 5
+mouse r move 1 0 120 5
+mouse r up 1 0 120 5
+mouse r down 2 1 5 5
+mouse r up 2 1 5 5
+dump r
+)"),
+        R"(InitProperties
+Show 96x20
+Resize 96x20
+Paint
+Resize 100x24
+Paint
+ReadProperties
+Show 100x24
+Resize 100x24
+Paint
+InitProperties
+Show 96x20
+Resize 96x20
+Paint
+MouseDown 1 0 5 5
+MouseUp 1 0 5 5
+Click
+MouseDown 1 0 5 6
+MouseUp 1 0 5 6
+Click
+DblClick
+MouseUp 1 0 5 6
+MouseDown 1 0 5 5
+MouseMove 1 0 120 5
+MouseUp 1 0 120 5
+MouseDown 2 1 5 5
+MouseUp 2 1 5 5
+)");
     std::filesystem::remove_all(dir);
 }
 

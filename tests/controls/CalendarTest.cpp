@@ -7,6 +7,7 @@
 #include "controls/calendar/CalendarHook.h"
 #include "controls/datebox/ChangeFlags.h"
 #include "controls/datebox/DateBox.h"
+#include "host/Site.h"
 #include "host/headless/HeadlessHost.h"
 
 namespace kelvarin::controls {
@@ -18,7 +19,7 @@ Date Ymd(int y, int m, int d) { return DateSerial(y, m, d); }
 class CalendarTest : public ::testing::Test {
 protected:
     CalendarTest() : site_(host_.Add("d1", std::make_unique<DateBox>(), {120, 24})) {
-        site_.Get().InitProperties();
+        host::PlaceNew(site_.Get(), site_);
         host_.today = Ymd(2026, 11, 22);
         SetCalendarResultLabel(&label_);
         SetCalendarMinDate(kMinDateSerial);

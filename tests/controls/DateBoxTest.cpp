@@ -5,6 +5,7 @@
 #include "common/HostError.h"
 #include "controls/datebox/ChangeFlags.h"
 #include "host/Keys.h"
+#include "host/Site.h"
 #include "host/headless/HeadlessHost.h"
 #include "library/Dispatch.h"
 
@@ -24,10 +25,7 @@ protected:
         auto box = std::make_unique<DateBox>();
         DateBox& b = *box;
         placed_ = &host_.Add("d1", std::move(box), {width, height});
-        b.InitProperties();
-        placed_->PaintFrame();
-        b.Resize();
-        b.Show();
+        host::PlaceNew(b, *placed_);
         if (pattern != "dd/mm/yyyy") b.SetDateFormat(pattern);
         Drain();
         return b;
@@ -36,10 +34,7 @@ protected:
         auto box = std::make_unique<DateBox>();
         DateBox& b = *box;
         placed_ = &host_.Add("d2", std::move(box), {width, height});
-        b.ReadProperties(bag);
-        placed_->PaintFrame();
-        b.Resize();
-        b.Show();
+        host::PlaceLoaded(b, bag, *placed_);
         return b;
     }
     void Drain() {
@@ -355,7 +350,7 @@ TEST_F(DateBoxTest, LayoutFollowsTheFontTheAlignmentAndTheButton) {
         host_.Clear();
         DateBox& b = Make(c.pattern, c.width, c.height);
         b.SetBorderStyle(c.border);
-        placed_->PaintFrame();
+        host::SyncFrame(b, *placed_);
         b.SetCalendarButton(c.button);
         b.SetAlignment(c.alignment);
         EXPECT_EQ(b.TextLeft(), c.left);

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "common/HostError.h"
+#include "host/Site.h"
 #include "host/headless/HeadlessHost.h"
 #include "library/Dispatch.h"
 #include "tests/ErrorOf.h"
@@ -21,8 +22,7 @@ protected:
         auto box = std::make_unique<ProgressBox>();
         ProgressBox& b = *box;
         placed_ = &host_.Add("bar", std::move(box), {width, height});
-        b.InitProperties();
-        b.Resize();
+        host::PlaceNew(b, *placed_);
         return b;
     }
     OLE_COLOR At(int x, int y = 0) {
@@ -164,12 +164,14 @@ TEST_F(ProgressBoxTest, UnguardedDivisionsFailTheWriteAndLeaveTheControlUsable) 
     tiny.SetStartColor(RGB(9, 9, 9));
     EXPECT_EQ(At(0), RGB(9, 9, 9));
     host_.Clear();
-    ProgressBox& c = Make(20);
     host::MemoryPropertyBag bag;
     bag.Set("MinValue", Variant(5.0));
     bag.Set("MaxValue", Variant(5.0));
     bag.Set("Value", Variant(500.0));
-    EXPECT_EQ(ErrorOf([&] { c.ReadProperties(bag); }), 11);
+    auto loaded = std::make_unique<ProgressBox>();
+    ProgressBox& c = *loaded;
+    placed_ = &host_.Add("bar", std::move(loaded), {20, 10});
+    EXPECT_EQ(ErrorOf([&] { host::PlaceLoaded(c, bag, *placed_); }), 11);
     EXPECT_EQ(c.Value(), 500);  // loading does not clamp
     c.SetMaxValue(10);
     EXPECT_EQ(c.Value(), 10);

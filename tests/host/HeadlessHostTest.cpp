@@ -36,10 +36,8 @@ TEST(HeadlessHost, TimersFireInTimeOrderAndTheTickWraps) {
     std::vector<std::string> log;
     auto* a = new Ticker(log, "a");
     auto* b = new Ticker(log, "b");
-    host.Add("a", std::unique_ptr<Control>(a), {10, 10});
-    host.Add("b", std::unique_ptr<Control>(b), {10, 10});
-    a->Show();
-    b->Show();
+    PlaceNew(*a, host.Add("a", std::unique_ptr<Control>(a), {10, 10}));
+    PlaceNew(*b, host.Add("b", std::unique_ptr<Control>(b), {10, 10}));
     a->Clock().SetInterval(250);
     b->Clock().SetInterval(100);
     a->Clock().SetEnabled(true);
@@ -108,7 +106,7 @@ TEST(HeadlessHost, TheBorderShrinksTheClientAreaAndSitesReportGeometry) {
     EXPECT_EQ(p.Pixels().Get(49, 19), TranslateSysColor(SystemColor(COLOR_BTNHIGHLIGHT)));
     EXPECT_EQ(p.Pixels().Get(1, 1), TranslateSysColor(SystemColor(COLOR_3DDKSHADOW)));
     c.SurfaceState().appearance = 0;
-    p.PaintFrame();
+    p.LayOutFrame();
     EXPECT_EQ(c.ScaleWidth(), 48);
     // The client surface draws inside the border only.
     c.Site().ClientSurface().FillRect({-5, -5, 100, 100}, RGB(1, 2, 3));

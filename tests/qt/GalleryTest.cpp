@@ -9,6 +9,7 @@
 #include <QComboBox>
 #include <QFile>
 #include <QImage>
+#include <QPointer>
 #include <QProcess>
 #include <QSet>
 #include <QSignalSpy>
@@ -45,9 +46,16 @@ TEST(GalleryTest, SavesItsBarsAndTakesTheirPropertiesBackFromAForm) {
 
     linear->SetValue(5);
     Bar(window, "playground")->SetText(QStringLiteral("changed"));
+    QPointer<ProgressBoxWidget> own(linear);
     ASSERT_TRUE(window.loadForm(path).isEmpty());
-    EXPECT_EQ(linear->Value(), 72);
+    // Each of the window's own controls gave way to one loaded from the file.
+    EXPECT_TRUE(own.isNull());
+    EXPECT_EQ(window.controls().size(), 18);
+    EXPECT_EQ(Bar(window, "linear")->Value(), 72);
     EXPECT_EQ(Bar(window, "playground")->Text(), QStringLiteral("Progress"));
+    // The window follows the loaded bars: the playground's controls write to
+    // the new one, and the job runs on it.
+    EXPECT_EQ(window.jobBar(), Bar(window, "job"));
 
     // The file keeps each bar's place in the window.
     const host::Form form =

@@ -46,15 +46,6 @@ OLE_COLOR Shown(const QImage& image, int x, int y) {
     return RGB(qRed(c), qGreen(c), qBlue(c));
 }
 
-// A left-button mouse event with its time stamp, delivered as the window system would.
-void SendMouse(QWidget& w, QEvent::Type type, QPoint at, quint64 timestamp) {
-    const Qt::MouseButtons held =
-        type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton;
-    QMouseEvent event(type, at, w.mapToGlobal(at), Qt::LeftButton, held, Qt::NoModifier);
-    event.setTimestamp(timestamp);
-    QApplication::sendEvent(&w, &event);
-}
-
 // Every readable property of the type library, through dispatch.
 std::vector<std::pair<std::string, Variant>> DispatchState(host::Control& control) {
     std::vector<std::pair<std::string, Variant>> out;
@@ -224,25 +215,6 @@ TEST(ProgressBoxWidgetTest, InputRaisesEventsInTheHostsOrderInClientCoordinates)
     EXPECT_EQ(Names(events, 1),
               (QStringList{"MouseDown", "MouseUp"}));  // no Click for the right button
     EXPECT_EQ(events.at(0).at(2).toList().at(0).toInt(), 2);
-
-    // A double click as Qt delivers it: press, release, press, double
-    // click, release; the host raises DblClick in place of the second MouseDown.
-    events.clear();
-    SendMouse(w, QEvent::MouseButtonPress, QPoint(20, 8), 100000);
-    SendMouse(w, QEvent::MouseButtonRelease, QPoint(20, 8), 100020);
-    SendMouse(w, QEvent::MouseButtonPress, QPoint(21, 8), 100150);
-    SendMouse(w, QEvent::MouseButtonDblClick, QPoint(21, 8), 100150);
-    SendMouse(w, QEvent::MouseButtonRelease, QPoint(21, 8), 100170);
-    EXPECT_EQ(Names(events, 1),
-              (QStringList{"MouseDown", "MouseUp", "Click", "DblClick", "MouseUp"}));
-    // Two clicks further apart in time are two clicks.
-    events.clear();
-    SendMouse(w, QEvent::MouseButtonPress, QPoint(20, 8), 200000);
-    SendMouse(w, QEvent::MouseButtonRelease, QPoint(20, 8), 200020);
-    SendMouse(w, QEvent::MouseButtonPress, QPoint(20, 8), 203000);
-    SendMouse(w, QEvent::MouseButtonRelease, QPoint(20, 8), 203020);
-    EXPECT_EQ(Names(events, 1),
-              (QStringList{"MouseDown", "MouseUp", "Click", "MouseDown", "MouseUp", "Click"}));
 
     events.clear();
     QTest::mouseMove(&w, QPoint(50, 12));
