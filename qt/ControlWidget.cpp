@@ -171,8 +171,8 @@ Variant ControlWidget::ToVariant(const QVariant& value) {
         case QMetaType::QString: return Variant(Utf8(value.toString()));
         case QMetaType::QByteArray: return Variant(value.toByteArray().toStdString());
         case QMetaType::QFont:
-            return Variant(
-                std::shared_ptr<Object>(std::make_shared<Font>(FromQFont(value.value<QFont>()))));
+            return Variant(std::shared_ptr<Object>(
+                std::make_shared<kelvarin::Font>(FromQFont(value.value<QFont>()))));
         case QMetaType::QColor:
             return Variant(static_cast<Long>(FromQColor(value.value<QColor>())));
         case QMetaType::QImage: {
@@ -231,7 +231,8 @@ QVariant ControlWidget::FromVariant(const Variant& value) {
         case VarType::String: return QString::fromStdString(value.ToString());
         case VarType::Object: {
             const std::shared_ptr<Object> object = value.ToObject();
-            if (const auto font = std::dynamic_pointer_cast<Font>(object)) return ToQFont(*font);
+            if (const auto font = std::dynamic_pointer_cast<kelvarin::Font>(object))
+                return ToQFont(*font);
             if (const auto picture = std::dynamic_pointer_cast<Picture>(object))
                 return ToQImage(*picture);
             return {};
@@ -247,6 +248,11 @@ QVariant ControlWidget::getMember(const QString& name) {
         result = FromVariant(library::Get(*control_, Utf8(name)));
     });
     return result;
+}
+
+QPixmap ControlWidget::MouseIcon() {
+    const QImage image = getMember(QStringLiteral("MouseIcon")).value<QImage>();
+    return image.isNull() ? QPixmap() : QPixmap::fromImage(image);
 }
 
 uint ControlWidget::colorMember(const char* name) {
@@ -368,9 +374,10 @@ void ControlWidget::RaiseEvent(int number, std::span<Variant> args) {
     emitTypedEvent(number, list);
 }
 
-std::shared_ptr<Font> ControlWidget::AmbientFont() {
+std::shared_ptr<kelvarin::Font> ControlWidget::AmbientFont() {
     const QWidget* container = parentWidget();
-    return std::make_shared<Font>(FromQFont(container ? container->font() : QApplication::font()));
+    return std::make_shared<kelvarin::Font>(
+        FromQFont(container ? container->font() : QApplication::font()));
 }
 
 std::string ControlWidget::ExtenderName() { return Utf8(objectName()); }

@@ -17,7 +17,9 @@
 #include <memory>
 #include <optional>
 
+#include <QFont>
 #include <QImage>
+#include <QPixmap>
 #include <QString>
 #include <QVariant>
 #include <QWidget>
@@ -42,6 +44,9 @@ public:
     Q_ENUM(BorderStyleKind)
     enum AppearanceKind { Flat = 0, ThreeD = 1 };
     Q_ENUM(AppearanceKind)
+    // eAlignmentText, the caption alignment of the bar and the button.
+    enum AlignmentText { LeftJustify = 0, Center = 1, RightJustify = 2 };
+    Q_ENUM(AlignmentText)
 
     // Sites a control made by the class factory and places it as a new
     // instance (InitProperties). A null control (an unknown class) makes an
@@ -100,6 +105,27 @@ signals:
     // another failure; `where` names the call that failed.
     void hostError(int number, const QString& text, const QString& where);
 
+public:
+    // ---- The surface properties, for the Q_PROPERTYs of the subclasses whose
+    // controls have them. Colours are the 32 bits of an OLE colour, unsigned.
+    uint BackColor() { return colorMember("BackColor"); }
+    void SetBackColor(uint color) { letMember(QStringLiteral("BackColor"), color); }
+    uint ForeColor() { return colorMember("ForeColor"); }
+    void SetForeColor(uint color) { letMember(QStringLiteral("ForeColor"), color); }
+    bool Enabled() { return getMember(QStringLiteral("Enabled")).toBool(); }
+    void SetEnabled(bool enabled) { letMember(QStringLiteral("Enabled"), enabled); }
+    QFont Font() { return getMember(QStringLiteral("Font")).value<QFont>(); }
+    void SetFont(const QFont& font) { setMember(QStringLiteral("Font"), font); }
+    BorderStyleKind BorderStyle() { return BorderStyleKind(intMember("BorderStyle")); }
+    void SetBorderStyle(BorderStyleKind style) { letMember(QStringLiteral("BorderStyle"), style); }
+    AppearanceKind Appearance() { return AppearanceKind(intMember("Appearance")); }
+    void SetAppearance(AppearanceKind look) { letMember(QStringLiteral("Appearance"), look); }
+    int hWnd() { return intMember("hWnd"); }
+    QPixmap MouseIcon();
+    void SetMouseIcon(const QPixmap& icon) { setMember(QStringLiteral("MouseIcon"), icon); }
+    int MousePointer() { return intMember("MousePointer"); }
+    void SetMousePointer(int pointer) { letMember(QStringLiteral("MousePointer"), pointer); }
+
 protected:
     // Emits the subclass's typed signal for an event.
     virtual void emitTypedEvent(int number, const QVariantList& args) {
@@ -124,7 +150,7 @@ public:
     // ---- ControlSite and SiteFrame ----------------------------------------------
     void PropertyChanged(std::string_view name) override;
     void RaiseEvent(int number, std::span<Variant> args) override;
-    std::shared_ptr<Font> AmbientFont() override;
+    std::shared_ptr<kelvarin::Font> AmbientFont() override;
     bool AmbientDisplayAsDefault() override { return displayAsDefault_; }
     std::string ExtenderName() override;
     double ExtenderLeft() override { return x(); }

@@ -16,31 +16,11 @@ QString DateBoxWidget::displayText() const {
     return box ? QString::fromStdString(box->ShownText()) : QString();
 }
 
-DateBoxWidget::AppearanceKind DateBoxWidget::Appearance() {
-    return static_cast<AppearanceKind>(intMember("Appearance"));
-}
-void DateBoxWidget::SetAppearance(AppearanceKind a) {
-    letMember(QStringLiteral("Appearance"), static_cast<int>(a));
-}
-uint DateBoxWidget::BackColor() { return colorMember("BackColor"); }
-void DateBoxWidget::SetBackColor(uint c) { letMember(QStringLiteral("BackColor"), c); }
-uint DateBoxWidget::ForeColor() { return colorMember("ForeColor"); }
-void DateBoxWidget::SetForeColor(uint c) { letMember(QStringLiteral("ForeColor"), c); }
 DateBoxWidget::AlignmentKind DateBoxWidget::Alignment() {
     return static_cast<AlignmentKind>(intMember("Alignment"));
 }
 void DateBoxWidget::SetAlignment(AlignmentKind a) {
     letMember(QStringLiteral("Alignment"), static_cast<int>(a));
-}
-bool DateBoxWidget::Enabled() { return getMember(QStringLiteral("Enabled")).toBool(); }
-void DateBoxWidget::SetEnabled(bool e) { letMember(QStringLiteral("Enabled"), e); }
-QFont DateBoxWidget::Font() { return getMember(QStringLiteral("Font")).value<QFont>(); }
-void DateBoxWidget::SetFont(const QFont& f) { setMember(QStringLiteral("Font"), f); }
-DateBoxWidget::BorderStyleKind DateBoxWidget::BorderStyle() {
-    return static_cast<BorderStyleKind>(intMember("BorderStyle"));
-}
-void DateBoxWidget::SetBorderStyle(BorderStyleKind s) {
-    letMember(QStringLiteral("BorderStyle"), static_cast<int>(s));
 }
 bool DateBoxWidget::Locked() { return getMember(QStringLiteral("Locked")).toBool(); }
 void DateBoxWidget::SetLocked(bool l) { letMember(QStringLiteral("Locked"), l); }

@@ -47,20 +47,8 @@ public:
     // A control of a form (see ControlWidget).
     DateBoxWidget(host::FormControl& entry, const QString& place, QWidget* parent = nullptr);
 
-    AppearanceKind Appearance();
-    void SetAppearance(AppearanceKind appearance);
-    uint BackColor();
-    void SetBackColor(uint color);
-    uint ForeColor();
-    void SetForeColor(uint color);
     AlignmentKind Alignment();
     void SetAlignment(AlignmentKind alignment);
-    bool Enabled();
-    void SetEnabled(bool enabled);
-    QFont Font();
-    void SetFont(const QFont& font);
-    BorderStyleKind BorderStyle();
-    void SetBorderStyle(BorderStyleKind style);
     bool Locked();
     void SetLocked(bool locked);
     QDateTime Value();

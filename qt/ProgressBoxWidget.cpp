@@ -18,39 +18,6 @@ QString ProgressBoxWidget::caption() const {
     return box ? QString::fromStdString(box->Caption()) : QString();
 }
 
-uint ProgressBoxWidget::BackColor() { return colorMember("BackColor"); }
-void ProgressBoxWidget::SetBackColor(uint c) { letMember(QStringLiteral("BackColor"), c); }
-uint ProgressBoxWidget::ForeColor() { return colorMember("ForeColor"); }
-void ProgressBoxWidget::SetForeColor(uint c) { letMember(QStringLiteral("ForeColor"), c); }
-bool ProgressBoxWidget::Enabled() { return getMember(QStringLiteral("Enabled")).toBool(); }
-void ProgressBoxWidget::SetEnabled(bool e) { letMember(QStringLiteral("Enabled"), e); }
-QFont ProgressBoxWidget::Font() { return getMember(QStringLiteral("Font")).value<QFont>(); }
-void ProgressBoxWidget::SetFont(const QFont& f) { setMember(QStringLiteral("Font"), f); }
-
-ProgressBoxWidget::BorderStyleKind ProgressBoxWidget::BorderStyle() {
-    return static_cast<BorderStyleKind>(intMember("BorderStyle"));
-}
-void ProgressBoxWidget::SetBorderStyle(BorderStyleKind s) {
-    letMember(QStringLiteral("BorderStyle"), static_cast<int>(s));
-}
-ProgressBoxWidget::AppearanceKind ProgressBoxWidget::Appearance() {
-    return static_cast<AppearanceKind>(intMember("Appearance"));
-}
-void ProgressBoxWidget::SetAppearance(AppearanceKind a) {
-    letMember(QStringLiteral("Appearance"), static_cast<int>(a));
-}
-int ProgressBoxWidget::hWnd() { return intMember("hWnd"); }
-
-QPixmap ProgressBoxWidget::MouseIcon() {
-    const QImage image = getMember(QStringLiteral("MouseIcon")).value<QImage>();
-    return image.isNull() ? QPixmap() : QPixmap::fromImage(image);
-}
-void ProgressBoxWidget::SetMouseIcon(const QPixmap& icon) {
-    setMember(QStringLiteral("MouseIcon"), icon);
-}
-int ProgressBoxWidget::MousePointer() { return intMember("MousePointer"); }
-void ProgressBoxWidget::SetMousePointer(int p) { letMember(QStringLiteral("MousePointer"), p); }
-
 uint ProgressBoxWidget::StartColor() { return colorMember("StartColor"); }
 void ProgressBoxWidget::SetStartColor(uint c) { letMember(QStringLiteral("StartColor"), c); }
 uint ProgressBoxWidget::FinishColor() { return colorMember("FinishColor"); }

@@ -31,7 +31,7 @@ class ProgressBoxWidget : public ControlWidget {
     Q_PROPERTY(double Value READ Value WRITE SetValue)
     Q_PROPERTY(QString Text READ Text WRITE SetText)
     Q_PROPERTY(bool ShowPercentual READ ShowPercentual WRITE SetShowPercentual)
-    Q_PROPERTY(AlignmentText Alignment READ Alignment WRITE SetAlignment)
+    Q_PROPERTY(ControlWidget::AlignmentText Alignment READ Alignment WRITE SetAlignment)
     Q_PROPERTY(double MinValue READ MinValue WRITE SetMinValue)
     Q_PROPERTY(double MaxValue READ MaxValue WRITE SetMaxValue)
     Q_PROPERTY(double Percentual READ Percentual WRITE SetPercentual)
@@ -40,9 +40,7 @@ class ProgressBoxWidget : public ControlWidget {
     Q_PROPERTY(int TimerChangedInterval READ TimerChangedInterval WRITE SetTimerChangedInterval)
 
 public:
-    // The enumerations of the type library (the names there have blanks).
-    enum AlignmentText { LeftJustify = 0, Center = 1, RightJustify = 2 };
-    Q_ENUM(AlignmentText)
+    // eGradientStyle (the names in the type library have blanks).
     enum GradientStyleKind { Linear = 0, Gaussian = 1, GaussianSquared = 2 };
     Q_ENUM(GradientStyleKind)
 
@@ -51,23 +49,6 @@ public:
     // A control of a form (see ControlWidget).
     ProgressBoxWidget(host::FormControl& entry, const QString& place, QWidget* parent = nullptr);
 
-    uint BackColor();
-    void SetBackColor(uint color);
-    uint ForeColor();
-    void SetForeColor(uint color);
-    bool Enabled();
-    void SetEnabled(bool enabled);
-    QFont Font();
-    void SetFont(const QFont& font);
-    BorderStyleKind BorderStyle();
-    void SetBorderStyle(BorderStyleKind style);
-    AppearanceKind Appearance();
-    void SetAppearance(AppearanceKind appearance);
-    int hWnd();
-    QPixmap MouseIcon();
-    void SetMouseIcon(const QPixmap& icon);
-    int MousePointer();
-    void SetMousePointer(int pointer);
     uint StartColor();
     void SetStartColor(uint color);
     uint FinishColor();
