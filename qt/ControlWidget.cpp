@@ -264,32 +264,22 @@ int ControlWidget::intMember(const char* name) {
 }
 
 bool ControlWidget::letMember(const QString& name, const QVariant& value) {
-    const bool ok = guard("Let", [&] {
-        if (!control_) RaiseHostError(HostErrorCode::ObjectDoesNotSupport);
-        library::Let(*control_, Utf8(name), ToVariant(value));
-    });
-    syncSurface();
-    return ok;
+    return dispatch("Let",
+                    [&](host::Control& c) { library::Let(c, Utf8(name), ToVariant(value)); });
 }
 
 bool ControlWidget::setMember(const QString& name, const QVariant& value) {
-    const bool ok = guard("Set", [&] {
-        if (!control_) RaiseHostError(HostErrorCode::ObjectDoesNotSupport);
-        library::Set(*control_, Utf8(name), ToVariant(value));
-    });
-    syncSurface();
-    return ok;
+    return dispatch("Set",
+                    [&](host::Control& c) { library::Set(c, Utf8(name), ToVariant(value)); });
 }
 
 QVariant ControlWidget::callMember(const QString& name, const QVariantList& args) {
     QVariant result;
-    guard("Call", [&] {
-        if (!control_) RaiseHostError(HostErrorCode::ObjectDoesNotSupport);
+    dispatch("Call", [&](host::Control& c) {
         std::vector<Variant> converted;
         for (const QVariant& a : args) converted.push_back(ToVariant(a));
-        result = FromVariant(library::Call(*control_, Utf8(name), converted));
+        result = FromVariant(library::Call(c, Utf8(name), converted));
     });
-    syncSurface();
     return result;
 }
 

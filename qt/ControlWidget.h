@@ -24,6 +24,7 @@
 #include <QVariant>
 #include <QWidget>
 
+#include "common/HostError.h"
 #include "host/Control.h"
 #include "host/FormFile.h"
 #include "host/Pointer.h"
@@ -210,6 +211,17 @@ private:
         if (!control_) return;
         guard(where, std::forward<F>(f));
         syncSurface();
+    }
+    // Runs a call through dispatch (an error without a control), then
+    // follows the surface; false when it raised.
+    template <typename F>
+    bool dispatch(const char* where, F&& f) noexcept {
+        const bool ok = guard(where, [&] {
+            if (!control_) RaiseHostError(HostErrorCode::ObjectDoesNotSupport);
+            f(*control_);
+        });
+        syncSurface();
+        return ok;
     }
     host::PointerEvent pointerEvent(const QMouseEvent& event, Qt::MouseButtons buttons) const;
     // Whether a press is the second of a double click, by Qt's own rule.
