@@ -56,4 +56,19 @@ void Control::RaiseEvent(int number, std::span<Variant> args) {
     if (site_ != nullptr) site_->RaiseEvent(number, args);
 }
 
+void Control::RaiseKey(int number, Integer keyCode, Integer shift) {
+    Variant args[] = {Variant(keyCode), Variant(shift)};
+    RaiseEvent(number, args);
+}
+
+void Control::RaiseKeyPress(int number, Integer keyAscii) {
+    Variant args[] = {Variant(keyAscii)};
+    RaiseEvent(number, args);
+}
+
+void Control::RaiseMouse(int number, Integer button, Integer shift, Single x, Single y) {
+    Variant args[] = {Variant(button), Variant(shift), Variant(x), Variant(y)};
+    RaiseEvent(number, args);
+}
+
 }  // namespace kelvarin::host

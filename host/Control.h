@@ -115,6 +115,11 @@ protected:
     // table, under its persisted name (its name when it is not stored).
     void PropertyChanged(int row);
     void RaiseEvent(int number, std::span<Variant> args);
+    // The container's key and mouse events, by their numbers in the control's
+    // event interface.
+    void RaiseKey(int number, Integer keyCode, Integer shift);
+    void RaiseKeyPress(int number, Integer keyAscii);
+    void RaiseMouse(int number, Integer button, Integer shift, Single x, Single y);
 
 private:
     std::string className_;

@@ -225,25 +225,9 @@ void ProgressBox::Paint() {
 
 // ---- Input: raised to the container unchanged ----------------------------------
 
-void ProgressBox::KeyDown(Integer& keyCode, Integer shift) {
-    Variant args[] = {Variant(keyCode), Variant(shift)};
-    RaiseEvent(kKeyDown, args);
-}
-
-void ProgressBox::KeyPress(Integer& keyAscii) {
-    Variant args[] = {Variant(keyAscii)};
-    RaiseEvent(kKeyPress, args);
-}
-
-void ProgressBox::KeyUp(Integer& keyCode, Integer shift) {
-    Variant args[] = {Variant(keyCode), Variant(shift)};
-    RaiseEvent(kKeyUp, args);
-}
-
-void ProgressBox::RaiseMouse(int number, Integer button, Integer shift, Single x, Single y) {
-    Variant args[] = {Variant(button), Variant(shift), Variant(x), Variant(y)};
-    RaiseEvent(number, args);
-}
+void ProgressBox::KeyDown(Integer& keyCode, Integer shift) { RaiseKey(kKeyDown, keyCode, shift); }
+void ProgressBox::KeyPress(Integer& keyAscii) { RaiseKeyPress(kKeyPress, keyAscii); }
+void ProgressBox::KeyUp(Integer& keyCode, Integer shift) { RaiseKey(kKeyUp, keyCode, shift); }
 
 void ProgressBox::MouseDown(Integer button, Integer shift, Single x, Single y) {
     RaiseMouse(kMouseDown, button, shift, x, y);

@@ -138,7 +138,6 @@ private:
     void DrawBar(clsGFX_2D& gfx, double& from, double& to);
     void DrawCaption(host::Surface& surface, double sw, double sh);
     void EnsureTimer();
-    void RaiseMouse(int number, Integer button, Integer shift, Single x, Single y);
 
     OLE_COLOR startColor_ = kSysHighlight;
     OLE_COLOR startColorRGB_ = 0;
