@@ -1,6 +1,6 @@
-// Sections: construction and editor context; value; properties;
-// life-cycle; focus and mouse; keyboard; dispatch; diagnostics. Layout,
-// painting and the calendar are in DateBoxLayout.cpp, DateBoxPaint.cpp and
+// Sections: construction; editor context; value; properties; life-cycle;
+// focus and mouse; keyboard; dispatch; diagnostics. Layout, painting and
+// the calendar are in DateBoxLayout.cpp, DateBoxPaint.cpp and
 // DateBoxCalendar.cpp.
 #include "controls/datebox/DateBox.h"
 
@@ -33,7 +33,7 @@ std::string Quoted(std::string_view s) {
 
 }  // namespace
 
-// ---- Construction and editor context --------------------------------------------
+// ---- Construction -----------------------------------------------------------
 
 DateBox::DateBox() : Control("DateBox") {
     cmdSelezione_.width = kButtonWidth;
@@ -41,6 +41,8 @@ DateBox::DateBox() : Control("DateBox") {
 }
 
 DateBox::~DateBox() { ForgetCalendarResultLabel(&lblValueChanged_); }
+
+// ---- Editor context ---------------------------------------------------------
 
 EditRules DateBox::Rules() const {
     return {minDate_, maxDate_, smallChange_, largeChange_, nullable_};
@@ -52,7 +54,7 @@ Date DateBox::Today() const {
 
 int DateBox::UnderscoreWidth() const { return Measure("_").width; }
 
-// ---- Value ---------------------------------------------------------------------------
+// ---- Value ------------------------------------------------------------------
 
 const Locale& DateBox::Loc() const { return HasSite() ? Site().UserLocale() : CurrentLocale(); }
 
@@ -93,7 +95,7 @@ bool DateBox::IsValueAllowed(Date d) const noexcept {
     return (minDate_ <= d && d <= maxDate_) || d == 0;
 }
 
-// ---- Properties -----------------------------------------------------------------
+// ---- Properties -------------------------------------------------------------
 
 void DateBox::SetAppearance(Long appearance) {
     // Changing the look must not change the back colour.
@@ -248,7 +250,7 @@ void DateBox::SetMaxDate(Date d) {
     PropertyChanged("MaxDate");
 }
 
-// ---- Life-cycle -------------------------------------------------------------------
+// ---- Life-cycle -------------------------------------------------------------
 
 void DateBox::InitProperties() {
     host::SurfaceProperties& s = SurfaceState();
@@ -374,7 +376,7 @@ void DateBox::Resize() {
 
 void DateBox::Paint() { Redraw(); }
 
-// ---- Focus and mouse --------------------------------------------------------------
+// ---- Focus and mouse --------------------------------------------------------
 
 // The focus enters at the first field, the only tab stop.
 void DateBox::GotFocus() {
@@ -494,7 +496,7 @@ void DateBox::MouseUp(Integer button, Integer shift, Single x, Single y) {
     RaiseMouse(kMouseUp, button, shift, x, y);
 }
 
-// ---- Keyboard -------------------------------------------------------------------------
+// ---- Keyboard ---------------------------------------------------------------
 //
 // The editor works every key on the focused box; then the key is handed to
 // the container and swallowed. While a key is being worked the editor is
@@ -526,7 +528,7 @@ void DateBox::KeyUp(Integer& keyCode, Integer shift) {
     RaiseEvent(kKeyUp, args);
 }
 
-// ---- Dispatch -------------------------------------------------------------------------
+// ---- Dispatch ---------------------------------------------------------------
 
 Variant DateBox::GetProperty(host::DispId id) {
     const auto color = [](OLE_COLOR c) { return Variant(static_cast<Long>(c)); };
@@ -595,7 +597,7 @@ Variant DateBox::CallMethod(host::DispId id, std::span<Variant> args) {
     return Control::CallMethod(id, args);
 }
 
-// ---- Diagnostics ------------------------------------------------------------------------
+// ---- Diagnostics ------------------------------------------------------------
 
 std::string DateBox::ShownText() const {
     std::string text;

@@ -7,12 +7,12 @@
 // owns the constituents, lays them out, paints them and bridges to the
 // month calendar.
 //
-// Sections, and the file that holds each:
-//   public:  dispatch identifiers; properties; text; host (DateBox.cpp)
-//   private: editor context; value (DateBox.cpp);
-//            layout (DateBoxLayout.cpp); painting (DateBoxPaint.cpp);
-//            focus and mouse; keyboard (DateBox.cpp);
-//            calendar (DateBoxCalendar.cpp); state
+// Sections, and the file that defines each:
+//   construction; editor context; value; properties; life-cycle;
+//   focus and mouse; keyboard; dispatch; diagnostics       DateBox.cpp
+//   layout                                                 DateBoxLayout.cpp
+//   painting                                               DateBoxPaint.cpp
+//   calendar                                               DateBoxCalendar.cpp
 #pragma once
 
 #include <memory>
@@ -23,13 +23,13 @@
 #include "common/OleColor.h"
 #include "controls/datebox/Constituents.h"
 #include "controls/datebox/DateEditor.h"
-#include "controls/datebox/DateModel.h"
 #include "host/Control.h"
 
 namespace kelvarin::controls {
 
 class DateBox : public host::Control, private DateEditorContext {
 public:
+    // ---- Dispatch identifiers -----------------------------------------------
     enum DispIds : host::DispId {
         kTextLeft = 0x60030024,
         kTextWidth = 0x60030025,
@@ -64,10 +64,11 @@ public:
         kMouseMove,
     };
 
+    // ---- Construction -------------------------------------------------------
     DateBox();
     ~DateBox() override;
 
-    // ---- Properties (each write records its change under its own name) -------
+    // ---- Properties (each write records its change under its own name) ------
     Long Appearance() const noexcept { return SurfaceState().appearance; }
     void SetAppearance(Long appearance);
     OLE_COLOR BackColor() const noexcept { return SurfaceState().backColor; }
@@ -111,29 +112,35 @@ public:
     Long TextHeight() const noexcept { return textHeight_; }
     Long TextTop() const noexcept { return textTop_; }
 
-    // ---- Text ----------------------------------------------------------------
-    // The boxes' and separators' texts in pattern order, as one line.
-    std::string ShownText() const;
-
-    // ---- Host ----------------------------------------------------------------
+    // ---- Life-cycle ---------------------------------------------------------
     void InitProperties() override;
     void ReadProperties(host::PropertyBag& bag) override;
     void WriteProperties(host::PropertyBag& bag) override;
     void Show() override;
     void Resize() override;
     void Paint() override;
-    void KeyDown(Integer& keyCode, Integer shift) override;
-    void KeyPress(Integer& keyAscii) override;
-    void KeyUp(Integer& keyCode, Integer shift) override;
-    void MouseDown(Integer button, Integer shift, Single x, Single y) override;
-    void MouseMove(Integer button, Integer shift, Single x, Single y) override;
-    void MouseUp(Integer button, Integer shift, Single x, Single y) override;
+
+    // ---- Focus and mouse ----------------------------------------------------
     void GotFocus() override;
     bool QueryLeaveFocus() override;
     void LostFocus() override;
+    void MouseDown(Integer button, Integer shift, Single x, Single y) override;
+    void MouseMove(Integer button, Integer shift, Single x, Single y) override;
+    void MouseUp(Integer button, Integer shift, Single x, Single y) override;
+
+    // ---- Keyboard -----------------------------------------------------------
+    void KeyDown(Integer& keyCode, Integer shift) override;
+    void KeyPress(Integer& keyAscii) override;
+    void KeyUp(Integer& keyCode, Integer shift) override;
+
+    // ---- Dispatch -----------------------------------------------------------
     Variant GetProperty(host::DispId id) override;
     void PutProperty(host::DispId id, const Variant& value) override;
     Variant CallMethod(host::DispId id, std::span<Variant> args) override;
+
+    // ---- Diagnostics --------------------------------------------------------
+    // The boxes' and separators' texts in pattern order, as one line.
+    std::string ShownText() const;
     std::vector<std::string> Dump() const override;
 
 private:
@@ -141,7 +148,7 @@ private:
     // from the button's height (see LayoutBoxes).
     static constexpr int kButtonWidth = 17;
 
-    // ---- Editor context
+    // ---- Editor context: what the editor asks of the control
     EditRules Rules() const override;
     const Locale& EditingLocale() const override { return Loc(); }
     Date Today() const override;

@@ -14,7 +14,7 @@ namespace kelvarin::controls {
 DateEditor::DateEditor(ElementArray<TextBoxElement>& boxes, DateEditorContext& context)
     : boxes_(boxes), context_(context), partRange_(InitPartRanges()) {}
 
-// ---- Pattern and parts ----------------------------------------------------------
+// ---- Pattern and parts ------------------------------------------------------
 
 void DateEditor::SetPattern(std::string_view pattern) {
     tokens_ = ParseFormat(pattern);
@@ -42,7 +42,7 @@ const FormatToken* DateEditor::TokenOfBox(int box) const {
     return &tokens_[static_cast<std::size_t>(index)];
 }
 
-// ---- Values -------------------------------------------------------------------------
+// ---- Values -----------------------------------------------------------------
 
 void DateEditor::SetParts(Date d) { ValueToParts(d, parts_); }
 
@@ -178,7 +178,7 @@ bool DateEditor::CommitBox(int box) {
     return mayLeave;
 }
 
-// ---- Cursor ---------------------------------------------------------------------------
+// ---- Cursor -----------------------------------------------------------------
 
 void DateEditor::Enter(int box) {
     current_ = box;
@@ -230,7 +230,7 @@ void DateEditor::OverwriteAt(int box, int position, char c) {
     b.SetText(b.text.substr(0, from) + c + b.text.substr(to));
 }
 
-// ---- Keys -------------------------------------------------------------------------------
+// ---- Keys -------------------------------------------------------------------
 //
 // The boxes never take a character themselves: every key is interpreted
 // here, in an overwrite style with a one-character cursor (a selection of

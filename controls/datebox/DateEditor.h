@@ -19,7 +19,7 @@
 
 namespace kelvarin::controls {
 
-// ---- Context ------------------------------------------------------------------
+// ---- Context ----------------------------------------------------------------
 
 // The control's settings the editor follows, read afresh whenever it needs them.
 struct EditRules {
@@ -71,7 +71,7 @@ public:
     DateEditor(const DateEditor&) = delete;
     DateEditor& operator=(const DateEditor&) = delete;
 
-    // ---- Pattern and parts ---------------------------------------------------
+    // ---- Pattern and parts --------------------------------------------------
     // Cuts the pattern into tokens and gives every field a box, numbered from
     // 1 in pattern order: existing boxes are reused, new ones shown, surplus
     // ones unloaded, last first. Literals are left to the control.
@@ -86,7 +86,7 @@ public:
     // False while the boxes are being rewritten or a key is being worked.
     bool Ready() const noexcept { return ready_; }
 
-    // ---- Values ------------------------------------------------------------------
+    // ---- Values -------------------------------------------------------------
     // Splits a date into the parts; the boxes keep their texts.
     void SetParts(Date d);
     Date PartsToValue() const;
@@ -102,7 +102,7 @@ public:
     // cursor in it (a blank field when the value may not be empty).
     bool CommitBox(int box);
 
-    // ---- Cursor --------------------------------------------------------------------
+    // ---- Cursor -------------------------------------------------------------
     // The box with the cursor; 0 for none.
     int Current() const noexcept { return current_; }
     // Puts the cursor in a box (0: nowhere) with its whole text selected,
@@ -114,7 +114,7 @@ public:
     // Selects the whole text of a box.
     void SelectBox(int box);
 
-    // ---- Keys ------------------------------------------------------------------------
+    // ---- Keys ---------------------------------------------------------------
     // Works one key on the box with the cursor, as the first matching row of
     // the key table says. Keys without a row, and keys that arrive while
     // another is being worked, do nothing.

@@ -4,7 +4,6 @@
 
 #include "common/HostError.h"
 #include "controls/datebox/ChangeFlags.h"
-#include "host/Keys.h"
 #include "host/headless/HeadlessHost.h"
 #include "library/Dispatch.h"
 
@@ -81,92 +80,28 @@ protected:
     Placed* placed_ = nullptr;
 };
 
-// ---- Value, ValueDB, Nullable, limits -------------------------------------------
+// Values, ValueDB, Nullable, key handling and persistence round trips are
+// covered end to end by the datebox_*.khs scripts; these tests hold the
+// edges the scripts do not reach.
 
-TEST_F(DateBoxTest, ValueIgnoresTheEmptyDateWhenNotNullableAndDatesOutsideTheLimits) {
+// ---- Value and limits -------------------------------------------------------
+
+TEST_F(DateBoxTest, TheLimitsAreAllowedAndAStoredValueIsMovedInsideNewOnesQuietly) {
     DateBox& b = Make();
-    b.SetValue(Ymd(2007, 12, 25));
-    EXPECT_EQ(b.ShownText(), "25/12/2007");
-    EXPECT_EQ(Events(), Strings{"Change"});
-    EXPECT_EQ(Notified(), Strings{"Value"});
-
-    b.SetValue(Ymd(2007, 12, 25));  // the same date again still tells
-    EXPECT_EQ(Events(), Strings{"Change"});
-
-    b.SetMinDate(Ymd(2000, 1, 1));
-    b.SetMaxDate(Ymd(2010, 12, 31));
-    Drain();
-    for (Date outside : {Ymd(1999, 12, 31), Ymd(2011, 1, 1)}) {
-        b.SetValue(outside);
-        EXPECT_EQ(b.Value(), Ymd(2007, 12, 25));
-    }
-    b.SetValue(Ymd(2010, 12, 31));  // the limits themselves are allowed
-    EXPECT_EQ(b.Value(), Ymd(2010, 12, 31));
-    Drain();
-
-    b.SetNullable(false);
-    b.SetValue(0);
-    EXPECT_EQ(b.Value(), Ymd(2010, 12, 31));
-    EXPECT_TRUE(Events().empty());
-    b.SetNullable(true);
-    b.SetValue(0);
-    EXPECT_EQ(b.Value(), 0);
-    EXPECT_EQ(b.ShownText(), "__/__/____");
-    EXPECT_EQ(Events(), Strings{"Change"});
-}
-
-TEST_F(DateBoxTest, ValueDBTakesNullAndTextAndGivesNullForTheEmptyDate) {
-    DateBox& b = Make();
-    EXPECT_TRUE(b.ValueDB().IsNull());
-    b.SetValueDB(Variant("25/12/2007"));
-    EXPECT_EQ(b.ValueDB(), Variant::FromDate(Ymd(2007, 12, 25)));
-    b.SetValueDB(Variant::FromDate(Ymd(2008, 1, 2)));
-    EXPECT_EQ(b.Value(), Ymd(2008, 1, 2));
-    // Null, a text that is no date and a plain number all count as the empty date.
-    for (const Variant& empty :
-         {Variant::Null(), Variant("not a date"), Variant(39441.0), Variant()}) {
-        b.SetValue(Ymd(2008, 1, 2));
-        b.SetValueDB(empty);
-        EXPECT_TRUE(b.ValueDB().IsNull());
-    }
-    b.SetValue(Ymd(2008, 1, 2));
-    b.SetNullable(false);
-    Drain();
-    b.SetValueDB(Variant::Null());  // ignored by a control that may not be empty
-    EXPECT_EQ(b.Value(), Ymd(2008, 1, 2));
-    EXPECT_TRUE(Events().empty());
-}
-
-TEST_F(DateBoxTest, NullableOffFillsAnEmptyControlWithTodayWithoutChange) {
-    host_.today = Ymd(2026, 11, 22);
-    DateBox& b = Make();
-    b.SetNullable(false);
-    EXPECT_EQ(b.Value(), Ymd(2026, 11, 22));
-    EXPECT_EQ(b.ShownText(), "22/11/2026");
-    EXPECT_EQ(Notified(), (Strings{"Value", "Nullable"}));
-    EXPECT_TRUE(Events().empty());
-}
-
-TEST_F(DateBoxTest, CheckLimitsKeepsTheYearRangeAndOrdersTheLimits) {
-    DateBox& b = Make();
-    b.SetMaxDate(Ymd(9999, 12, 31));
-    EXPECT_EQ(b.MaxDate(), Ymd(9980, 12, 31));
-    EXPECT_EQ(Notified(), (Strings{"MaxDate", "MaxDate"}));
-    b.SetValue(Ymd(2007, 5, 3));
     b.SetMinDate(Ymd(2008, 1, 1));
-    Drain();
-    b.SetMaxDate(Ymd(2007, 1, 1));  // below the minimum: the minimum
-    EXPECT_EQ(b.MaxDate(), Ymd(2008, 1, 1));
-
-    // A stored value outside new limits is moved inside, quietly.
     b.SetMaxDate(Ymd(2009, 1, 1));
+    for (Date d : {Ymd(2007, 12, 31), Ymd(2009, 1, 2), Ymd(2008, 1, 1), Ymd(2009, 1, 1)})
+        b.SetValue(d);
+    EXPECT_EQ(b.Value(), Ymd(2009, 1, 1));
+    EXPECT_EQ(Events(), (Strings{"Change", "Change"}));
     b.SetValue(Ymd(2008, 6, 1));
     Drain();
     b.SetMinDate(Ymd(2008, 7, 1));
     EXPECT_EQ(b.ShownText(), "01/07/2008");
     EXPECT_EQ(Notified(), (Strings{"Value", "MinDate"}));
     EXPECT_TRUE(Events().empty());
-    EXPECT_EQ(b.Value(), Ymd(2008, 7, 1));
+    b.SetMaxDate(Ymd(2008, 1, 1));  // below the minimum: the minimum
+    EXPECT_EQ(b.MaxDate(), Ymd(2008, 7, 1));
 }
 
 // A blank name field shows as many "_" as its measured width holds.
@@ -175,24 +110,19 @@ TEST_F(DateBoxTest, ShowValueBlanksWhatAValueDoesNotFill) {
     b.SetValue(TimeSerial(13, 45, 0));
     EXPECT_EQ(b.ShownText(), "__ _________ ____ 13:45");
     b.SetValue(CombineDateTime(Ymd(2007, 9, 5), TimeSerial(8, 5, 0)));
-    EXPECT_EQ(b.ShownText(), "05 settembre 2007 08:05");
     b.SetDateFormat("dd/mm/yyyy");
     EXPECT_EQ(b.Value(), Ymd(2007, 9, 5));  // the time has no field left
 }
 
-// ---- Boxes and layout ---------------------------------------------------------------
+// ---- Boxes and layout -------------------------------------------------------
 
 TEST_F(DateBoxTest, ANewPatternRebuildsTheBoxesAndKeepsTheirSettings) {
     DateBox& b = Make("c", 200);
-    const Strings dump = b.Dump();
-    EXPECT_EQ(std::count_if(dump.begin(), dump.end(),
-                            [](const std::string& l) { return l.starts_with("txtData("); }),
-              6);
+    EXPECT_EQ(b.Dump().size(), 11u + 5u);
     EXPECT_EQ(Line(b, "lblSeparator(3)"), "lblSeparator(3) \" \"");
     b.SetForeColor(RGB(1, 2, 3));
     b.SetLocked(true);
     b.SetDateFormat("hh:nn");
-    EXPECT_EQ(b.Dump().size(), 3u + 5u);
     b.SetDateFormat("dd/mm/yyyy hh:nn");  // new boxes look like the old ones
     b.SetValue(Ymd(2007, 12, 25));
     EXPECT_EQ(At(98, 8), RGB(1, 2, 3));  // the first digit of the minutes
@@ -273,134 +203,73 @@ TEST_F(DateBoxTest, FontAndHeightResizeTheLayoutAndTheGlyph) {
     EXPECT_THROW(b.SetFont(nullptr), HostError);
 }
 
-TEST_F(DateBoxTest, AppearanceKeepsTheBackColour) {
-    DateBox& b = Make();
-    b.SetBackColor(RGB(10, 20, 30));
-    b.SetAppearance(0);
-    EXPECT_EQ(b.BackColor(), RGB(10, 20, 30));
-    EXPECT_EQ(At(27, 5), RGB(10, 20, 30));  // inside the month box
-    EXPECT_EQ(Notified(), (Strings{"BackColor", "Appearance"}));
-}
+// ---- Mouse ------------------------------------------------------------------
 
-TEST_F(DateBoxTest, EnabledReachesEveryConstituentButNotTheSurface) {
-    DateBox& b = Make();
-    b.SetValue(Ymd(2007, 12, 25));
-    b.SetEnabled(false);
-    EXPECT_FALSE(b.Enabled());
-    const OLE_COLOR grey = Sys(COLOR_GRAYTEXT);
-    EXPECT_EQ(At(42, 5), grey);  // the year box
-    EXPECT_EQ(At(14, 5), grey);  // the first separator
-    EXPECT_EQ(GlyphPixels(b, grey), 16);
-    EXPECT_TRUE(b.SurfaceState().enabled);
-}
-
-// ---- Focus and mouse --------------------------------------------------------------------
-
-TEST_F(DateBoxTest, FocusSelectsAndLeavingABlankFieldOfARequiredDateIsRefused) {
-    DateBox& b = Make();
-    b.SetValue(Ymd(2007, 12, 25));
-    b.GotFocus();
-    EXPECT_EQ(Line(b, "txtData(1)"), "txtData(1) \"25\" sel 0 2 focus");
-    EXPECT_TRUE(b.QueryLeaveFocus());
-    b.LostFocus();
-    EXPECT_EQ(Line(b, "txtData(1)"), "txtData(1) \"25\" sel 0 2");
-
-    b.SetNullable(false);
-    b.GotFocus();
-    Integer del = host::kKeyDelete;
-    b.KeyDown(del, 0);
-    EXPECT_FALSE(b.QueryLeaveFocus());
-    b.MouseDown(1, 0, 50.0f, 8.0f);  // the year box: refused as well
-    EXPECT_EQ(Line(b, "txtData(1)"), "txtData(1) \"__\" sel 0 0 focus");
-    Integer four = '4';
-    b.KeyDown(four, 0);
-    EXPECT_TRUE(b.QueryLeaveFocus());
-    EXPECT_EQ(b.ShownText(), "04/12/2007");
-}
-
-TEST_F(DateBoxTest, AClickSelectsABoxAndEveryPressReachesTheContainerInControlCoordinates) {
+TEST_F(DateBoxTest, APressPutsTheCaretNearestThePointerAndADragSelects) {
     DateBox& b = Make();
     b.SetValue(Ymd(2007, 12, 25));
     b.GotFocus();
     Drain();
-    // The press that brought the focus lands on the year box directly, with
-    // the caret nearest to the pointer.
-    b.MouseDown(1, 0, 50.0f, 8.0f);
+    b.MouseDown(1, 0, 50.0f, 8.0f);  // brings the focus: straight to the year box
     EXPECT_EQ(Line(b, "txtData(3)"), "txtData(3) \"2007\" sel 1 0 focus");
-    b.MouseUp(1, 0, 50.0f, 8.0f);
-    EXPECT_EQ(Line(b, "txtData(3)"), "txtData(3) \"2007\" sel 0 4 focus");
-    ASSERT_EQ(host_.events.size(), 2u);
-    EXPECT_EQ(host_.events[0].name, "MouseDown");
-    EXPECT_EQ(host_.events[0].args[2], Variant(50.0f));
-    EXPECT_EQ(host_.events[0].args[3], Variant(8.0f));
-    Drain();
-
-    // A drag selects part of a box, and the release keeps it.
-    b.MouseDown(1, 0, 43.0f, 8.0f);
     b.MouseMove(1, 0, 60.0f, 8.0f);
     b.MouseUp(1, 0, 60.0f, 8.0f);
-    EXPECT_EQ(Line(b, "txtData(3)"), "txtData(3) \"2007\" sel 0 3 focus");
-    // Separators and the bare surface report the press; the button keeps it.
-    Drain();
-    b.MouseDown(1, 0, 16.0f, 8.0f);
-    b.MouseUp(1, 0, 16.0f, 8.0f);
+    EXPECT_EQ(Line(b, "txtData(3)"), "txtData(3) \"2007\" sel 1 2 focus");
+    // Events in the whole control's coordinates; the button keeps its press.
     b.MouseDown(1, 0, 105.0f, 8.0f);
     b.MouseUp(1, 0, 105.0f, 8.0f);
-    b.MouseMove(0, 0, 90.0f, 8.0f);
-    EXPECT_EQ(Events(), (Strings{"MouseDown", "MouseUp", "MouseMove"}));
-    EXPECT_NE(Line(b, "txtData(3)").find("focus"), std::string::npos);
+    ASSERT_EQ(host_.events.size(), 3u);
+    EXPECT_EQ(host_.events[2].name, "MouseUp");
+    EXPECT_EQ(host_.events[2].args[2], Variant(60.0f));
 }
-// ---- Painting --------------------------------------------------------------------------
+
+// ---- Painting ---------------------------------------------------------------
 
 TEST_F(DateBoxTest, PaintShowsTheSelectionOfTheFocusedBoxAndTheButtonFace) {
     DateBox& b = Make();
     b.SetValue(Ymd(2007, 12, 25));
     b.SetBackColor(RGB(250, 250, 250));
-    const OLE_COLOR highlight = TranslateSysColor(SystemColor(COLOR_HIGHLIGHT));
-    const OLE_COLOR face = TranslateSysColor(SystemColor(COLOR_BTNFACE));
-    const OLE_COLOR text = TranslateSysColor(SystemColor(COLOR_WINDOWTEXT));
+    const OLE_COLOR highlight = Sys(COLOR_HIGHLIGHT);
+    const OLE_COLOR face = Sys(COLOR_BTNFACE);
+    const OLE_COLOR text = Sys(COLOR_WINDOWTEXT);
     EXPECT_EQ(At(0, 5), text);  // "2" of the day box: a solid block
     EXPECT_EQ(At(6, 5), RGB(250, 250, 250));
     b.GotFocus();
     EXPECT_EQ(At(6, 5), highlight);  // the gap between the selected characters
-    EXPECT_EQ(At(0, 5), TranslateSysColor(SystemColor(COLOR_HIGHLIGHTTEXT)));
+    EXPECT_EQ(At(0, 5), Sys(COLOR_HIGHLIGHTTEXT));
     EXPECT_EQ(At(27, 5), RGB(250, 250, 250));  // the month box is not selected
     EXPECT_EQ(At(108, 2), face);
-    EXPECT_EQ(At(99, 5), TranslateSysColor(SystemColor(COLOR_BTNHIGHLIGHT)));
-    EXPECT_EQ(At(115, 5), TranslateSysColor(SystemColor(COLOR_3DDKSHADOW)));
+    EXPECT_EQ(At(99, 5), Sys(COLOR_BTNHIGHLIGHT));
+    EXPECT_EQ(At(115, 5), Sys(COLOR_3DDKSHADOW));
     // A 7-point glyph: four rows, seven pixels wide at the top, centred.
-    const OLE_COLOR glyph = TranslateSysColor(SystemColor(COLOR_BTNTEXT));
+    const OLE_COLOR glyph = Sys(COLOR_BTNTEXT);
     EXPECT_EQ(At(104, 6), glyph);
     EXPECT_EQ(At(110, 6), glyph);
     EXPECT_EQ(At(103, 6), face);
     EXPECT_EQ(At(107, 9), glyph);
     EXPECT_EQ(At(106, 9), face);
+    // Disabled, the text and the glyph are grey.
+    b.SetEnabled(false);
+    const OLE_COLOR grey = Sys(COLOR_GRAYTEXT);
+    EXPECT_EQ(At(42, 5), grey);  // the year box
+    EXPECT_EQ(At(14, 5), grey);  // the first separator
+    EXPECT_EQ(GlyphPixels(b, grey), 16);
     b.SetCalendarButton(false);
     EXPECT_EQ(At(108, 2), RGB(250, 250, 250));
 }
 
-// ---- Persistence --------------------------------------------------------------------------
+// ---- Persistence ------------------------------------------------------------
 
-TEST_F(DateBoxTest, SaveWritesOnlyWhatDiffersAndLoadLowersTheMaximum) {
+TEST_F(DateBoxTest, SaveWritesWhatDiffersInItsOrderAndLoadLowersTheMaximum) {
     DateBox& fresh = Make();
     host::MemoryPropertyBag defaults;
     fresh.WriteProperties(defaults);
     EXPECT_TRUE(defaults.Entries().empty());
-
     DateBox& reloaded = Load(defaults);
     EXPECT_EQ(reloaded.MaxDate(), Ymd(9980, 12, 31));
-    EXPECT_EQ(reloaded.MinDate(), Ymd(100, 1, 1));
-    EXPECT_EQ(reloaded.DateFormat(), "dd/mm/yyyy");
-    EXPECT_EQ(reloaded.BorderStyle(), 1);
     EXPECT_EQ(reloaded.TextTop(), 1);
     EXPECT_EQ(Notified(), Strings{"MaxDate"});
-    host::MemoryPropertyBag again;
-    reloaded.WriteProperties(again);
-    ASSERT_EQ(again.Entries().size(), 1u);
-    EXPECT_EQ(again.Entries()[0].first, "MaxDate");
-}
 
-TEST_F(DateBoxTest, EveryPropertySurvivesSaveAndLoadInItsOrder) {
     DateBox& b = Make();
     b.SetAppearance(0);
     b.SetBackColor(RGB(1, 1, 1));
@@ -412,7 +281,7 @@ TEST_F(DateBoxTest, EveryPropertySurvivesSaveAndLoadInItsOrder) {
     b.SetDateFormat("dd/mm/yyyy hh:nn");
     b.SetMinDate(Ymd(2000, 1, 1));
     b.SetMaxDate(Ymd(2020, 12, 31));
-    b.SetValue(CombineDateTime(Ymd(2007, 12, 25), TimeSerial(13, 45, 0)));
+    b.SetValue(Ymd(2007, 12, 25));
     b.SetAlignment(2);
     b.SetSmallChange(-3);
     b.SetLargeChange(0);
@@ -425,25 +294,6 @@ TEST_F(DateBoxTest, EveryPropertySurvivesSaveAndLoadInItsOrder) {
     EXPECT_EQ(names, (Strings{"Appearance", "BackColor", "BorderStyle", "ForeColor", "Enabled",
                               "Font", "Locked", "Value", "Alignment", "DateFormat", "SmallChange",
                               "LargeChange", "Nullable", "CalendarButton", "MinDate", "MaxDate"}));
-
-    DateBox& c = Load(bag);
-    EXPECT_EQ(c.Appearance(), 0);
-    EXPECT_EQ(c.BackColor(), RGB(1, 1, 1));
-    EXPECT_EQ(c.BorderStyle(), 0);
-    EXPECT_EQ(c.ForeColor(), RGB(2, 2, 2));
-    EXPECT_FALSE(c.Enabled());
-    EXPECT_EQ(c.GetFont()->name, "Serif");
-    EXPECT_TRUE(c.Locked());
-    EXPECT_EQ(c.Value(), CombineDateTime(Ymd(2007, 12, 25), TimeSerial(13, 45, 0)));
-    EXPECT_EQ(c.ShownText(), "25/12/2007 13:45");
-    EXPECT_EQ(c.Alignment(), 2);
-    EXPECT_EQ(c.SmallChange(), -3);
-    EXPECT_EQ(c.LargeChange(), 0);
-    EXPECT_FALSE(c.Nullable());
-    EXPECT_FALSE(c.CalendarButton());
-    EXPECT_EQ(Line(c, "cmdSelezione"), "cmdSelezione hidden");
-    EXPECT_EQ(c.MinDate(), Ymd(2000, 1, 1));
-    EXPECT_EQ(c.MaxDate(), Ymd(2020, 12, 31));
 }
 
 TEST_F(DateBoxTest, LoadResetsTheChangeFlagsAndMovesAStoredValueIntoItsLimits) {
@@ -461,7 +311,7 @@ TEST_F(DateBoxTest, LoadResetsTheChangeFlagsAndMovesAStoredValueIntoItsLimits) {
     EXPECT_TRUE(Events().empty());
 }
 
-// ---- Dispatch ------------------------------------------------------------------------------
+// ---- Dispatch ---------------------------------------------------------------
 
 TEST_F(DateBoxTest, DispatchReachesPropertiesAndTheLayoutMethods) {
     DateBox& b = Make();
@@ -473,37 +323,6 @@ TEST_F(DateBoxTest, DispatchReachesPropertiesAndTheLayoutMethods) {
     EXPECT_EQ(b.CallMethod(DateBox::kTextTop, {}), Variant(Long(1)));
     EXPECT_THROW(b.GetProperty(DateBox::kTextLeft), HostError);
     EXPECT_THROW(b.CallMethod(DateBox::kValue, {}), HostError);
-}
-
-// ---- Keyboard --------------------------------------------------------------------
-
-// Sends one key down and returns the code it leaves behind.
-Integer Down(DateBox& b, int code, int shift = 0) {
-    Integer key = static_cast<Integer>(code);
-    b.KeyDown(key, static_cast<Integer>(shift));
-    return key;
-}
-
-// The editor has worked the key by the time the container sees it.
-TEST_F(DateBoxTest, AKeyIsSwallowedOnceWorkedAndIgnoredWhileLocked) {
-    DateBox& b = Make();
-    b.SetValue(Ymd(2007, 12, 25));
-    b.GotFocus();
-    Drain();
-    EXPECT_EQ(Down(b, host::kKeyUp), 0);
-    EXPECT_EQ(Events(), (Strings{"Change", "KeyDown"}));
-    Integer ascii = '7';
-    b.KeyPress(ascii);
-    EXPECT_EQ(ascii, 0);
-    EXPECT_EQ(b.ShownText(), "26/12/2007");
-    Down(b, host::kKeyRight);
-    EXPECT_NE(Line(b, "txtData(2)").find("focus"), std::string::npos);
-
-    b.SetLocked(true);
-    Drain();
-    EXPECT_EQ(Down(b, host::kKeyDown), host::kKeyDown);
-    EXPECT_EQ(b.ShownText(), "26/12/2007");
-    EXPECT_TRUE(Events().empty());
 }
 
 }  // namespace
