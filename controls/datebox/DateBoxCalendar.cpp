@@ -45,8 +45,8 @@ void DateBox::OpenCalendar(Integer, Integer, Single, Single) {
     SetCalendarMaxDate(maxDate_);
     CalendarLook& look = CalendarLookState();
     look.font = SurfaceState().font;
-    look.headerColor = 0x8000000F;
-    look.inRangeColor = 0x80000008;
+    look.headerColor = 0x8000000F;   // button face
+    look.inRangeColor = 0x80000008;  // window text
     look.otherColor = 0x8000000F;
     look.ownerBackColor = BackColor();
     look.ownerForeColor = ForeColor();

@@ -1,4 +1,4 @@
-// Sections: pattern and parts; values; cursor; keys (the table's rows,
+// Sections: pattern and parts; values; cursor; keys (the key table's rows,
 // stepping, today).
 #include "controls/datebox/DateEditor.h"
 

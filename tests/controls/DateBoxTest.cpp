@@ -1,3 +1,5 @@
+// Sections: value and limits; boxes and layout; mouse; painting;
+// persistence; dispatch.
 #include "controls/datebox/DateBox.h"
 
 #include <gtest/gtest.h>

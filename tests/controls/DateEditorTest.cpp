@@ -1,3 +1,4 @@
+// Sections: keys; leaving a field; parts and boxes.
 #include "controls/datebox/DateEditor.h"
 
 #include <gtest/gtest.h>
