@@ -141,7 +141,7 @@ void DateBox::ReadProperties(host::PropertyBag& bag) {
     host::ReadMembers(bag, *this, kReadOrder);
     SetNotifyOnChange(true);
     SetForceChange(false);
-    ValueToParts(value_, parts_);
+    editor_.SetParts(value_);
     CheckLimits();
     RebuildBoxes();
     LayoutBoxes();

@@ -202,6 +202,13 @@ Date WorkingValue(const PartValues& parts, const Locale& locale) {
 
 std::string StripPlaceholders(std::string_view s) { return ReplaceAll(s, "_", ""); }
 
+std::string ZeroPadded(Long value, Long digits) {
+    std::string s = std::to_string(value);
+    if (static_cast<Long>(s.size()) < digits)
+        s.insert(0, static_cast<std::size_t>(digits) - s.size(), '0');
+    return s;
+}
+
 Long LeadingNumber(std::string_view s) {
     std::size_t i = 0;
     while (i < s.size() && (s[i] == ' ' || s[i] == '\t')) ++i;

@@ -94,6 +94,9 @@ Date JoinDateAndTime(Date datePortion, Date timePortion, const Locale& locale);
 
 std::string StripPlaceholders(std::string_view s);
 
+// The text of a number, left-padded with "0" to `digits` characters.
+std::string ZeroPadded(Long value, Long digits);
+
 // The number a box's text starts with, as the host's Val reads it: blanks
 // skipped, an optional sign, then digits up to the first other character
 // ("2___" is 2, "_5" is 0). Overflow (6) past a Long.
