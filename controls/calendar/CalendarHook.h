@@ -37,11 +37,11 @@ void SetCalendarMaxDate(Date d) noexcept;
 // colours; the popup translates them when it paints.
 struct CalendarLook {
     std::shared_ptr<const Font> font = std::make_shared<Font>();  // copied at load
-    OLE_COLOR headerColor = 0x8000000F;                           // weekday names
-    OLE_COLOR inRangeColor = 0x80000008;  // days of the shown month within range
-    OLE_COLOR otherColor = 0x8000000F;    // every other day
-    OLE_COLOR ownerBackColor = 0x80000005;
-    OLE_COLOR ownerForeColor = 0x80000008;
+    OLE_COLOR headerColor = kSysButtonFace;                       // weekday names
+    OLE_COLOR inRangeColor = kSysWindowText;  // days of the shown month within range
+    OLE_COLOR otherColor = kSysButtonFace;    // every other day
+    OLE_COLOR ownerBackColor = kSysWindow;
+    OLE_COLOR ownerForeColor = kSysWindowText;
 };
 CalendarLook& CalendarLookState() noexcept;
 

@@ -16,11 +16,6 @@ namespace kelvarin::controls {
 namespace {
 
 constexpr Date kFirstOfFebruary100 = -657403.0;
-constexpr OLE_COLOR kWindowFrame = 0x80000006;
-constexpr OLE_COLOR kHighlight = 0x8000000D;
-constexpr OLE_COLOR kHighlightText = 0x8000000E;
-constexpr OLE_COLOR kButtonShadow = 0x80000010;
-constexpr OLE_COLOR kButtonHighlight = 0x80000014;
 constexpr OLE_COLOR kRed = 255;
 constexpr unsigned kCentred =
     host::DT_CENTER | host::DT_VCENTER | host::DT_SINGLELINE | host::DT_NOPREFIX;
@@ -324,8 +319,8 @@ std::vector<std::string> frmMese::Dump() const {
 // ---- Painting ---------------------------------------------------------------------
 
 void frmMese::DrawBevelBox(host::Surface& s, int x1, int y1, int x2, int y2, bool raised) {
-    const OLE_COLOR outline = TranslateSysColor(raised ? kButtonShadow : kButtonHighlight);
-    const OLE_COLOR edges = TranslateSysColor(raised ? kButtonHighlight : kButtonShadow);
+    const OLE_COLOR outline = TranslateSysColor(raised ? kSysButtonShadow : kSysButtonHighlight);
+    const OLE_COLOR edges = TranslateSysColor(raised ? kSysButtonHighlight : kSysButtonShadow);
     // The outline takes in both corners; the edges stop short of their ends.
     s.DrawLine({x1, y1}, {x2 + 1, y1}, outline);
     s.DrawLine({x1, y2}, {x2 + 1, y2}, outline);
@@ -337,8 +332,8 @@ void frmMese::DrawBevelBox(host::Surface& s, int x1, int y1, int x2, int y2, boo
 
 void frmMese::PaintHeader(host::Surface& s) {
     const Geometry& g = geometry_;
-    const OLE_COLOR band = TranslateSysColor(kHighlight);
-    const OLE_COLOR text = TranslateSysColor(kHighlightText);
+    const OLE_COLOR band = TranslateSysColor(kSysHighlight);
+    const OLE_COLOR text = TranslateSysColor(kSysHighlightText);
     s.FillRect({0, 0, s.Width(), 2 * g.rh}, band);
 
     const Locale& locale = site_.UserLocale();
@@ -371,7 +366,7 @@ void frmMese::Paint(host::Surface& s) {
     const Locale& locale = site_.UserLocale();
     s.FillRect({0, 0, s.Width(), s.Height()}, TranslateSysColor(look.ownerBackColor));
     // The weekday names sit on the header's band, which their colour is chosen for.
-    s.FillRect({0, 2 * g.rh, s.Width(), 3 * g.rh}, TranslateSysColor(kHighlight));
+    s.FillRect({0, 2 * g.rh, s.Width(), 3 * g.rh}, TranslateSysColor(kSysHighlight));
     PaintHeader(s);
 
     const Date today = Today();
@@ -386,7 +381,7 @@ void frmMese::Paint(host::Surface& s) {
     }();
     Font todayFont = font_;
     todayFont.bold = true;
-    const OLE_COLOR highlight = TranslateSysColor(kHighlight);
+    const OLE_COLOR highlight = TranslateSysColor(kSysHighlight);
 
     Date first = 0;
     int w = 8;
@@ -421,7 +416,7 @@ void frmMese::Paint(host::Surface& s) {
         OLE_COLOR color;
         if (d == opening) {
             s.FillRect({x + 2, y + 2, x + g.cw - 2, y + g.rh - 2}, highlight);
-            color = TranslateSysColor(kHighlightText);
+            color = TranslateSysColor(kSysHighlightText);
         } else if (shown && d == today) {
             color = kRed;
             font = &todayFont;
@@ -435,12 +430,12 @@ void frmMese::Paint(host::Surface& s) {
     }
 
     const int line = 9 * g.rh;
-    s.DrawLine({1, line}, {s.Width() - 1, line}, TranslateSysColor(kButtonShadow));
+    s.DrawLine({1, line}, {s.Width() - 1, line}, TranslateSysColor(kSysButtonShadow));
     host::Rect r{0, line, s.Width(), line + g.rh};
     const std::string todayText = IsDateInRange(today) ? FormatDate(today, "dd/mm/yyyy") : "";
     s.DrawText("Oggi: " + todayText, r, kCentred, font_, kRed);
 
-    const OLE_COLOR frame = TranslateSysColor(kWindowFrame);
+    const OLE_COLOR frame = TranslateSysColor(kSysWindowFrame);
     const int right = s.Width() - 1, bottom = s.Height() - 1;
     s.DrawLine({0, 0}, {right, 0}, frame);
     s.DrawLine({right, 0}, {right, bottom}, frame);

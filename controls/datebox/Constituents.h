@@ -16,12 +16,9 @@
 
 #include "common/Font.h"
 #include "common/OleColor.h"
+#include "common/Text.h"
 
 namespace kelvarin::controls {
-
-// Number of characters of UTF-8 text, and the byte offset of character n.
-int TextLength(std::string_view text) noexcept;
-std::size_t ByteOffset(std::string_view text, int characters) noexcept;
 
 struct TextBoxElement {
     std::string text;
@@ -33,8 +30,8 @@ struct TextBoxElement {
     bool locked = false;
     bool tabStop = true;
     std::string tag;  // the index of the box's token, in decimal
-    OLE_COLOR backColor = 0x80000005;
-    OLE_COLOR foreColor = 0x80000008;
+    OLE_COLOR backColor = kSysWindow;
+    OLE_COLOR foreColor = kSysWindowText;
     std::shared_ptr<Font> font = std::make_shared<Font>();
 
     // Writing the text puts the caret at the start, as a text box does.
@@ -43,7 +40,7 @@ struct TextBoxElement {
         selStart = 0;
         selLength = 0;
     }
-    int Length() const noexcept { return TextLength(text); }
+    int Length() const noexcept { return Utf8Length(text); }
 };
 
 struct LabelElement {
@@ -52,7 +49,7 @@ struct LabelElement {
     bool visible = false;
     bool enabled = true;
     std::string tag;
-    OLE_COLOR foreColor = 0x80000008;
+    OLE_COLOR foreColor = kSysWindowText;
     std::shared_ptr<Font> font = std::make_shared<Font>();
 };
 

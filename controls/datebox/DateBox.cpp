@@ -18,9 +18,6 @@ namespace kelvarin::controls {
 
 namespace {
 
-constexpr OLE_COLOR kWindow = 0x80000005;
-constexpr OLE_COLOR kWindowText = 0x80000008;
-
 std::string Quoted(std::string_view s) {
     std::string out = "\"";
     for (char c : s) {
@@ -254,18 +251,18 @@ void DateBox::SetMaxDate(Date d) {
 void DateBox::InitProperties() {
     host::SurfaceProperties& s = SurfaceState();
     s.font = Site().AmbientFont()->Clone();
-    s.backColor = kWindow;
-    s.foreColor = kWindowText;
+    s.backColor = kSysWindow;
+    s.foreColor = kSysWindowText;
     s.borderStyle = 1;
     s.appearance = 1;
     for (TextBoxElement& box : txtData_.All()) {
         box.font = s.font;
-        box.backColor = kWindow;
-        box.foreColor = kWindowText;
+        box.backColor = kSysWindow;
+        box.foreColor = kSysWindowText;
     }
     for (LabelElement& label : lblSeparator_.All()) {
         label.font = s.font;
-        label.foreColor = kWindowText;
+        label.foreColor = kSysWindowText;
     }
     value_ = 0;
     editor_.SetParts(0);
@@ -343,17 +340,12 @@ int DateBox::CaretAt(const TextBoxElement& box, Single x) const {
     const int length = box.Length();
     for (int k = 0; k < length; ++k) {
         const std::string_view text = box.text;
-        const std::size_t from = ByteOffset(text, k), to = ByteOffset(text, k + 1);
+        const std::size_t from = Utf8Offset(text, k), to = Utf8Offset(text, k + 1);
         const int before = Measure(text.substr(0, from)).width;
         const int own = Measure(text.substr(from, to - from)).width;
         if (x < box.left + before + own / 2.0) return k;
     }
     return length;
-}
-
-void DateBox::RaiseMouse(int number, Integer button, Integer shift, Single x, Single y) {
-    Variant args[] = {Variant(button), Variant(shift), Variant(x), Variant(y)};
-    RaiseEvent(number, args);
 }
 
 // Boxes and labels report the press in the whole control's coordinates,
@@ -427,23 +419,18 @@ void DateBox::KeyDown(Integer& keyCode, Integer shift) {
         OpenCalendarFromKeys();
     Redraw();
     // The container sees the key after its effect, focus moves included.
-    Variant args[] = {Variant(received), Variant(shift)};
-    RaiseEvent(kKeyDown, args);
+    RaiseKey(kKeyDown, received, shift);
     keyCode = 0;
 }
 
 // The container sees every character, and no box ever gets one.
 void DateBox::KeyPress(Integer& keyAscii) {
     focusJustArrived_ = false;
-    Variant args[] = {Variant(keyAscii)};
-    RaiseEvent(kKeyPress, args);
+    RaiseKeyPress(kKeyPress, keyAscii);
     keyAscii = 0;
 }
 
-void DateBox::KeyUp(Integer& keyCode, Integer shift) {
-    Variant args[] = {Variant(keyCode), Variant(shift)};
-    RaiseEvent(kKeyUp, args);
-}
+void DateBox::KeyUp(Integer& keyCode, Integer shift) { RaiseKey(kKeyUp, keyCode, shift); }
 
 // ---- Diagnostics ------------------------------------------------------------
 

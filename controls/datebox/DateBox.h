@@ -195,7 +195,6 @@ private:
     int CaretAt(const TextBoxElement& box, Single x) const;
     // The box that has the focus while the control has it; 0 for none.
     int ActiveBox() const noexcept { return hasFocus_ ? editor_.Current() : 0; }
-    void RaiseMouse(int number, Integer button, Integer shift, Single x, Single y);
 
     // ---- Calendar
     // Opens the month calendar under the control and returns once it has

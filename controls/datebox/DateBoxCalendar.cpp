@@ -45,9 +45,9 @@ void DateBox::OpenCalendar(Integer, Integer, Single, Single) {
     SetCalendarMaxDate(maxDate_);
     CalendarLook& look = CalendarLookState();
     look.font = SurfaceState().font;
-    look.headerColor = 0x8000000F;   // button face
-    look.inRangeColor = 0x80000008;  // window text
-    look.otherColor = 0x8000000F;
+    look.headerColor = kSysButtonFace;  // button face
+    look.inRangeColor = kSysWindowText;
+    look.otherColor = kSysButtonFace;
     look.ownerBackColor = BackColor();
     look.ownerForeColor = ForeColor();
 

@@ -111,9 +111,11 @@ void DateBox::LayoutBoxes() {
     }
     textWidth_ = width;
     switch (alignment_) {
-        case 0: textLeft_ = 0; break;
-        case 1: textLeft_ = CheckedSub(innerWidth, textWidth_); break;
-        case 2: textLeft_ = ToLong((static_cast<double>(innerWidth) - textWidth_) / 2.0); break;
+        case kLeftJustify: textLeft_ = 0; break;
+        case kRightJustify: textLeft_ = CheckedSub(innerWidth, textWidth_); break;
+        case kCenter:
+            textLeft_ = ToLong((static_cast<double>(innerWidth) - textWidth_) / 2.0);
+            break;
         default: break;  // any other value leaves the text where it was
     }
     Long x = textLeft_;

@@ -31,8 +31,8 @@ void DateBox::PaintBox(host::Surface& s, int index) {
     s.DrawText(b.text, rect, kFormat, *b.font, text);
     if (index != ActiveBox() || b.selLength <= 0) return;
     const std::string_view all = b.text;
-    const std::size_t from = ByteOffset(all, b.selStart);
-    const std::size_t to = ByteOffset(all, b.selStart + b.selLength);
+    const std::size_t from = Utf8Offset(all, b.selStart);
+    const std::size_t to = Utf8Offset(all, b.selStart + b.selLength);
     const int x0 = b.left + s.MeasureText(all.substr(0, from), *b.font).width;
     const std::string_view selected = all.substr(from, to - from);
     host::Rect mark{x0, b.top, x0 + s.MeasureText(selected, *b.font).width, b.top + b.height};

@@ -147,7 +147,7 @@ bool DateEditor::CommitBox(int box) {
     TextBoxElement& b = boxes_(box);
     const int length = b.Length();
     const std::string typed = StripPlaceholders(b.text);
-    const int typedLength = TextLength(typed);
+    const int typedLength = Utf8Length(typed);
     bool mayLeave = true;
     if (typed.empty()) {
         if (!nullable) mayLeave = false;
@@ -226,7 +226,7 @@ void DateEditor::OverwriteAt(int box, int position, char c) {
     if (!boxes_.Exists(box)) return;
     TextBoxElement& b = boxes_(box);
     if (position < 0 || position >= b.Length()) return;
-    const std::size_t from = ByteOffset(b.text, position), to = ByteOffset(b.text, position + 1);
+    const std::size_t from = Utf8Offset(b.text, position), to = Utf8Offset(b.text, position + 1);
     b.SetText(b.text.substr(0, from) + c + b.text.substr(to));
 }
 

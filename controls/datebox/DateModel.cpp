@@ -3,6 +3,7 @@
 #include <optional>
 
 #include "common/HostError.h"
+#include "common/Text.h"
 
 namespace kelvarin::controls {
 
@@ -40,13 +41,6 @@ std::string LowerPattern(std::string_view s) {
         }
     }
     return out;
-}
-
-// Length in bytes of the UTF-8 character at s[i]; a stray byte counts alone.
-std::size_t CharLength(std::string_view s, std::size_t i) {
-    std::size_t len = 1;
-    while (i + len < s.size() && (static_cast<unsigned char>(s[i + len]) & 0xC0) == 0x80) ++len;
-    return len;
 }
 
 // The Part of the last field already appended, or -1.
@@ -97,7 +91,7 @@ std::vector<FormatToken> ParseFormat(std::string_view pattern) {
     std::string current;
     std::string_view previous;
     for (std::size_t i = 0; i < s.size();) {
-        const std::string_view ch = std::string_view(s).substr(i, CharLength(s, i));
+        const std::string_view ch = std::string_view(s).substr(i, Utf8CharSize(s, i));
         if (!previous.empty() && ch != previous && previous != "&") {
             AddToken(tokens, current);
             current.clear();

@@ -61,8 +61,8 @@ protected:
                 view += b.text;
                 continue;
             }
-            const std::size_t from = ByteOffset(b.text, b.selStart);
-            const std::size_t to = ByteOffset(b.text, b.selStart + b.selLength);
+            const std::size_t from = Utf8Offset(b.text, b.selStart);
+            const std::size_t to = Utf8Offset(b.text, b.selStart + b.selLength);
             view += b.text.substr(0, from) + "[" + b.text.substr(from, to - from) + "]" +
                     b.text.substr(to);
         }
