@@ -41,17 +41,22 @@ void ProgressBox::UpdateValue() {
 }
 
 // ---- Properties ---------------------------------------------------------------
+//
+// A write stores, repaints when the look changes, and notifies.
+
+void ProgressBox::Changed(Row row) {
+    Redraw();
+    PropertyChanged(row);
+}
 
 void ProgressBox::SetBackColor(OLE_COLOR color) {
     SurfaceState().backColor = color;
-    Redraw();
-    PropertyChanged(kBackColor);
+    Changed(kBackColor);
 }
 
 void ProgressBox::SetForeColor(OLE_COLOR color) {
     SurfaceState().foreColor = color;
-    Redraw();
-    PropertyChanged(kForeColor);
+    Changed(kForeColor);
 }
 
 void ProgressBox::SetEnabled(bool enabled) {
@@ -62,20 +67,17 @@ void ProgressBox::SetEnabled(bool enabled) {
 void ProgressBox::SetFont(std::shared_ptr<Font> font) {
     if (!font) RaiseHostError(HostErrorCode::InvalidPropertyValue);
     SurfaceState().font = std::move(font);
-    Redraw();
-    PropertyChanged(kFont);
+    Changed(kFont);
 }
 
 void ProgressBox::SetBorderStyle(Long style) {
     SurfaceState().borderStyle = ToInteger(style);
-    Redraw();
-    PropertyChanged(kBorderStyle);
+    Changed(kBorderStyle);
 }
 
 void ProgressBox::SetAppearance(Long appearance) {
     SurfaceState().appearance = ToInteger(appearance);
-    Redraw();
-    PropertyChanged(kAppearance);
+    Changed(kAppearance);
 }
 
 void ProgressBox::SetMouseIcon(std::shared_ptr<Object> picture) {
@@ -88,48 +90,50 @@ void ProgressBox::SetMousePointer(Integer pointer) {
     PropertyChanged(kMousePointer);
 }
 
-void ProgressBox::SetStartColor(OLE_COLOR color) {
+// The gradient's ends are kept translated: the bar is drawn column by column.
+void ProgressBox::StoreStartColor(OLE_COLOR color) {
     startColor_ = color;
     startColorRGB_ = TranslateSysColor(color);
-    Redraw();
-    PropertyChanged(kStartColor);
+}
+
+void ProgressBox::StoreFinishColor(OLE_COLOR color) {
+    finishColor_ = color;
+    finishColorRGB_ = TranslateSysColor(color);
+}
+
+void ProgressBox::SetStartColor(OLE_COLOR color) {
+    StoreStartColor(color);
+    Changed(kStartColor);
 }
 
 void ProgressBox::SetFinishColor(OLE_COLOR color) {
-    finishColor_ = color;
-    finishColorRGB_ = TranslateSysColor(color);
-    Redraw();
-    PropertyChanged(kFinishColor);
+    StoreFinishColor(color);
+    Changed(kFinishColor);
 }
 
 void ProgressBox::SetPivotColor(OLE_COLOR color) {
     pivotColor_ = color;
-    Redraw();
-    PropertyChanged(kPivotColor);
+    Changed(kPivotColor);
 }
 
 void ProgressBox::SetGradientStyle(Long style) {
     gradientStyle_ = style;
-    Redraw();
-    PropertyChanged(kGradientStyle);
+    Changed(kGradientStyle);
 }
 
 void ProgressBox::SetText(std::string text) {
     text_ = std::move(text);
-    Redraw();
-    PropertyChanged(kText);
+    Changed(kText);
 }
 
 void ProgressBox::SetShowPercentual(bool show) {
     showPercentual_ = show;
-    Redraw();
-    PropertyChanged(kShowPercentual);
+    Changed(kShowPercentual);
 }
 
 void ProgressBox::SetAlignment(Long alignment) {
     alignment_ = alignment;
-    Redraw();
-    PropertyChanged(kAlignment);
+    Changed(kAlignment);
 }
 
 // Out-of-range values are clamped, never refused; reaching the minimum

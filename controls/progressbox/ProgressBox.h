@@ -129,6 +129,10 @@ public:
     std::string Caption() const;
 
 private:
+    // Repaints and notifies after a write.
+    void Changed(Row row);
+    void StoreStartColor(OLE_COLOR color);
+    void StoreFinishColor(OLE_COLOR color);
     void UpdatePercentual();
     void UpdateValue();
     void StartTiming();

@@ -63,20 +63,12 @@ host::MemberTable ProgressBox::Table() {
         Property(kStartColor, "StartColor", Id(0x6803001F), AsColor)
             .Get<&PB::StartColor>()
             .Let<&PB::SetStartColor>()
-            .Persist(Color(kSysHighlight),
-                     [](PB& c, OLE_COLOR v) {
-                         c.startColor_ = v;
-                         c.startColorRGB_ = TranslateSysColor(v);
-                     })
+            .Persist(Color(kSysHighlight), [](PB& c, OLE_COLOR v) { c.StoreStartColor(v); })
             .Help("Colore iniziale da cui inziare la barra"),
         Property(kFinishColor, "FinishColor", Id(0x6803001E), AsColor)
             .Get<&PB::FinishColor>()
             .Let<&PB::SetFinishColor>()
-            .Persist(Color(kSysHighlight),
-                     [](PB& c, OLE_COLOR v) {
-                         c.finishColor_ = v;
-                         c.finishColorRGB_ = TranslateSysColor(v);
-                     })
+            .Persist(Color(kSysHighlight), [](PB& c, OLE_COLOR v) { c.StoreFinishColor(v); })
             .Help("Colore a cui la barra tender\u00E0 alla fine del processo"),
         Property(kValue, "Value", Id(0x6803001D), AsDouble)
             .Get<&PB::Value>()
