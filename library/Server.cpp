@@ -33,6 +33,19 @@ KelvarinResult Query(Self* self, const KelvarinGuid* iid, void** object,
     return KELVARIN_S_OK;
 }
 
+// Reference counting of an object handed out as its interface `Self`.
+template <typename Object, typename Self>
+std::uint32_t AddRef(Self* self) {
+    return ++static_cast<Object*>(self)->refs;
+}
+
+template <typename Object, typename Self>
+std::uint32_t Release(Self* self) {
+    const std::uint32_t left = --static_cast<Object*>(self)->refs;
+    if (left == 0) delete static_cast<Object*>(self);
+    return left;
+}
+
 // A control handed out through a factory. Every one counts as a live object
 // of the library until its last reference is released.
 struct ControlObject final : KelvarinControl {
@@ -52,12 +65,8 @@ const KelvarinControlVtbl kControlVtbl = {
     [](KelvarinControl* self, const KelvarinGuid* iid, void** object) {
         return Query(self, iid, object, KELVARIN_IID_CONTROL);
     },
-    [](KelvarinControl* self) -> std::uint32_t { return ++AsControl(self)->refs; },
-    [](KelvarinControl* self) -> std::uint32_t {
-        const std::uint32_t left = --AsControl(self)->refs;
-        if (left == 0) delete AsControl(self);
-        return left;
-    },
+    &AddRef<ControlObject, KelvarinControl>,
+    &Release<ControlObject, KelvarinControl>,
     [](KelvarinControl* self) -> const char* { return AsControl(self)->className.c_str(); },
     [](KelvarinControl* self) -> void* { return AsControl(self)->control.get(); },
 };
@@ -131,12 +140,8 @@ const KelvarinClassFactoryVtbl kFactoryVtbl = {
     [](KelvarinClassFactory* self, const KelvarinGuid* iid, void** object) {
         return Query(self, iid, object, KELVARIN_IID_ICLASSFACTORY);
     },
-    [](KelvarinClassFactory* self) -> std::uint32_t { return ++AsFactory(self)->refs; },
-    [](KelvarinClassFactory* self) -> std::uint32_t {
-        const std::uint32_t left = --AsFactory(self)->refs;
-        if (left == 0) delete AsFactory(self);
-        return left;
-    },
+    &AddRef<FactoryObject, KelvarinClassFactory>,
+    &Release<FactoryObject, KelvarinClassFactory>,
     CreateInstance,
     LockServer,
 };

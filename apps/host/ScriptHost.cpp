@@ -267,33 +267,35 @@ const host::headless::Raster& ScriptHost::Pixels(std::string_view target) {
     return p.Pixels();
 }
 
+namespace {
+
+// Prints the records of one control (of every control for an empty name)
+// and forgets them; the others stay for a later command.
+template <typename Record, typename Print>
+void Drain(std::vector<Record>& records, std::string_view name, Print print) {
+    std::vector<Record> kept;
+    for (Record& r : records) {
+        if (name.empty() || EqualsIgnoreCase(r.control, name)) print(r);
+        else kept.push_back(std::move(r));
+    }
+    records = std::move(kept);
+}
+
+}  // namespace
+
 void ScriptHost::PrintEvents(std::string_view name) {
-    auto& events = host_.events;
-    std::vector<host::headless::EventRecord> kept;
-    for (auto& e : events) {
-        if (!name.empty() && !EqualsIgnoreCase(e.control, name)) {
-            kept.push_back(std::move(e));
-            continue;
-        }
+    Drain(host_.events, name, [this](const host::headless::EventRecord& e) {
         out_ << e.control << "." << e.name << "(";
         for (std::size_t i = 0; i < e.args.size(); ++i)
             out_ << (i ? ", " : "") << FormatValue(e.args[i]);
         out_ << ")\n";
-    }
-    events = std::move(kept);
+    });
 }
 
 void ScriptHost::PrintNotifications(std::string_view name) {
-    auto& records = host_.notifications;
-    std::vector<host::headless::NotificationRecord> kept;
-    for (auto& n : records) {
-        if (!name.empty() && !EqualsIgnoreCase(n.control, name)) {
-            kept.push_back(std::move(n));
-            continue;
-        }
+    Drain(host_.notifications, name, [this](const host::headless::NotificationRecord& n) {
         out_ << n.control << " notified " << n.property << "\n";
-    }
-    records = std::move(kept);
+    });
 }
 
 void ScriptHost::PrintDump(std::string_view target) {
