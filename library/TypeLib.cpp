@@ -168,16 +168,35 @@ using namespace host::rows;
 
 // Event arguments ----------------------------------------------------------------
 
-std::vector<ParamInfo> KeyArgs() { return {{"KeyCode", AsInteger}, {"Shift", AsInteger}}; }
-std::vector<ParamInfo> KeyPressArgs() { return {{"KeyAscii", AsInteger}}; }
-std::vector<ParamInfo> MouseArgs() {
-    return {{"Button", AsInteger}, {"Shift", AsInteger}, {"X", AsSingle}, {"Y", AsSingle}};
+// The events every control shares have the same arguments everywhere;
+// another event is named with its own. Events are numbered by position.
+std::vector<ParamInfo> StandardArgs(std::string_view event) {
+    if (event == "KeyDown" || event == "KeyUp")
+        return {{"KeyCode", AsInteger}, {"Shift", AsInteger}};
+    if (event == "KeyPress") return {{"KeyAscii", AsInteger}};
+    if (event.starts_with("Mouse"))
+        return {{"Button", AsInteger}, {"Shift", AsInteger}, {"X", AsSingle}, {"Y", AsSingle}};
+    return {};
 }
 
-// Numbers the events by their position.
-std::vector<EventInfo> Numbered(std::vector<EventInfo> events) {
-    int number = 0;
-    for (EventInfo& e : events) e.number = ++number;
+struct EventRow {
+    std::string_view name;
+    std::string_view help = {};
+    std::vector<ParamInfo> params = StandardArgs(name);
+};
+
+std::vector<EventInfo> Events(std::initializer_list<EventRow> rows) {
+    std::vector<EventInfo> events;
+    for (const EventRow& row : rows)
+        events.push_back({static_cast<int>(events.size()) + 1, row.name, row.params, row.help});
+    return events;
+}
+
+// Events with no help strings.
+std::vector<EventInfo> Events(std::initializer_list<std::string_view> names) {
+    std::vector<EventInfo> events;
+    for (std::string_view name : names)
+        events.push_back({static_cast<int>(events.size()) + 1, name, StandardArgs(name), {}});
     return events;
 }
 
@@ -212,15 +231,7 @@ ClassInfo DateBox() {
         "__DateBox",
         kDateBoxEventsIid,
         controls::DateBox::Table(),
-        Numbered({
-            {0, "KeyDown", KeyArgs(), {}},
-            {0, "KeyPress", KeyPressArgs(), {}},
-            {0, "KeyUp", KeyArgs(), {}},
-            {0, "Change", {}, {}},
-            {0, "MouseDown", MouseArgs(), {}},
-            {0, "MouseUp", MouseArgs(), {}},
-            {0, "MouseMove", MouseArgs(), {}},
-        }),
+        Events({"KeyDown", "KeyPress", "KeyUp", "Change", "MouseDown", "MouseUp", "MouseMove"}),
     };
 }
 
@@ -296,16 +307,8 @@ ClassInfo CommandBox() {
         "__CommandBox",
         kCommandBoxEventsIid,
         CommandBoxMembers(),
-        Numbered({
-            {0, "Click", {}, {}},
-            {0, "DblClick", {}, {}},
-            {0, "KeyDown", KeyArgs(), {}},
-            {0, "KeyPress", KeyPressArgs(), {}},
-            {0, "KeyUp", KeyArgs(), {}},
-            {0, "MouseDown", MouseArgs(), {}},
-            {0, "MouseMove", MouseArgs(), {}},
-            {0, "MouseUp", MouseArgs(), {}},
-        }),
+        Events({"Click", "DblClick", "KeyDown", "KeyPress", "KeyUp", "MouseDown", "MouseMove",
+                "MouseUp"}),
     };
 }
 
@@ -320,34 +323,29 @@ ClassInfo ProgressBox() {
         "__ProgressBox",
         kProgressBoxEventsIid,
         controls::ProgressBox::Table(),
-        Numbered({
-            {0,
-             "Click",
-             {},
-             "Viene generato quando si preme e quindi si rilascia un pulsante del mouse su un "
-             "oggetto."},
-            {0,
-             "DblClick",
-             {},
-             "Viene generato quando si preme e si rilascia due volte in rapida successione un "
-             "pulsante del mouse su un oggetto."},
-            {0, "KeyDown", KeyArgs(),
-             "Viene generato quando si preme un tasto mentre lo stato attivo si trova su un "
-             "oggetto."},
-            {0, "KeyPress", KeyPressArgs(),
-             "Viene generato quando si preme e si rilascia un tasto ANSI."},
-            {0, "KeyUp", KeyArgs(),
-             "Viene generato quando si rilascia un tasto mentre lo stato attivo si trova su un "
-             "oggetto."},
-            {0, "MouseDown", MouseArgs(),
-             "Viene generato quando si preme il pulsante del mouse mentre lo stato attivo si "
-             "trova su un oggetto."},
-            {0, "MouseMove", MouseArgs(), "Viene generato quando si sposta il mouse."},
-            {0, "MouseUp", MouseArgs(),
-             "Viene generato quando si rilascia il pulsante del mouse mentre lo stato attivo si "
-             "trova su un oggetto."},
-            {0, "Change", {}, {}},
-            {0, "TimerChange", {{"TimeElapsed", AsLong}, {"TimeEstimated", AsLong}}, {}},
+        Events({
+            {"Click",
+             "Viene generato quando si preme e quindi si rilascia un pulsante del mouse "
+             "su un oggetto."},
+            {"DblClick",
+             "Viene generato quando si preme e si rilascia due volte in rapida "
+             "successione un pulsante del mouse su un oggetto."},
+            {"KeyDown",
+             "Viene generato quando si preme un tasto mentre lo stato attivo si trova "
+             "su un oggetto."},
+            {"KeyPress", "Viene generato quando si preme e si rilascia un tasto ANSI."},
+            {"KeyUp",
+             "Viene generato quando si rilascia un tasto mentre lo stato attivo si trova "
+             "su un oggetto."},
+            {"MouseDown",
+             "Viene generato quando si preme il pulsante del mouse mentre lo stato "
+             "attivo si trova su un oggetto."},
+            {"MouseMove", "Viene generato quando si sposta il mouse."},
+            {"MouseUp",
+             "Viene generato quando si rilascia il pulsante del mouse mentre lo stato "
+             "attivo si trova su un oggetto."},
+            {"Change"},
+            {"TimerChange", {}, {{"TimeElapsed", AsLong}, {"TimeEstimated", AsLong}}},
         }),
     };
 }
