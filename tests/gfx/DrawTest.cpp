@@ -2,6 +2,7 @@
 // against the reference, curves, circles, noise.
 #include <gtest/gtest.h>
 
+#include <optional>
 #include <random>
 #include <set>
 #include <utility>
@@ -38,6 +39,7 @@ TEST(Viewport, IsNormalisedInsideTheSurface) {
         {{0, 0, -1, -1}, {0, 0, 9, 9}},   // -1 stands for the far edge
         {{12, 15, 3, 40}, {9, 9, 9, 9}},  // beyond the surface: the last pixel
         {{4, 3, 2, -7}, {4, 3, 4, 3}},    // below the minimum: the minimum
+        {{2, 3, 10, 10}, {2, 3, 9, 9}},   // the far edge itself lies outside
     };
     for (const auto& r : rows) {
         clsGFX_2D gfx;
@@ -123,6 +125,7 @@ TEST(Line, TiesOfTheHalfStepGoToEven) {
         Long x2, y2;
         Pixels lit;
     } rows[] = {
+        {5, 2, {{0, 0}, {1, 0}, {2, 1}, {3, 1}, {4, 2}, {5, 2}}},                  // 2.5 -> 2
         {7, 1, {{0, 0}, {1, 0}, {2, 0}, {3, 1}, {4, 1}, {5, 1}, {6, 1}, {7, 1}}},  // 3.5 -> 4
         {3, 1, {{0, 0}, {1, 1}, {2, 1}, {3, 1}}},  // 1.5 -> 2: the second pixel already steps
         {1, 3, {{0, 0}, {1, 1}, {1, 2}, {1, 3}}},  // y-major, the same rule
@@ -168,19 +171,29 @@ TEST(Line, LinesAndPixelsMatchTheReferenceInsideAndAcrossTheEdges) {
     }
 }
 
-TEST(Line, ClippedFormDrawsOnlyInsideTheViewport) {
-    clsGFX_2D gfx;
-    ASSERT_TRUE(gfx.Create(10, 10));
-    gfx.Draw_SetViewport(2, 2, 6, 6);
-    gfx.Draw_StartSession();
-    gfx.Draw_Line_C(-100, 4, 100, 4, 0xFFFFFF);
-    gfx.Draw_Line_C(-50, -50, 50, 50, 0xFFFFFF);
-    gfx.Draw_Line_C(0, 0, 1, 9, 0xFFFFFF);  // wholly outside
-    gfx.Draw_EndSession();
-    const Pixels lit = Lit(gfx);
-    Pixels expected;
-    for (Long x = 2; x <= 6; ++x) expected.insert({{x, 4}, {x, x}});
-    EXPECT_EQ(lit, expected);
+// Cut where it crosses the viewport (2..6 both ways), the ends rounded:
+// the pixels of the plain line between the cut ends.
+TEST(Line, ClippedFormIsThePlainLineBetweenTheCutEnds) {
+    const struct {
+        Long x1, y1, x2, y2;
+        std::optional<std::array<Long, 4>> cut;
+    } rows[] = {
+        {-100, 4, 100, 4, {{2, 4, 6, 4}}}, {-50, -50, 50, 50, {{2, 2, 6, 6}}},
+        {0, 0, 10, 7, {{3, 2, 6, 4}}},  // in through the bottom, out through the right
+        {10, 7, 0, 0, {{6, 4, 3, 2}}},     {0, 0, 1, 9, std::nullopt},  // wholly outside
+    };
+    for (const auto& r : rows) {
+        clsGFX_2D clipped, plain;
+        for (clsGFX_2D* gfx : {&clipped, &plain}) {
+            ASSERT_TRUE(gfx->Create(10, 10));
+            gfx->Draw_SetViewport(2, 2, 6, 6);
+            gfx->Draw_StartSession();
+        }
+        clipped.Draw_Line_C(r.x1, r.y1, r.x2, r.y2, 0xFFFFFF);
+        if (r.cut) plain.Draw_Line((*r.cut)[0], (*r.cut)[1], (*r.cut)[2], (*r.cut)[3], 0xFFFFFF);
+        EXPECT_EQ(Bytes(clipped), Bytes(plain))
+            << r.x1 << "," << r.y1 << " " << r.x2 << "," << r.y2;
+    }
 }
 
 TEST(Bezier, WithoutRecursionIsTheStraightChord) {

@@ -262,13 +262,17 @@ TEST(Filter, KernelFaultsRaiseTheHostsErrorsAndRefusalsKeepTheKernel) {
 }
 
 TEST(Smoothing, MedianKeepsTheFrameAndRemovesASpotLinePreserveKeepsLines) {
-    // A smaller image is all frame.
+    // A smaller image is all frame; at 5 x 5 the centre is all there is inside.
     clsGFX_2D small;
     ASSERT_TRUE(small.Create(4, 9));
     RandomFill(small, 1);
     const auto before = Bytes(small);
     small.Filter_Smoothing();
     EXPECT_EQ(Bytes(small), before);
+    Flat(small, 5, 5, 0x202020);
+    test::Paint(small, {{2, 2, 0xFFFFFF}});
+    small.Filter_Smoothing();
+    EXPECT_EQ(PixelAt(small, 2, 2), 0x202020);
 
     test::ForEachKernelSet([](const char* fast) {
         for (bool preserve : {false, true}) {
@@ -355,6 +359,14 @@ TEST(FastPaths, MatchThePlainLoopsOnRandomImages) {
             g.Filter_StandardFilter(-1, 0x00406080);
         });
     }
+    // One sign, 15 in every place, on an image faded towards white: the sums
+    // pass 16 bits though the largest possible one is below twice that.
+    const std::vector<Long> fifteen(9, 15);
+    ExpectSameBytes("Custom", [&](clsGFX_2D& g) {
+        g.Color_FadeTo(-1, 0xFFFFFF, 15);
+        ASSERT_TRUE(g.Filter_StandardFilterSetCustom(3, fifteen, 135));
+        g.Filter_StandardFilter(-1);
+    });
     ExpectSameBytes("EdgeDetection", [](clsGFX_2D& g) { g.Filter_EdgeDetection(); });
     // Smoothing: every width to 17; strips of 19 columns whole and cut short;
     // heights whose skew rows move to the front of their buffer once or twice.
