@@ -112,6 +112,11 @@ TEST(BitBlt, NegativeSizesPaintTheWholeSurfaceAndEdgesClip) {
     EXPECT_EQ(clipped.At(1, 0, 2), 1);   // surface pixel (0, 0); column 0 had no source
     EXPECT_EQ(clipped.At(0, 0, 2), 21);  // left as it was
     EXPECT_EQ(clipped.At(1, 1, 1), 1);   // row 1 had no source either: as before
+    // Cut at the top: one row of the two asked for.
+    Canvas top(4, 3, 0xEE);
+    ASSERT_TRUE(gfx.BitBlt_PaintPicture(&top, 0, -1, 4, 2, 0, 0, SRCCOPY));
+    EXPECT_EQ(top.At(0, 0, 1), 11);  // surface row 1 from the top
+    EXPECT_EQ(top.At(0, 1, 1), 0xEE);
 
     // Loading from a context at an offset fills the surface from its corner.
     Canvas canvas(5, 5, 0);
