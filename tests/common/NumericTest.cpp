@@ -16,17 +16,11 @@ using test::ErrorOf;
 TEST(Numeric, RoundHalfEvenTiesGoToTheEvenNeighbour) {
     const struct {
         double in, out;
-    } rows[] = {{2.5, 2},
-                {3.5, 4},
-                {-2.5, -2},
-                {-3.5, -4},
-                {0.5, 0},
-                {1.5, 2},
-                {2.4999, 2},
-                {2.5001, 3},
-                {-0.4, 0},
-                {1e300, 1e300},
-                {4503599627370497.0, 4503599627370497.0}};
+    } rows[] = {{2.5, 2},       {3.5, 4},
+                {-2.5, -2},     {-3.5, -4},
+                {0.5, 0},       {2.4999, 2},
+                {2.5001, 3},    {-0.4, 0},
+                {1e300, 1e300}, {4503599627370497.0, 4503599627370497.0}};
     for (const auto& r : rows) EXPECT_EQ(RoundHalfEven(r.in), r.out) << r.in;
 }
 

@@ -14,6 +14,7 @@ namespace kelvarin {
 namespace {
 
 using test::Bytes;
+using test::PixelAt;
 using test::RandomFill;
 
 // A plain top-down 24-bit context, as a control's drawing area might be.
@@ -85,11 +86,10 @@ TEST(BitBlt, AnUnknownOperationCopiesNothingAndSaysSo) {
 TEST(BitBlt, NegativeSizesPaintTheWholeSurfaceAndEdgesClip) {
     clsGFX_2D gfx;
     ASSERT_TRUE(gfx.Create(4, 3));
-    gfx.Draw_StartSession();
     for (Long y = 0; y < 3; ++y) {
-        for (Long x = 0; x < 4; ++x) gfx.Draw_Pixel(x, y, RGB(10 * x + 1, 10 * y + 1, 7));
+        for (Long x = 0; x < 4; ++x)
+            test::Paint(gfx, {{x, y, static_cast<Long>(RGB(10 * x + 1, 10 * y + 1, 7))}});
     }
-    gfx.Draw_EndSession();
 
     Canvas whole(6, 5, 0xEE);
     ASSERT_TRUE(gfx.BitBlt_PaintPicture(&whole, 1, 1, -1, -1, 0, 0, SRCCOPY));
@@ -112,6 +112,11 @@ TEST(BitBlt, NegativeSizesPaintTheWholeSurfaceAndEdgesClip) {
     EXPECT_EQ(clipped.At(1, 0, 2), 1);   // surface pixel (0, 0); column 0 had no source
     EXPECT_EQ(clipped.At(0, 0, 2), 21);  // left as it was
     EXPECT_EQ(clipped.At(1, 1, 1), 1);   // row 1 had no source either: as before
+    // Cut at the top: one row of the two asked for.
+    Canvas top(4, 3, 0xEE);
+    ASSERT_TRUE(gfx.BitBlt_PaintPicture(&top, 0, -1, 4, 2, 0, 0, SRCCOPY));
+    EXPECT_EQ(top.At(0, 0, 1), 11);  // surface row 1 from the top
+    EXPECT_EQ(top.At(0, 1, 1), 0xEE);
 
     // Loading from a context at an offset fills the surface from its corner.
     Canvas canvas(5, 5, 0);
@@ -120,11 +125,10 @@ TEST(BitBlt, NegativeSizesPaintTheWholeSurfaceAndEdgesClip) {
             canvas.WritableScanLine(y)[3 * x] = static_cast<std::uint8_t>(10 * y + x);
     }
     ASSERT_TRUE(gfx.BitBlt_LoadPicture(&canvas, 2, 3, -1, -1, SRCCOPY));
-    gfx.Draw_StartSession();
-    EXPECT_EQ(gfx.Draw_ReadPixel(0, 2) >> 16, 32);  // top-left of the surface
-    EXPECT_EQ(gfx.Draw_ReadPixel(2, 1) >> 16, 44);
-    EXPECT_EQ(gfx.Draw_ReadPixel(0, 0), RGB(1, 1, 7));  // below the canvas: as before
-    EXPECT_EQ(gfx.Draw_ReadPixel(3, 2), RGB(31, 21, 7));
+    EXPECT_EQ(PixelAt(gfx, 0, 2) >> 16, 32);  // top-left of the surface
+    EXPECT_EQ(PixelAt(gfx, 2, 1) >> 16, 44);
+    EXPECT_EQ(PixelAt(gfx, 0, 0), RGB(1, 1, 7));  // below the canvas: as before
+    EXPECT_EQ(PixelAt(gfx, 3, 2), RGB(31, 21, 7));
 }
 
 TEST(BitBlt, OverlappingCopiesWithinOneSurfaceReadTheOriginal) {
@@ -154,12 +158,10 @@ TEST(BitBlt, OtherDepthsAreConvertedToTheDestinations) {
     ASSERT_TRUE(full.Create(4, 1, 24));
     const BitmapDC source(*indexed);
     ASSERT_TRUE(full.BitBlt_LoadPicture(&source));
-    full.Draw_StartSession();
-    EXPECT_EQ(full.Draw_ReadPixel(1, 0), 0xFFFFFF);
-    EXPECT_EQ(full.Draw_ReadPixel(2, 0), RGB(200, 0, 0));
-    EXPECT_EQ(full.Draw_ReadPixel(3, 0), RGB(0, 200, 0));
-    full.Draw_PixelRGB(0, 0, {190, 10, 0});  // nearest to the table's red
-    full.Draw_EndSession();
+    EXPECT_EQ(PixelAt(full, 1, 0), 0xFFFFFF);
+    EXPECT_EQ(PixelAt(full, 2, 0), RGB(200, 0, 0));
+    EXPECT_EQ(PixelAt(full, 3, 0), RGB(0, 200, 0));
+    test::Paint(full, {{0, 0, RGB(190, 10, 0)}});  // nearest to the table's red
 
     clsGFX_2D back;
     ASSERT_TRUE(back.Create_FromPicture(indexed.get()));
@@ -175,8 +177,7 @@ TEST(BitBlt, OtherDepthsAreConvertedToTheDestinations) {
     five->Row(0)[1] = 0x7C;  // red 31
     const BitmapDC fiveDC(*five);
     ASSERT_TRUE(full.BitBlt_LoadPicture(&fiveDC, 0, 0, 1, 1));
-    full.Draw_StartSession();
-    EXPECT_EQ(full.Draw_ReadPixel(0, 0), RGB(255, 0, 255));
+    EXPECT_EQ(PixelAt(full, 0, 0), RGB(255, 0, 255));
 }
 
 TEST(PictureDC, RendersBitmapsAndIconsOnTheBackColour) {

@@ -6,6 +6,7 @@
 #include <random>
 
 #include "common/Numeric.h"
+#include "gfx/Simd.h"
 
 namespace kelvarin::test {
 
@@ -40,6 +41,46 @@ void RandomFill(clsGFX_2D& gfx, std::uint32_t seed) {
     }
 }
 
+Long PixelAt(clsGFX_2D& gfx, Long x, Long y) {
+    if (gfx.SessionOpen()) return gfx.Draw_ReadPixel(x, y);
+    gfx.Draw_StartSession();
+    const Long c = gfx.Draw_ReadPixel(x, y);
+    gfx.Draw_EndSession();
+    return c;
+}
+
+void Paint(clsGFX_2D& gfx, std::initializer_list<Dot> dots) {
+    const bool open = gfx.SessionOpen();
+    if (!open) gfx.Draw_StartSession();
+    for (const Dot& d : dots) gfx.Draw_Pixel(d.x, d.y, d.colour);
+    if (!open) gfx.Draw_EndSession();
+}
+
+void MakeWholeCube(clsGFX_2D& gfx) {
+    if (!gfx.Create(4096, 4096)) return;
+    std::uint8_t* bits = gfx.Get_ptrDIBSection();
+    for (std::size_t i = 0; i < std::size_t{1} << 24; ++i) {
+        bits[3 * i] = static_cast<std::uint8_t>(i);
+        bits[3 * i + 1] = static_cast<std::uint8_t>(i >> 8);
+        bits[3 * i + 2] = static_cast<std::uint8_t>(i >> 16);
+    }
+}
+
+void ForEachKernelSet(const std::function<void(const char* kernels)>& f) {
+    gfx_detail::EnableSimd(false);
+    f("scalar");
+    gfx_detail::EnableSimd(true);
+    const struct {
+        int bits;
+        const char* name;
+    } sets[] = {{128, "128-bit"}, {256, "256-bit"}, {512, "512-bit"}};
+    for (const auto& s : sets) {
+        gfx_detail::LimitVectorBits(s.bits);
+        f(s.name);
+    }
+    gfx_detail::EnableSimd(true);
+}
+
 Image Snapshot(const clsGFX_2D& gfx) {
     Image img;
     img.width = gfx.Get_Width();
@@ -63,19 +104,17 @@ Long ReadPixel(Image& img, Long x, Long y) {
     }
 }
 
-// False when a byte falls outside the array; the bytes before it are written.
+// Bytes (c div 65536), (c div 256), c, each AND 255, the last n of them
+// for n bytes per pixel. False when a byte falls outside the array; the
+// bytes before it are written.
 bool WritePixel(Image& img, Long x, Long y, Long c) {
     const Long n = img.bytesPerPixel;
     if (n < 1 || n > 3) return true;
-    const std::uint8_t bytes[3][3] = {
-        {static_cast<std::uint8_t>(c & 255)},
-        {static_cast<std::uint8_t>((c / 256) & 255), static_cast<std::uint8_t>(c & 255)},
-        {static_cast<std::uint8_t>((c / 65536) & 255), static_cast<std::uint8_t>((c / 256) & 255),
-         static_cast<std::uint8_t>(c & 255)}};
+    const Long divisors[3] = {65536, 256, 1};
     for (Long k = 0; k < n; ++k) {
         const std::int64_t i = std::int64_t{x} * n + k;
         if (i < 0 || i >= img.stride || y < 0 || y >= img.height) return false;
-        img.At(static_cast<Long>(i), y) = bytes[n - 1][k];
+        img.At(static_cast<Long>(i), y) = static_cast<std::uint8_t>(c / divisors[3 - n + k] & 255);
     }
     return true;
 }
@@ -89,15 +128,13 @@ void Fill(Image& img, Long color) {
 }
 
 void Invert(Image& img, bool red, bool green, bool blue) {
-    std::uint8_t table[3][256];
-    for (int i = 0; i < 256; ++i) {
-        table[0][i] = static_cast<std::uint8_t>(blue ? 255 - i : i);
-        table[1][i] = static_cast<std::uint8_t>(green ? 255 - i : i);
-        table[2][i] = static_cast<std::uint8_t>(red ? 255 - i : i);
-    }
+    const bool chosen[3] = {blue, green, red};
     for (Long y = 0; y < img.height; ++y) {
         for (Long x = 0; x < img.width; ++x) {
-            for (int c = 0; c < 3; ++c) img.At(3 * x + c, y) = table[c][img.At(3 * x + c, y)];
+            for (int c = 0; c < 3; ++c) {
+                if (chosen[c])
+                    img.At(3 * x + c, y) = static_cast<std::uint8_t>(255 - img.At(3 * x + c, y));
+            }
         }
     }
 }

