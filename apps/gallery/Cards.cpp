@@ -36,6 +36,18 @@ QFrame* Card(QWidget* parent, const QString& title, const QString& subtitle, QVB
     return frame;
 }
 
+QVBoxLayout* GridCard(QGridLayout* grid, int row, int column, const QString& title,
+                      const QString& subtitle) {
+    QVBoxLayout* layout = nullptr;
+    QFrame* frame = Card(grid->parentWidget(), title, subtitle, &layout);
+    auto* rows = new QVBoxLayout;
+    rows->setSpacing(layout->spacing());
+    layout->addLayout(rows);
+    layout->addStretch(1);
+    grid->addWidget(frame, row, column);
+    return rows;
+}
+
 QLabel* Caption(QWidget* parent, const QString& text) {
     auto* label = new QLabel(text, parent);
     label->setObjectName(QStringLiteral("caption"));

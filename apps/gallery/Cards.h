@@ -20,6 +20,11 @@ QGridLayout* CardGrid(QWidget* page);
 // it; `body` receives the layout to fill.
 QFrame* Card(QWidget* parent, const QString& title, const QString& subtitle, QVBoxLayout** body);
 
+// A card in a cell of a page's grid; returns the layout to fill (its
+// widget is the card), whose rows keep to the top of the cell.
+QVBoxLayout* GridCard(QGridLayout* grid, int row, int column, const QString& title,
+                      const QString& subtitle);
+
 // A grey caption for a row of a card.
 QLabel* Caption(QWidget* parent, const QString& text);
 

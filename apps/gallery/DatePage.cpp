@@ -92,12 +92,11 @@ void DatePage::replace(qt::ControlWidget* own, qt::ControlWidget* loaded) {
 }
 
 void DatePage::buildPatterns(QGridLayout* grid) {
-    QVBoxLayout* body = nullptr;
-    QFrame* frame =
-        Card(this, QStringLiteral("Patterns"),
-             QStringLiteral("One box per field of the pattern, literal text between them. Click a "
-                            "field, type digits, step with the arrow keys."),
-             &body);
+    QVBoxLayout* body = GridCard(
+        grid, 0, 0, QStringLiteral("Patterns"),
+        QStringLiteral("One box per field of the pattern, literal text between them. Click a "
+                       "field, type digits, step with the arrow keys."));
+    QWidget* frame = body->parentWidget();
     struct Row {
         const char* name;
         const char* pattern;
@@ -118,18 +117,15 @@ void DatePage::buildPatterns(QGridLayout* grid) {
         captioned.add(QString::fromLatin1(row.pattern), box)
             ->setObjectName(QStringLiteral("readout"));
     }
-    body->addStretch(1);
-    grid->addWidget(frame, 0, 0);
 }
 
 void DatePage::buildEmptyAndLimits(QGridLayout* grid) {
-    QVBoxLayout* body = nullptr;
-    QFrame* frame =
-        Card(this, QStringLiteral("Empty values and limits"),
-             QStringLiteral("A Nullable box may be left empty (ValueDB is Null); one that is not "
-                            "keeps the focus until its fields are filled. Limits hold for typing, "
-                            "stepping and the calendar."),
-             &body);
+    QVBoxLayout* body = GridCard(
+        grid, 0, 1, QStringLiteral("Empty values and limits"),
+        QStringLiteral("A Nullable box may be left empty (ValueDB is Null); one that is not "
+                       "keeps the focus until its fields are filled. Limits hold for typing, "
+                       "stepping and the calendar."));
+    QWidget* frame = body->parentWidget();
     DateBoxWidget* empty = dateBox(frame, QStringLiteral("nullable"), QStringLiteral("dd/mm/yyyy"));
     DateBoxWidget* required =
         dateBox(frame, QStringLiteral("required"), QStringLiteral("dd/mm/yyyy"));
@@ -146,17 +142,15 @@ void DatePage::buildEmptyAndLimits(QGridLayout* grid) {
         {"Nullable, empty", empty}, {"Not Nullable", required}, {"2020 to 2029", limited}};
     CaptionedRows captioned(body, 130);
     for (const auto& [text, box] : rows) captioned.add(QString::fromLatin1(text), box);
-    body->addStretch(1);
-    grid->addWidget(frame, 0, 1);
 }
 
 // ---- The readout ----------------------------------------------------------------------
 
 void DatePage::buildReadout(QGridLayout* grid) {
-    QVBoxLayout* body = nullptr;
-    QFrame* frame =
-        Card(this, QStringLiteral("Value and ValueDB"),
-             QStringLiteral("What the program reads from the box you last worked in."), &body);
+    QVBoxLayout* body =
+        GridCard(grid, 1, 0, QStringLiteral("Value and ValueDB"),
+                 QStringLiteral("What the program reads from the box you last worked in."));
+    QWidget* frame = body->parentWidget();
     watchedName_ = new QLabel(frame);
     watchedName_->setObjectName(QStringLiteral("cardTitle"));
     valueLine_ = new QLabel(frame);
@@ -181,8 +175,6 @@ void DatePage::buildReadout(QGridLayout* grid) {
     keys->setWordWrap(true);
     keys->setTextFormat(Qt::RichText);
     body->addWidget(keys);
-    body->addStretch(1);
-    grid->addWidget(frame, 1, 0);
 }
 
 void DatePage::watch(DateBoxWidget* box) {
@@ -211,10 +203,10 @@ QString DatePage::readout() const {
 // ---- The playground --------------------------------------------------------------------
 
 void DatePage::buildPlayground(QGridLayout* grid) {
-    QVBoxLayout* body = nullptr;
-    QFrame* frame = Card(
-        this, QStringLiteral("Playground"),
-        QStringLiteral("Change the pattern, alignment, limits and behaviour of one box."), &body);
+    QVBoxLayout* body =
+        GridCard(grid, 1, 1, QStringLiteral("Playground"),
+                 QStringLiteral("Change the pattern, alignment, limits and behaviour of one box."));
+    QWidget* frame = body->parentWidget();
     playBox_ = dateBox(frame, QStringLiteral("datePlayground"), QStringLiteral("dd/mm/yyyy"));
     playBox_->SetValue(At(2026, 11, 22));
     body->addWidget(playBox_);
@@ -270,8 +262,6 @@ void DatePage::buildPlayground(QGridLayout* grid) {
     form->addWidget(Caption(frame, QStringLiteral("Value")), 3, 0);
     form->addLayout(actions, 3, 1);
     body->addLayout(form);
-    body->addStretch(1);
-    grid->addWidget(frame, 1, 1);
 
     // The controls write through the box's properties; its notifications
     // bring them back in step (a refused pattern, limits that moved).

@@ -152,12 +152,11 @@ ProgressBoxWidget* GalleryWindow::bar(QWidget* parent, const QString& name) {
 }
 
 void GalleryWindow::buildStyles(QGridLayout* grid) {
-    QVBoxLayout* body = nullptr;
-    QFrame* frame =
-        Card(this, QStringLiteral("Gradient styles"),
-             QStringLiteral("Linear reveals a fixed gradient; the Gaussian styles peak at the "
-                            "pivot colour where the value stands."),
-             &body);
+    QVBoxLayout* body =
+        GridCard(grid, 0, 0, QStringLiteral("Gradient styles"),
+                 QStringLiteral("Linear reveals a fixed gradient; the Gaussian styles peak at the "
+                                "pivot colour where the value stands."));
+    QWidget* frame = body->parentWidget();
     struct Row {
         const char* name;
         const char* label;
@@ -185,16 +184,13 @@ void GalleryWindow::buildStyles(QGridLayout* grid) {
             b->SetAlignment(ProgressBoxWidget::RightJustify);
         captioned.add(QString::fromUtf8(row.label), b);
     }
-    body->addStretch(1);
-    grid->addWidget(frame, 0, 0);
 }
 
 void GalleryWindow::buildCaptions(QGridLayout* grid) {
-    QVBoxLayout* body = nullptr;
-    QFrame* frame =
-        Card(this, QStringLiteral("Captions and alignment"),
-             QStringLiteral("Text before the rounded percentage, placed left, centred or right."),
-             &body);
+    QVBoxLayout* body = GridCard(
+        grid, 0, 1, QStringLiteral("Captions and alignment"),
+        QStringLiteral("Text before the rounded percentage, placed left, centred or right."));
+    QWidget* frame = body->parentWidget();
     struct Row {
         const char* name;
         const char* label;
@@ -225,19 +221,16 @@ void GalleryWindow::buildCaptions(QGridLayout* grid) {
         b->SetValue(row.value);
         captioned.add(QString::fromUtf8(row.label), b);
     }
-    body->addStretch(1);
-    grid->addWidget(frame, 0, 1);
 }
 
 // ---- The simulated job -------------------------------------------------------------------
 
 void GalleryWindow::buildJob(QGridLayout* grid) {
-    QVBoxLayout* body = nullptr;
-    QFrame* frame =
-        Card(this, QStringLiteral("A timed job"),
-             QStringLiteral("The bar times its run from minimum to maximum and reports elapsed "
-                            "and estimated time through TimerChange."),
-             &body);
+    QVBoxLayout* body =
+        GridCard(grid, 1, 0, QStringLiteral("A timed job"),
+                 QStringLiteral("The bar times its run from minimum to maximum and reports elapsed "
+                                "and estimated time through TimerChange."));
+    QWidget* frame = body->parentWidget();
     jobBar_ = bar(frame, QStringLiteral("job"));
     jobBar_->setMinimumHeight(30);
     jobBar_->SetStartColor(kBlue);
@@ -271,7 +264,6 @@ void GalleryWindow::buildJob(QGridLayout* grid) {
     buttons->addWidget(interval);
     body->addSpacing(6);
     body->addLayout(buttons);
-    body->addStretch(1);
     auto* note = new QLabel(
         QStringLiteral("The estimate is of the whole run, as the bar reports it; what is "
                        "left is the estimate less the time elapsed."),
@@ -281,7 +273,6 @@ void GalleryWindow::buildJob(QGridLayout* grid) {
     body->addWidget(note);
     connect(interval, &QSpinBox::valueChanged, this,
             [this](int ms) { jobBar_->SetTimerChangedInterval(ms); });
-    grid->addWidget(frame, 1, 0);
 
     connect(startButton_, &QPushButton::clicked, this, [this] { startJob(); });
     connect(pauseButton_, &QPushButton::clicked, this, [this] {
@@ -357,10 +348,10 @@ QString GalleryWindow::jobReadout() const { return readout_->text(); }
 // ---- The playground ------------------------------------------------------------------------
 
 void GalleryWindow::buildPlayground(QGridLayout* grid) {
-    QVBoxLayout* body = nullptr;
-    QFrame* frame =
-        Card(this, QStringLiteral("Playground"),
-             QStringLiteral("Change the bar's value, range, style, caption and colours."), &body);
+    QVBoxLayout* body =
+        GridCard(grid, 1, 1, QStringLiteral("Playground"),
+                 QStringLiteral("Change the bar's value, range, style, caption and colours."));
+    QWidget* frame = body->parentWidget();
     playBar_ = bar(frame, QStringLiteral("playground"));
     playBar_->setMinimumHeight(30);
     playBar_->SetStartColor(kBlue);
@@ -442,8 +433,6 @@ void GalleryWindow::buildPlayground(QGridLayout* grid) {
     notified_ = new QLabel(frame);
     notified_->setObjectName(QStringLiteral("cardSubtitle"));
     body->addWidget(notified_);
-    body->addStretch(1);
-    grid->addWidget(frame, 1, 1);
 
     // The controls write through the bar's properties; the bar's
     // notifications bring every control back in step (a clamped value, a
