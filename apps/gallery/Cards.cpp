@@ -23,12 +23,8 @@ QFrame* Card(QWidget* parent, const QString& title, const QString& subtitle, QVB
     auto* layout = new QVBoxLayout(frame);
     layout->setContentsMargins(18, 14, 18, 16);
     layout->setSpacing(8);
-    auto* heading = new QLabel(title, frame);
-    heading->setObjectName(QStringLiteral("cardTitle"));
-    layout->addWidget(heading);
-    auto* sub = new QLabel(subtitle, frame);
-    sub->setObjectName(QStringLiteral("cardSubtitle"));
-    sub->setWordWrap(true);
+    layout->addWidget(Styled(frame, "cardTitle", title));
+    QLabel* sub = Styled(frame, "cardSubtitle", subtitle, true);
     layout->addWidget(sub);
     if (subtitle.isEmpty()) sub->hide();
     layout->addSpacing(4);
@@ -48,9 +44,10 @@ QVBoxLayout* GridCard(QGridLayout* grid, int row, int column, const QString& tit
     return rows;
 }
 
-QLabel* Caption(QWidget* parent, const QString& text) {
+QLabel* Styled(QWidget* parent, const char* look, const QString& text, bool wrap) {
     auto* label = new QLabel(text, parent);
-    label->setObjectName(QStringLiteral("caption"));
+    label->setObjectName(QString::fromLatin1(look));
+    label->setWordWrap(wrap);
     return label;
 }
 

@@ -25,8 +25,15 @@ QFrame* Card(QWidget* parent, const QString& title, const QString& subtitle, QVB
 QVBoxLayout* GridCard(QGridLayout* grid, int row, int column, const QString& title,
                       const QString& subtitle);
 
+// A label in one of the style sheet's looks ("cardTitle", "readout", ...);
+// `wrap` breaks a long text into lines.
+QLabel* Styled(QWidget* parent, const char* look, const QString& text = QString(),
+               bool wrap = false);
+
 // A grey caption for a row of a card.
-QLabel* Caption(QWidget* parent, const QString& text);
+inline QLabel* Caption(QWidget* parent, const QString& text) {
+    return Styled(parent, "caption", text);
+}
 
 // Rows of a card, each a caption of fixed width and a field that takes the
 // rest of the line.

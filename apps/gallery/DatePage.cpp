@@ -151,28 +151,24 @@ void DatePage::buildReadout(QGridLayout* grid) {
         GridCard(grid, 1, 0, QStringLiteral("Value and ValueDB"),
                  QStringLiteral("What the program reads from the box you last worked in."));
     QWidget* frame = body->parentWidget();
-    watchedName_ = new QLabel(frame);
-    watchedName_->setObjectName(QStringLiteral("cardTitle"));
-    valueLine_ = new QLabel(frame);
-    valueDBLine_ = new QLabel(frame);
-    eventLine_ = new QLabel(QStringLiteral("Last event: none"), frame);
-    for (QLabel* l : {valueLine_, valueDBLine_}) l->setObjectName(QStringLiteral("readout"));
-    eventLine_->setObjectName(QStringLiteral("cardSubtitle"));
+    watchedName_ = Styled(frame, "cardTitle");
+    valueLine_ = Styled(frame, "readout");
+    valueDBLine_ = Styled(frame, "readout");
+    eventLine_ = Styled(frame, "cardSubtitle", QStringLiteral("Last event: none"));
     body->addWidget(watchedName_);
     body->addWidget(valueLine_);
     body->addWidget(valueDBLine_);
     body->addWidget(eventLine_);
     body->addSpacing(6);
-    auto* keys = new QLabel(
+    QLabel* keys = Styled(
+        frame, "cardSubtitle",
         QStringLiteral(
             "<b>Keys</b>: digits type over the field \u00b7 <b>\u2191 \u2193</b> step by "
             "SmallChange, "
             "<b>Page Up/Down</b> by LargeChange \u00b7 <b>\u2190 \u2192 Enter</b> move \u00b7 "
             "<b>Delete Backspace</b> clear \u00b7 <b>F5</b> today \u00b7 <b>F4 Alt+\u2193</b> "
             "calendar"),
-        frame);
-    keys->setObjectName(QStringLiteral("cardSubtitle"));
-    keys->setWordWrap(true);
+        true);
     keys->setTextFormat(Qt::RichText);
     body->addWidget(keys);
 }

@@ -89,16 +89,12 @@ GalleryWindow::GalleryWindow(QWidget* parent) : QWidget(parent) {
     outer->setContentsMargins(28, 24, 28, 16);
     outer->setSpacing(16);
 
-    auto* title = new QLabel(QStringLiteral("Kelvarin Gallery"), this);
-    title->setObjectName(QStringLiteral("title"));
-    auto* subtitle = new QLabel(
+    outer->addWidget(Styled(this, "title", QStringLiteral("Kelvarin Gallery")));
+    outer->addWidget(Styled(
+        this, "subtitle",
         QStringLiteral("The Kelvarin controls at work: every bar and every date field here is one "
                        "control, set up through its properties."),
-        this);
-    subtitle->setObjectName(QStringLiteral("subtitle"));
-    subtitle->setWordWrap(true);
-    outer->addWidget(title);
-    outer->addWidget(subtitle);
+        true));
 
     tabs_ = new QTabWidget(this);
     tabs_->setObjectName(QStringLiteral("pages"));
@@ -127,8 +123,7 @@ GalleryWindow::GalleryWindow(QWidget* parent) : QWidget(parent) {
     tabs_->addTab(formPage, QStringLiteral("Form"));
     tabs_->setTabVisible(kFormTab, false);
 
-    statusLine_ = new QLabel(this);
-    statusLine_->setObjectName(QStringLiteral("status"));
+    statusLine_ = Styled(this, "status");
     outer->addWidget(statusLine_);
     showStatus(QStringLiteral("Ready."));
 
@@ -239,12 +234,10 @@ void GalleryWindow::buildJob(QGridLayout* grid) {
     jobBar_->SetTimerChangedInterval(250);
     body->addWidget(jobBar_);
 
-    readout_ = new QLabel(QStringLiteral("Press Start to run the job."), frame);
-    readout_->setObjectName(QStringLiteral("readout"));
+    readout_ = Styled(frame, "readout", QStringLiteral("Press Start to run the job."));
     body->addWidget(readout_);
 
-    eventLine_ = new QLabel(QStringLiteral("Last event: none"), frame);
-    eventLine_->setObjectName(QStringLiteral("cardSubtitle"));
+    eventLine_ = Styled(frame, "cardSubtitle", QStringLiteral("Last event: none"));
     body->addWidget(eventLine_);
 
     auto* buttons = new QHBoxLayout;
@@ -264,13 +257,11 @@ void GalleryWindow::buildJob(QGridLayout* grid) {
     buttons->addWidget(interval);
     body->addSpacing(6);
     body->addLayout(buttons);
-    auto* note = new QLabel(
-        QStringLiteral("The estimate is of the whole run, as the bar reports it; what is "
-                       "left is the estimate less the time elapsed."),
-        frame);
-    note->setObjectName(QStringLiteral("cardSubtitle"));
-    note->setWordWrap(true);
-    body->addWidget(note);
+    body->addWidget(
+        Styled(frame, "cardSubtitle",
+               QStringLiteral("The estimate is of the whole run, as the bar reports it; what is "
+                              "left is the estimate less the time elapsed."),
+               true));
     connect(interval, &QSpinBox::valueChanged, this,
             [this](int ms) { jobBar_->SetTimerChangedInterval(ms); });
 
@@ -430,8 +421,7 @@ void GalleryWindow::buildPlayground(QGridLayout* grid) {
     form->addLayout(colours, 4, 1);
     body->addLayout(form);
 
-    notified_ = new QLabel(frame);
-    notified_->setObjectName(QStringLiteral("cardSubtitle"));
+    notified_ = Styled(frame, "cardSubtitle");
     body->addWidget(notified_);
 
     // The controls write through the bar's properties; the bar's
