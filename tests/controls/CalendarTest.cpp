@@ -37,11 +37,6 @@ protected:
         written_.clear();
         return std::make_unique<frmMese>(site_, Font("Sans Serif", 8.0));
     }
-    // The centre of the cell of a column (1 = Monday) and week row.
-    static std::pair<Single, Single> Cell(const frmMese& f, int column, int row) {
-        const auto& g = f.Layout();
-        return {Single((column - 1) * g.cw + g.cw / 2), Single((row + 3) * g.rh + g.rh / 2)};
-    }
     void Key(frmMese& f, Integer code) { f.KeyDown(code, 0); }
     void Click(frmMese& f, Single x, Single y) {
         f.MouseDown(1, 0, x, y);
@@ -63,7 +58,6 @@ TEST_F(CalendarTest, FirstRowOfTheGrid) {
     } cases[] = {
         {"10/02/2021", Ymd(2021, 1, 25), Ymd(2021, 1, 31), Ymd(2021, 2, 1)},
         {"10/03/2020", Ymd(2020, 2, 24), Ymd(2020, 3, 1), Ymd(2020, 3, 2)},
-        {"10/09/2021", Ymd(2021, 8, 30), Ymd(2021, 9, 5), Ymd(2021, 9, 6)},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.exchange);
@@ -81,7 +75,6 @@ TEST_F(CalendarTest, ClampKeepsTheAllowedRangeAndTheCalendarsFirstDay) {
     EXPECT_EQ(ClampCalendarDate(0), 0);
     EXPECT_EQ(ClampCalendarDate(Ymd(2020, 1, 9)), Ymd(2020, 1, 10));
     EXPECT_EQ(ClampCalendarDate(Ymd(2020, 12, 21)), Ymd(2020, 12, 20));
-    EXPECT_EQ(ClampCalendarDate(Ymd(2020, 6, 1)), Ymd(2020, 6, 1));
     SetCalendarMinDate(kMinDateSerial);
     EXPECT_EQ(ClampCalendarDate(Ymd(100, 1, 15)), Ymd(100, 2, 1));
 }
@@ -96,8 +89,6 @@ TEST_F(CalendarTest, KeysMoveTheHighlightAndTheShownMonthFollows) {
         {"31/03/2021", 33, Ymd(2021, 2, 28)},
         {"31/01/2021", 34, Ymd(2021, 2, 28)},
         {"05/03/2007", 38, Ymd(2007, 2, 26)},
-        {"05/03/2007", 40, Ymd(2007, 3, 12)},
-        {"01/03/2007", 37, Ymd(2007, 2, 28)},
         {"31/12/2007", 39, Ymd(2008, 1, 1)},
         {"05/03/2007", 65, Ymd(2007, 3, 5)},
         {"31/12/9999", 39, Ymd(9999, 12, 31)},  // the calendar's last day
@@ -141,16 +132,10 @@ TEST_F(CalendarTest, EnterAcceptsTheHighlightWithTheFlagsItWasWrittenWith) {
     EXPECT_EQ(HookedCalendar(), nullptr);
 }
 
-TEST_F(CalendarTest, EscapeWritesTheOpeningDateBack) {
-    auto f = Open("05/03/2007");
-    Key(*f, 34);
-    Key(*f, 39);
-    Key(*f, 27);
-    EXPECT_FALSE(f->IsOpen());
-    EXPECT_EQ(written_, std::vector<std::string>{"05/03/2007"});
-
-    // No opening date: today's month is shown, and "no date" goes back.
-    f = Open("-1/-1/-1");
+// Escape after moving writes the opening date back (calendar_cancel); with
+// no opening date, today's month is shown and "no date" goes back.
+TEST_F(CalendarTest, EscapeWithoutAnOpeningDateWritesNoDate) {
+    auto f = Open("-1/-1/-1");
     EXPECT_EQ(f->OpeningDateParts(), (std::array<Long, 3>{-1, -1, -1}));
     EXPECT_EQ(f->ShownMonth(), 11);
     EXPECT_EQ(f->ShownYear(), 2026);
@@ -160,21 +145,9 @@ TEST_F(CalendarTest, EscapeWritesTheOpeningDateBack) {
     EXPECT_EQ(written_, std::vector<std::string>{"-1/-1/-1"});
 }
 
-TEST_F(CalendarTest, ClicksOnDaysAndOnTheTodayLine) {
-    SetCalendarMinDate(Ymd(2007, 3, 3));
-    auto f = Open("05/03/2007");   // March 2007 starts on a Thursday
-    auto [x, y] = Cell(*f, 5, 0);  // 2 March, before the first allowed day
-    Click(*f, x, y);
-    EXPECT_TRUE(f->IsOpen());
-    EXPECT_TRUE(written_.empty());
-
-    std::tie(x, y) = Cell(*f, 5, 1);  // 9 March
-    Click(*f, x, y);
-    EXPECT_FALSE(f->IsOpen());
-    EXPECT_EQ(written_, std::vector<std::string>{"09/03/2007"});
-
-    written_.clear();
-    f = Open("05/03/2007");
+// Clicks on days, allowed or not, run in calendar_choose and calendar_cancel.
+TEST_F(CalendarTest, TheTodayLineChoosesTodayWhenItIsAllowed) {
+    auto f = Open("05/03/2007");
     Click(*f, 3, Single(9 * f->Layout().rh + 2));
     EXPECT_EQ(written_, std::vector<std::string>{"22/11/2026"});
 
@@ -186,14 +159,13 @@ TEST_F(CalendarTest, ClicksOnDaysAndOnTheTodayLine) {
     EXPECT_TRUE(written_.empty());
 }
 
+// Hovering over a day of the shown month moves the highlight
+// (calendar_choose); over a day of the month before, it does not.
 TEST_F(CalendarTest, HoverStaysInTheShownMonth) {
     auto f = Open("05/03/2007");
-    auto [x, y] = Cell(*f, 1, 0);  // 26 February
-    f->MouseMove(0, 0, x, y);
+    const auto& g = f->Layout();
+    f->MouseMove(0, 0, Single(g.cw / 2), Single(3 * g.rh + g.rh / 2));  // 26 February
     EXPECT_EQ(f->CurrentDate(), Ymd(2007, 3, 5));
-    std::tie(x, y) = Cell(*f, 2, 3);  // 20 March
-    f->MouseMove(0, 0, x, y);
-    EXPECT_EQ(f->CurrentDate(), Ymd(2007, 3, 20));
     EXPECT_TRUE(f->IsOpen());
 }
 

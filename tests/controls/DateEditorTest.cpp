@@ -5,9 +5,9 @@
 
 #include <functional>
 
-#include "common/HostError.h"
 #include "controls/datebox/ChangeFlags.h"
 #include "host/Keys.h"
+#include "tests/ErrorOf.h"
 
 namespace kelvarin::controls {
 namespace {
@@ -68,19 +68,17 @@ protected:
         }
         return view;
     }
-    // One character a key: digits, and < > E e D B U u P p T for Left, Right,
-    // Enter, Shift+Enter, Delete, Backspace, Up, Down, PageUp, PageDown, F5.
+    // One character a key: digits, and < D U u P p T for Left, Delete, Up,
+    // Down, PageUp, PageDown, F5.
     void Keys(std::string_view keys) {
         using namespace host;
-        constexpr std::string_view kNames = "<>EeDBUuPpT";
-        constexpr Integer kCodes[] = {kKeyLeft,   kKeyRight,    kKeyReturn, kKeyReturn,
-                                      kKeyDelete, kKeyBack,     kKeyUp,     kKeyDown,
+        constexpr std::string_view kNames = "<DUuPpT";
+        constexpr Integer kCodes[] = {kKeyLeft,   kKeyDelete,   kKeyUp, kKeyDown,
                                       kKeyPageUp, kKeyPageDown, kKeyF5};
         for (char k : keys) {
             const std::size_t i = kNames.find(k);
             const Integer code = i == kNames.npos ? kKey0 + (k - '0') : kCodes[i];
-            const Integer shift = k == 'e' ? kShiftMask : 0;
-            EXPECT_EQ(editor_.Key(code, shift), DateEditor::KeyOutcome::Done);
+            EXPECT_EQ(editor_.Key(code, 0), DateEditor::KeyOutcome::Done);
         }
     }
 
@@ -92,8 +90,7 @@ protected:
 // ---- Keys -------------------------------------------------------------------
 
 TEST_F(DateEditorTest, KeysEditTheFieldWithTheCursor) {
-    const EditRules required{.nullable = false}, fromXmas{.minDate = kXmas},
-        toXmas{.maxDate = kXmas}, oddSteps{.smallChange = 3, .largeChange = -2},
+    const EditRules toXmas{.maxDate = kXmas}, oddSteps{.smallChange = 3, .largeChange = -2},
         hugeSteps{.largeChange = 2000000000};
     struct Case {
         const char* pattern;
@@ -104,59 +101,32 @@ TEST_F(DateEditorTest, KeysEditTheFieldWithTheCursor) {
         int changes;
         EditRules rules = {};
     };
+    // The basic cases of each key (typing and wrapping, Enter completing a
+    // year, Left and Right, Delete and Backspace on digits walking back
+    // across fields, steps by day, month, week and quarter, the lower limit,
+    // F5 and its limit) run end to end in the datebox_keys_*.khs scripts;
+    // these rows hold the rest.
     const Case cases[] = {
-        // Typing overwrites under a one-character cursor; the last digit of
-        // a field moves on, and the last field wraps to the first.
-        {"dd/mm/yyyy", 0, 1, "2", "2[_]/__/____", 1},
-        {"dd/mm/yyyy", 0, 1, "25122007", "[25]/12/2007", 8},
-        {"dd/mm/yyyy", kXmas, 1, "07", "07/[12]/2007", 2},
         {"yyyy", 0, 1, "1999", "[1999]", 4},  // one field wraps onto itself
-        // A partly typed year is this century's when Enter leaves it.
-        {"dd/mm/yyyy", 0, 3, "7E", "[__]/__/2007", 2},
-        {"dd/mm/yyyy", kXmas, 2, "e", "[25]/12/2007", 0},
-        // Right always leaves the box; Left walks back one character, then
-        // into the last character of the previous field, cyclically.
-        {"dd/mm/yyyy", kXmas, 1, ">", "25/[12]/2007", 0},
-        {"dd/mm/yyyy", kXmas, 2, "<", "25/1[2]/2007", 0},
-        {"dd/mm/yyyy", kXmas, 2, "<<", "25/[1]2/2007", 0},
-        {"dd/mm/yyyy", kXmas, 2, "<<<", "2[5]/12/2007", 0},
-        {"dd/mm/yyyy", kXmas, 1, "<<<", "25/12/200[7]", 0},
+        // Left reaches a name field whole; Delete blanks it as wide as it is
+        // measured, and it takes no digits.
         {"dd mmmm yyyy", kXmas, 3, "<<<<<", "25 [dicembre] 2007", 0},
         {"dd mmmm yyyy", kXmas, 2, "<", "[25] dicembre 2007", 0},
-        // Delete blanks the character under the cursor, or the whole field.
-        {"dd/mm/yyyy", kXmas, 1, "<D", "2[_]/12/2007", 1},
-        {"dd/mm/yyyy", kXmas, 1, "D", "[]__/12/2007", 1},
         {"dd mmmm yyyy", kXmas, 2, "D", "25 []_________ 2007", 1},
-        // Backspace blanks the character under the cursor and walks back; a
-        // whole field is emptied and left, unless it may not be blank.
-        {"dd/mm/yyyy", kXmas, 2, "<B", "25/[1]_/2007", 1},
-        {"dd/mm/yyyy", kXmas, 2, "<BB", "2[5]/__/2007", 2},
-        {"dd/mm/yyyy", kXmas, 2, "B", "[25]/__/2007", 1},
-        {"dd/mm/yyyy", kXmas, 2, "B", "25/[__]/2007", 1, required},
-        // Name fields take no digits.
         {"dd mmmm yyyy", kXmas, 2, "5", "25 [dicembre] 2007", 0},
-        // Steps follow the calendar; blank fields other than this one stay
-        // blank, and a step past MinDate..MaxDate does nothing.
-        {"dd/mm/yyyy", kXmas, 1, "U", "[26]/12/2007", 1},
-        {"dd/mm/yyyy", Ymd(2001, 1, 31), 1, "U", "[01]/02/2001", 1},
-        {"dd/mm/yyyy", Ymd(2001, 1, 31), 2, "U", "28/[02]/2001", 1},
-        {"dd/mm/yyyy", 0, 1, "U", "[02]/__/____", 1},  // from 1 August 2000
+        // Steps: a blank month from August 2000, the upper limit, odd and
+        // negative sizes, past the calendar, names and times wrapping.
         {"dd/mm/yyyy", 0, 2, "u", "__/[07]/____", 1},
-        {"dd/mm/yyyy", kXmas, 3, "P", "25/12/[2017]", 1},
-        {"dd/mm/yyyy", kXmas, 1, "u", "[25]/12/2007", 0, fromXmas},
         {"dd/mm/yyyy", kXmas, 1, "U", "[25]/12/2007", 0, toXmas},
         {"dd/mm/yyyy", kXmas, 2, "Up", "25/[05]/2008", 2, oddSteps},
-        {"dd/mm/yyyy", kXmas, 3, "P", "25/12/[2007]", 0, hugeSteps},  // past the calendar
+        {"dd/mm/yyyy", kXmas, 3, "P", "25/12/[2007]", 0, hugeSteps},
         {"dd mmmm yyyy", kXmas, 2, "U", "25 [gennaio] 2008", 1},
         {"dddd dd", kXmas, 1, "U", "[mercoledì] 26", 1},
-        {"dd ww yyyy", kXmas, 2, "U", "01 [1] 2008", 1},  // a week on
-        {"q yyyy", kXmas, 1, "u", "[3] 2007", 1},         // a quarter back
         {"hh:nn", TimeSerial(23, 30, 0), 1, "U", "[00]:30", 1},
-        // F5 sets today and keeps the cursor where it was; nothing when
-        // today lies outside the limits.
-        {"dd/mm/yyyy", 0, 2, "T", "22/[1]1/2026", 1},
+        {"hh:nn:ss", TimeSerial(10, 0, 59), 3, "U", "10:01:[00]", 1},
+        // F5 keeps a cursor inside a field where it was, and sets a time to
+        // midnight.
         {"dd/mm/yyyy", 0, 2, "<T", "22/1[1]/2026", 1},
-        {"dd/mm/yyyy", kXmas, 2, "T", "25/[12]/2007", 0, toXmas},
         {"hh:nn", TimeSerial(10, 0, 0), 1, "T", "[0]0:00", 1},
     };
     for (const Case& c : cases) {
@@ -170,19 +140,12 @@ TEST_F(DateEditorTest, KeysEditTheFieldWithTheCursor) {
     }
 }
 
-TEST_F(DateEditorTest, CalendarKeysAreLeftToTheControlAndNumericPadDigitsType) {
+// F4, Alt+Down and Ctrl+Down open the calendar (datebox_keys_events);
+// Shift+Down does too.
+TEST_F(DateEditorTest, ShiftDownOpensTheCalendar) {
     Start("dd/mm/yyyy", kXmas, 2);
-    using enum DateEditor::KeyOutcome;
-    EXPECT_EQ(editor_.Key(host::kKeyF4, 0), OpenCalendar);
-    EXPECT_EQ(editor_.Key(host::kKeyDown, host::kAltMask), OpenCalendar);
-    EXPECT_EQ(editor_.Key(host::kKeyDown, host::kShiftMask), OpenCalendar);
-    for (Integer key : {host::kKeyUp, host::kKeyPageUp, host::kKeyPageDown})
-        EXPECT_EQ(editor_.Key(key, host::kShiftMask), Done);  // and do nothing
-    EXPECT_EQ(editor_.Key(host::kKeyA, 0), Done);
+    EXPECT_EQ(editor_.Key(host::kKeyDown, host::kShiftMask), DateEditor::KeyOutcome::OpenCalendar);
     EXPECT_EQ(View(), "25/[12]/2007");
-    EXPECT_EQ(context_.changes, 0);
-    EXPECT_EQ(editor_.Key(host::kKeyNumpad0 + 2, 0), Done);
-    EXPECT_EQ(View(), "25/2[_]/2007");
 }
 
 // A key arriving while another is being worked (from a Change handler, say)
@@ -202,12 +165,8 @@ TEST_F(DateEditorTest, AKeyIsDroppedWhileAnotherIsWorked) {
 TEST_F(DateEditorTest, AStepThatOverflowsIsTheHostsError) {
     context_.rules.smallChange = 400000000;
     Start("dd ww yyyy", kXmas, 2);
-    try {
-        editor_.Key(host::kKeyUp, 0);  // 7 x 400000000 leaves 32 bits
-        ADD_FAILURE() << "no overflow";
-    } catch (const HostError& e) {
-        EXPECT_EQ(e.Number(), 6);
-    }
+    // 7 x 400000000 leaves 32 bits.
+    EXPECT_EQ(test::ErrorOf([&] { editor_.Key(host::kKeyUp, 0); }), 6);
     EXPECT_TRUE(editor_.Ready());
 }
 
@@ -225,8 +184,6 @@ TEST_F(DateEditorTest, CommitCompletesAndClampsTheFieldBeingLeft) {
         int changes;  // one for a stored part that differs, one more for a correction
     };
     const Case cases[] = {
-        {"dd/mm/yyyy", kXmas, 3, "7___", true, "25/12/2007", true, 1},
-        {"dd/mm/yyyy", kXmas, 3, "13__", true, "25/12/2013", true, 1},
         {"dd/mm/yyyy", kXmas, 3, "0___", true, "25/12/2000", true, 1},
         {"dd/mm/yyyy", kXmas, 3, "9999", true, "25/12/9980", true, 2},
         {"dd/mm/yyyy", kXmas, 3, "0050", true, "25/12/0100", true, 2},
@@ -235,11 +192,6 @@ TEST_F(DateEditorTest, CommitCompletesAndClampsTheFieldBeingLeft) {
         {"dd/mm/yyyy", kXmas, 2, "5_", true, "25/05/2007", true, 0},
         {"dd/mm/yyyy", kXmas, 1, "0_", true, "__/12/2007", true, 0},
         {"dd/mm/yyyy", kXmas, 1, "0_", false, "0_/12/2007", false, 0},
-        {"dd/mm/yyyy", kXmas, 1, "__", true, "__/12/2007", true, 0},
-        {"dd/mm/yyyy", kXmas, 1, "__", false, "__/12/2007", false, 0},
-        {"dd/mm/yyyy", Ymd(2001, 2, 1), 1, "31", true, "28/02/2001", true, 2},
-        {"dd/mm/yyyy", Ymd(2000, 2, 1), 1, "31", true, "29/02/2000", true, 2},
-        {"dd/mm/yyyy", Ymd(2007, 4, 1), 1, "31", true, "30/04/2007", true, 2},
         // A new month or year shortens a day that no longer fits; a blank
         // day stays blank.
         {"dd/mm/yyyy", Ymd(2007, 3, 31), 2, "04", true, "30/04/2007", true, 2},
@@ -247,7 +199,6 @@ TEST_F(DateEditorTest, CommitCompletesAndClampsTheFieldBeingLeft) {
         {"dd/mm/yyyy", 0, 3, "2001", true, "__/__/2001", true, 0},
         {"hh:nn", TimeSerial(10, 0, 0), 1, "0_", true, "00:00", true, 0},
         {"hh:nn", TimeSerial(10, 0, 0), 2, "99", true, "10:59", true, 2},
-        {"hh:nn", TimeSerial(10, 0, 0), 1, "4_", true, "04:00", true, 0},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(std::string(c.pattern) + " box " + std::to_string(c.box) + " " + c.typed);
@@ -276,17 +227,6 @@ TEST_F(DateEditorTest, ADayIsClampedToTheLengthOfItsMonth) {
         editor_.CommitBox(1);
         EXPECT_EQ(editor_.Parts()[kDay], m.days) << m.year << "-" << m.month;
     }
-}
-
-TEST_F(DateEditorTest, ABlankFieldOfARequiredValueKeepsTheCursor) {
-    context_.rules.nullable = false;
-    Start("dd/mm/yyyy", kXmas);
-    Keys("D");
-    EXPECT_FALSE(editor_.FocusBox(3));
-    EXPECT_EQ(editor_.Current(), 1);
-    Keys("4");
-    EXPECT_TRUE(editor_.FocusBox(3));
-    EXPECT_EQ(View(), "04/12/[2007]");
 }
 
 // ---- Parts and boxes --------------------------------------------------------
@@ -320,10 +260,7 @@ TEST_F(DateEditorTest, SetPartRewritesEveryOtherBoxOfThePartAndFollowsTheFlags) 
 TEST_F(DateEditorTest, APatternGivesEachFieldABoxAndOnlyTheFirstIsATabStop) {
     Start("c", 0, 6);
     EXPECT_EQ(boxes_.Count(), 6);
-    for (int i = 1; i <= 6; ++i) {
-        EXPECT_EQ(boxes_(i).tabStop, i == 1) << i;
-        EXPECT_EQ(editor_.TokenOfBox(i)->controlIndex, i);
-    }
+    for (int i = 1; i <= 6; ++i) EXPECT_EQ(boxes_(i).tabStop, i == 1) << i;
     editor_.SetPattern("hh:nn");
     EXPECT_EQ(boxes_.Count(), 2);
     EXPECT_EQ(editor_.Current(), 1);  // its box went away

@@ -13,7 +13,8 @@ namespace {
 
 bool KnownClass(std::string_view c) { return c == "ProgressBox" || c == "DateBox"; }
 
-std::string ErrorOf(std::string_view text) {
+// The message ReadForm refuses a text with, or "" when it reads.
+std::string ReadError(std::string_view text) {
     try {
         ReadForm(text, "form.json", KnownClass);
     } catch (const FormError& e) {
@@ -42,13 +43,7 @@ TEST(PropertyBag, DefaultsAreNotStoredAndTheLastWriteWins) {
 
 TEST(FormFile, EveryKindOfValueSurvivesARoundTrip) {
     Form form;
-    FormControl c;
-    c.className = "DateBox";
-    c.name = "when1";
-    c.left = -5;
-    c.top = 7;
-    c.width = 120;
-    c.height = 21;
+    FormControl c{"DateBox", "when1", -5, 7, 120, 21, {}};
     c.properties.Set("Value", Variant::FromDate(-1.25));
     c.properties.Set("MaxDate", Variant::FromDate(DateSerial(9999, 12, 31)));
     c.properties.Set("Nullable", Variant(false));
@@ -133,30 +128,22 @@ TEST(FormFile, HostileFilesAreRefusedNamingThePlace) {
         {std::string(100000, '{'), "nested more than 32 deep"},
     };
     for (const auto& row : rows) {
-        const std::string error = ErrorOf(row.text);
+        const std::string error = ReadError(row.text);
         EXPECT_NE(error.find(row.expected), std::string::npos)
             << "input: " << row.text.substr(0, 120) << "\nerror: " << error;
     }
 }
 
-TEST(FormFile, ReadingAValueOfTheWrongKindNamesIt) {
+// A text where a number belongs is refused by name in progressbox_persist
+// (broken.json); a number where a text belongs is refused too, and a
+// default of no kind takes any.
+TEST(FormFile, ReadingAValueOfTheWrongKindFails) {
     MemoryPropertyBag stored;
-    stored.Set("Value", Variant("fifty"));
     stored.Set("Text", Variant(Long(3)));
     FormPropertyBag bag(stored, "bar1");
     EXPECT_EQ(bag.ReadProperty("Missing", Variant(2.0)).ToDouble(), 2.0);
-    EXPECT_THROW(
-        {
-            try {
-                bag.ReadProperty("Value", Variant(0.0));
-            } catch (const FormError& e) {
-                EXPECT_STREQ(e.what(), "bar1.Value: expected a number, found a text");
-                throw;
-            }
-        },
-        FormError);
     EXPECT_THROW(bag.ReadProperty("Text", Variant("")), FormError);
-    EXPECT_TRUE(bag.ReadProperty("Value", Variant()).Type() == VarType::String);
+    EXPECT_EQ(bag.ReadProperty("Text", Variant()).ToLong(), 3);
 }
 
 TEST(FormFile, SavingReplacesTheFileWhole) {
@@ -166,9 +153,8 @@ TEST(FormFile, SavingReplacesTheFileWhole) {
     Form form;
     form.controls.push_back({"ProgressBox", "bar1", 1, 2, 3, 4, {}});
     SaveFormFile(path, form);
-    const Form back = LoadFormFile(path, KnownClass);
-    ASSERT_EQ(back.controls.size(), 1u);
-    EXPECT_EQ(back.controls[0].width, 3);
+    SaveFormFile(path, Form{});  // a shorter form over a longer one
+    EXPECT_TRUE(LoadFormFile(path, KnownClass).controls.empty());
     EXPECT_FALSE(std::filesystem::exists(dir / "form.json.tmp"));
     EXPECT_THROW(LoadFormFile(dir / "missing.json", KnownClass), FormError);
     std::filesystem::remove_all(dir);

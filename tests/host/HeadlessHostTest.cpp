@@ -2,10 +2,12 @@
 
 #include <gtest/gtest.h>
 
-#include "common/HostError.h"
+#include "tests/ErrorOf.h"
 
 namespace kelvarin::host::headless {
 namespace {
+
+using kelvarin::test::ErrorOf;
 
 // A control that counts its timer's ticks and keeps the focus when asked to.
 class Ticker : public Control {
@@ -51,7 +53,7 @@ TEST(HeadlessHost, TimersFireInTimeOrderAndTheTickWraps) {
     a->Clock().SetInterval(50);  // a new interval counts from now
     host.Advance(120);
     EXPECT_EQ(log, (std::vector<std::string>{"a@1350", "a@1400"}));
-    EXPECT_THROW(a->Clock().SetInterval(-1), HostError);
+    EXPECT_EQ(ErrorOf([&] { a->Clock().SetInterval(-1); }), 380);
 
     host.SetTickCount(0xFFFFFFF0u);
     log.clear();
@@ -65,7 +67,7 @@ TEST(HeadlessHost, TimersFireInTimeOrderAndTheTickWraps) {
     b->Clock().SetInterval(10);
     b->Clock().SetEnabled(true);
     log.clear();
-    EXPECT_THROW(host.Advance(10), HostError);
+    EXPECT_EQ(ErrorOf([&] { host.Advance(10); }), 6);
     EXPECT_EQ(log, (std::vector<std::string>{"a@14", "b@19"}));
     EXPECT_EQ(host.TickCount(), 19u);
 }
@@ -83,8 +85,7 @@ TEST(HeadlessHost, FocusMovesUnlessTheFocusedControlKeepsIt) {
     a->keepFocus = false;
     EXPECT_TRUE(host.SetFocus(&pb));
     EXPECT_EQ(log, (std::vector<std::string>{"a got focus", "a lost focus", "b got focus"}));
-    EXPECT_EQ(host.Find("B"), &pb);
-    host.Remove("b");
+    host.Remove("B");  // names in any case
     EXPECT_EQ(host.Focused(), nullptr);
 }
 
@@ -145,24 +146,18 @@ TEST(RasterSurface, LinesBlitsAndFocusRectangles) {
     EXPECT_EQ(s.GetPixel({0, 0}), RGB(0, 0, 0));
 }
 
+// The 8-point font's 7 pixels a character and 15 a line, and its blocks of
+// ink, are in every script's layouts and pixels.
 TEST(RasterSurface, HeadlessFontMetrics) {
     auto raster = std::make_shared<Raster>();
     raster->Resize(100, 40, 0);
     RasterSurface s(raster, {0, 0, 100, 40});
-    EXPECT_EQ(s.MeasureText("abc", Font("Any", 8)), (Size{21, 15}));
     EXPECT_EQ(s.MeasureText("è!", Font("Any", 12, true)), (Size{2 * 11, 22}));
     EXPECT_EQ(CharWidth(Font("Any", 4)), 4);    // 3.5 rounds to even
     EXPECT_EQ(CharWidth(Font("Any", 20)), 18);  // 17.5 rounds to even
     Rect r{0, 0, 100, 40};
     EXPECT_EQ(s.DrawText("ab", r, DT_CALCRECT, Font("Any", 8), 0), 15);
     EXPECT_EQ(r, (Rect{0, 0, 14, 15}));
-    r = {0, 0, 100, 40};
-    s.DrawText("a", r, DT_SINGLELINE | DT_CENTER | DT_VCENTER, Font("Any", 8), RGB(9, 9, 9));
-    // One block for the one character, at x = (100 - 7) / 2, a pixel apart from the next.
-    EXPECT_EQ(s.GetPixel({46, 14}), RGB(9, 9, 9));
-    EXPECT_EQ(s.GetPixel({51, 24}), RGB(9, 9, 9));
-    EXPECT_EQ(s.GetPixel({45, 14}), 0u);
-    EXPECT_EQ(s.GetPixel({52, 14}), 0u);
 }
 
 }  // namespace

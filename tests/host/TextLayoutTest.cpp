@@ -11,60 +11,40 @@
 namespace kelvarin::host {
 namespace {
 
-int Measure(std::string_view s) { return Utf8Length(s) * 5; }
-
-struct Placed {
-    std::string text;
-    int x, y, accessIndex;
-};
-
-std::vector<Placed> Lines(std::string_view text, const Rect& rect, unsigned format,
-                          TextExtent* extent = nullptr) {
-    std::vector<Placed> out;
-    const TextExtent e = LayoutText(text, rect, format, Measure, 12, [&](const TextLine& l) {
-        out.push_back({std::string(l.text), l.x, l.y, l.accessIndex});
-    });
-    if (extent) *extent = e;
-    return out;
-}
-
+// Characters 5 pixels wide, lines 12 high, in a box 10 characters wide:
+// each line as "text x,y", with "^N" for an access key at byte N, then the
+// extent as "WxH".
 TEST(TextLayout, WordBreakAlignmentAndAccessKeys) {
-    const Rect box{10, 20, 60, 120};  // 10 characters wide
-    TextExtent extent;
-    auto t = Lines("the quick brown fox", box, DT_WORDBREAK | DT_CENTER, &extent);
-    ASSERT_EQ(t.size(), 2u);
-    EXPECT_EQ(t[0].text, "the quick");
-    EXPECT_EQ(t[0].x, 10 + (50 - 45) / 2);
-    EXPECT_EQ(t[1].text, "brown fox");
-    EXPECT_EQ(t[1].y, 32);
-    EXPECT_EQ(extent.height, 24);
-    EXPECT_EQ(extent.width, 45);
-
-    t = Lines("a verylongwordindeed b", box, DT_WORDBREAK);
-    ASSERT_EQ(t.size(), 3u);  // a long word keeps a line of its own
-    EXPECT_EQ(t[1].text, "verylongwordindeed");
-    EXPECT_EQ(t[2].text, "b");
-
-    t = Lines("&Save && go", box, DT_SINGLELINE | DT_RIGHT | DT_VCENTER);
-    ASSERT_EQ(t.size(), 1u);
-    EXPECT_EQ(t[0].text, "Save & go");
-    EXPECT_EQ(t[0].accessIndex, 0);
-    EXPECT_EQ(t[0].x, 60 - 45);
-    EXPECT_EQ(t[0].y, 20 + (100 - 12) / 2);
-
-    t = Lines("&Save", box, DT_SINGLELINE | DT_NOPREFIX | DT_BOTTOM);
-    EXPECT_EQ(t[0].text, "&Save");
-    EXPECT_EQ(t[0].accessIndex, -1);
-    EXPECT_EQ(t[0].y, 108);
-
-    t = Lines("one\r\ntwo &x", box, DT_LEFT);
-    ASSERT_EQ(t.size(), 2u);
-    EXPECT_EQ(t[1].text, "two x");
-    EXPECT_EQ(t[1].accessIndex, 4);
-
-    t = Lines("", box, DT_WORDBREAK);
-    ASSERT_EQ(t.size(), 1u);  // an empty text is one empty line
-    EXPECT_EQ(t[0].text, "");
+    const Rect box{10, 20, 60, 120};
+    const struct {
+        const char* text;
+        unsigned format;
+        std::vector<std::string> out;
+    } cases[] = {
+        {"the quick brown fox",
+         DT_WORDBREAK | DT_CENTER,
+         {"the quick 12,20", "brown fox 12,32", "45x24"}},
+        // A word longer than the box keeps a line of its own.
+        {"a verylongwordindeed b",
+         DT_WORDBREAK,
+         {"a 10,20", "verylongwordindeed 10,32", "b 10,44", "90x36"}},
+        {"&Save && go", DT_SINGLELINE | DT_RIGHT | DT_VCENTER, {"Save & go 15,64^0", "45x12"}},
+        {"&Save", DT_SINGLELINE | DT_NOPREFIX | DT_BOTTOM, {"&Save 10,108", "25x12"}},
+        {"one\r\ntwo &x", DT_LEFT, {"one 10,20", "two x 10,32^4", "25x24"}},
+        {"", DT_WORDBREAK, {" 10,20", "0x12"}},  // an empty text is one empty line
+    };
+    for (const auto& c : cases) {
+        std::vector<std::string> out;
+        const TextExtent extent = LayoutText(
+            c.text, box, c.format, [](std::string_view s) { return Utf8Length(s) * 5; }, 12,
+            [&](const TextLine& l) {
+                out.push_back(std::string(l.text) + " " + std::to_string(l.x) + "," +
+                              std::to_string(l.y) +
+                              (l.accessIndex < 0 ? "" : "^" + std::to_string(l.accessIndex)));
+            });
+        out.push_back(std::to_string(extent.width) + "x" + std::to_string(extent.height));
+        EXPECT_EQ(out, c.out) << c.text;
+    }
 }
 
 }  // namespace

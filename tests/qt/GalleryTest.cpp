@@ -5,12 +5,12 @@
 #include <gtest/gtest.h>
 
 #include "tests/qt/QtPrinters.h"
+#include "tests/qt/RunProgram.h"
 
 #include <QComboBox>
 #include <QFile>
 #include <QImage>
 #include <QPointer>
-#include <QProcess>
 #include <QSet>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -37,8 +37,6 @@ TEST(GalleryTest, SavesItsBarsAndTakesTheirPropertiesBackFromAForm) {
     GalleryWindow window;
     window.show();
     QApplication::processEvents();
-    const QList<qt::ControlWidget*> controls = window.controls();
-    EXPECT_EQ(controls.size(), 18);  // 9 bars, 9 date fields
     ProgressBoxWidget* linear = Bar(window, "linear");
     ASSERT_NE(linear, nullptr);
     EXPECT_EQ(linear->Value(), 72);
@@ -50,7 +48,7 @@ TEST(GalleryTest, SavesItsBarsAndTakesTheirPropertiesBackFromAForm) {
     ASSERT_TRUE(window.loadForm(path).isEmpty());
     // Each of the window's own controls gave way to one loaded from the file.
     EXPECT_TRUE(own.isNull());
-    EXPECT_EQ(window.controls().size(), 18);
+    EXPECT_EQ(window.controls().size(), 18);  // 9 bars, 9 date fields
     EXPECT_EQ(Bar(window, "linear")->Value(), 72);
     EXPECT_EQ(Bar(window, "playground")->Text(), QStringLiteral("Progress"));
     // The window follows the loaded bars: the playground's controls write to
@@ -74,15 +72,9 @@ TEST(GalleryTest, ControlsTheGalleryLacksAreShownAsTheFormLaysThemOut) {
     const QString path = dir.filePath(QStringLiteral("extra.json"));
     host::Form form;
     for (int i = 0; i < 2; ++i) {
-        host::FormControl entry;
-        entry.className = "ProgressBox";
-        entry.name = "extra" + std::to_string(i);
-        entry.left = 300;
-        entry.top = 100 + 40 * i;
-        entry.width = 180;
-        entry.height = 24;
-        entry.properties.Set("Value", Variant(30.0 * (i + 1)));
-        form.controls.push_back(std::move(entry));
+        form.controls.push_back(
+            {"ProgressBox", "extra" + std::to_string(i), 300, 100 + 40 * i, 180, 24, {}});
+        form.controls.back().properties.Set("Value", Variant(30.0 * (i + 1)));
     }
     host::SaveFormFile(path.toStdString(), form);
 
@@ -161,27 +153,8 @@ TEST(GalleryTest, TheDatePageReadsOutTheBoxTypedIntoAndKeepsItsControlsInStep) {
 
 // ---- The program -------------------------------------------------------------------------------
 
-struct ProgramRun {
-    int exitCode = -1;
-    QString out, err;
-};
-
-ProgramRun Gallery(const QStringList& args) {
-    QProcess process;
-    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
-    process.setProcessEnvironment(env);
-    process.start(QStringLiteral(KELVARIN_GALLERY_PATH), args);
-    ProgramRun run;
-    if (!process.waitForFinished(60000)) {
-        process.kill();
-        process.waitForFinished();
-        return run;
-    }
-    run.exitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -2;
-    run.out = QString::fromUtf8(process.readAllStandardOutput());
-    run.err = QString::fromUtf8(process.readAllStandardError());
-    return run;
+test::ProgramRun Gallery(const QStringList& args) {
+    return test::RunProgram(QStringLiteral(KELVARIN_GALLERY_PATH), args);
 }
 
 TEST(GalleryTest, TheProgramSavesLoadsAndTakesAScreenshot) {
@@ -190,7 +163,7 @@ TEST(GalleryTest, TheProgramSavesLoadsAndTakesAScreenshot) {
     const QString second = dir.filePath(QStringLiteral("second.json"));
     const QString picture = dir.filePath(QStringLiteral("gallery.png"));
 
-    const ProgramRun saved =
+    const test::ProgramRun saved =
         Gallery({QStringLiteral("--save"), first, QStringLiteral("--screenshot"), picture});
     ASSERT_EQ(saved.exitCode, 0) << saved.err.toStdString();
     EXPECT_TRUE(saved.out.contains(picture));
@@ -209,7 +182,7 @@ TEST(GalleryTest, TheProgramSavesLoadsAndTakesAScreenshot) {
     // 31/12/9980) the one time it does so.
     const QString third = dir.filePath(QStringLiteral("third.json"));
     for (const auto& [from, to] : {std::pair{first, second}, std::pair{second, third}}) {
-        const ProgramRun again =
+        const test::ProgramRun again =
             Gallery({QStringLiteral("--form"), from, QStringLiteral("--save"), to});
         ASSERT_EQ(again.exitCode, 0) << again.err.toStdString();
     }
@@ -220,7 +193,7 @@ TEST(GalleryTest, TheProgramSavesLoadsAndTakesAScreenshot) {
     EXPECT_EQ(settled, c.readAll());
     EXPECT_EQ(settled.count("\"9980-12-31T00:00:00\""), 8);  // all date fields but the limited one
 
-    const ProgramRun missing =
+    const test::ProgramRun missing =
         Gallery({QStringLiteral("--form"), dir.filePath(QStringLiteral("none.json")),
                  QStringLiteral("--save"), second});
     EXPECT_EQ(missing.exitCode, 1);
@@ -231,8 +204,8 @@ TEST(GalleryTest, TheProgramSavesLoadsAndTakesAScreenshot) {
                        QStringLiteral("--save"), second})
                   .exitCode,
               2);
-    const ProgramRun dates = Gallery({QStringLiteral("--page"), QStringLiteral("DateBox"),
-                                      QStringLiteral("--screenshot"), picture});
+    const test::ProgramRun dates = Gallery({QStringLiteral("--page"), QStringLiteral("DateBox"),
+                                            QStringLiteral("--screenshot"), picture});
     ASSERT_EQ(dates.exitCode, 0) << dates.err.toStdString();
     EXPECT_FALSE(dates.err.contains(QStringLiteral("error"))) << dates.err.toStdString();
     EXPECT_NE(QImage(picture), image);

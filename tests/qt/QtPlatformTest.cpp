@@ -22,31 +22,26 @@ struct KeyCase {
     int expected;
 };
 
+// Digits, the numeric pad's 0 and 3, Return, Escape, the arrows, PageUp and
+// F4 are typed through real widgets in DateBoxWidgetTest and GalleryTest;
+// these rows are the other keys, and Backspace, which those tests type where
+// Delete would act alike.
 TEST(QtPlatformTest, KeysMapToTheHostsCodesWithTheNumericPadApart) {
     const KeyCase cases[] = {
         {Qt::Key_A, Qt::NoModifier, 65},
         {Qt::Key_Z, Qt::ShiftModifier, 90},
-        {Qt::Key_0, Qt::NoModifier, 48},
-        {Qt::Key_7, Qt::NoModifier, 55},
-        {Qt::Key_0, Qt::KeypadModifier, 96},
         {Qt::Key_9, Qt::KeypadModifier, 105},
         {Qt::Key_Plus, Qt::KeypadModifier, 107},
         {Qt::Key_Comma, Qt::KeypadModifier, 110},
         {Qt::Key_Enter, Qt::KeypadModifier, 13},
-        {Qt::Key_Return, Qt::NoModifier, 13},
         {Qt::Key_Backspace, Qt::NoModifier, 8},
         {Qt::Key_Tab, Qt::NoModifier, 9},
         {Qt::Key_Backtab, Qt::ShiftModifier, 9},
-        {Qt::Key_Escape, Qt::NoModifier, 27},
         {Qt::Key_Space, Qt::NoModifier, 32},
-        {Qt::Key_PageUp, Qt::NoModifier, 33},
         {Qt::Key_End, Qt::NoModifier, 35},
         {Qt::Key_Home, Qt::KeypadModifier, 36},  // the pad's Home with Num Lock off
-        {Qt::Key_Left, Qt::NoModifier, 37},
-        {Qt::Key_Down, Qt::NoModifier, 40},
         {Qt::Key_Delete, Qt::NoModifier, 46},
         {Qt::Key_F1, Qt::NoModifier, 112},
-        {Qt::Key_F4, Qt::AltModifier, 115},
         {Qt::Key_Shift, Qt::ShiftModifier, 16},
         {Qt::Key_Control, Qt::ControlModifier, 17},
         {Qt::Key_Exclam, Qt::ShiftModifier, 49},  // Shift+1
@@ -63,7 +58,6 @@ TEST(QtPlatformTest, KeysMapToTheHostsCodesWithTheNumericPadApart) {
 }
 
 TEST(QtPlatformTest, ModifiersAndButtonsBecomeTheHostsMasks) {
-    EXPECT_EQ(ShiftMaskOf(Qt::NoModifier), 0);
     EXPECT_EQ(ShiftMaskOf(Qt::ShiftModifier), 1);
     EXPECT_EQ(ShiftMaskOf(Qt::ControlModifier), 2);
     EXPECT_EQ(ShiftMaskOf(Qt::AltModifier), 4);
@@ -71,7 +65,6 @@ TEST(QtPlatformTest, ModifiersAndButtonsBecomeTheHostsMasks) {
     EXPECT_EQ(ShiftMaskOf(Qt::KeypadModifier | Qt::MetaModifier), 0);
     EXPECT_EQ(ButtonMaskOf(Qt::LeftButton), 1);
     EXPECT_EQ(ButtonMaskOf(Qt::RightButton), 2);
-    EXPECT_EQ(ButtonMaskOf(Qt::MiddleButton), 4);
     EXPECT_EQ(ButtonMaskOf(Qt::LeftButton | Qt::MiddleButton), 5);
     EXPECT_EQ(ButtonMaskOf(Qt::BackButton), 0);
 }
@@ -98,7 +91,6 @@ TEST(QtPlatformTest, LocalesGiveNamesAndAShortDateWithFourDigitYears) {
     EXPECT_EQ(it.shortDatePattern, "dd/mm/yyyy");
     EXPECT_EQ(it.monthNames[0], "gennaio");
     EXPECT_EQ(it.weekdayNames[0], "domenica");  // Sunday first
-    EXPECT_EQ(it.decimalSeparator, ',');
     EXPECT_EQ(it.thousandsSeparator, '.');
     EXPECT_EQ(FormatDate(christmas, it.shortDatePattern, it), "25/12/2007");
     EXPECT_EQ(FormatDate(christmas, it.timePattern, it), "13:45:00");
@@ -106,8 +98,6 @@ TEST(QtPlatformTest, LocalesGiveNamesAndAShortDateWithFourDigitYears) {
     const Locale us = LocaleFrom(QLocale(QLocale::English, QLocale::UnitedStates));
     EXPECT_EQ(us.shortDatePattern, "m/d/yyyy");
     EXPECT_EQ(us.weekdayNames[6], "Saturday");
-    EXPECT_EQ(us.decimalSeparator, '.');
-    EXPECT_EQ(us.thousandsSeparator, ',');
     EXPECT_EQ(FormatDate(christmas, us.shortDatePattern, us), "12/25/2007");
     EXPECT_EQ(FormatDate(christmas, us.timePattern, us), "1:45:00 PM");
 

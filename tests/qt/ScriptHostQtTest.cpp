@@ -3,32 +3,17 @@
 #include <gtest/gtest.h>
 
 #include "tests/qt/QtPrinters.h"
+#include "tests/qt/RunProgram.h"
 
 #include <QFile>
 #include <QImage>
-#include <QProcess>
 #include <QTemporaryDir>
 
+namespace kelvarin::test {
 namespace {
 
-struct HostRun {
-    int exitCode = -1;
-    QString out;
-};
-
-HostRun Host(const QStringList& args, const QString& workDir) {
-    QProcess process;
-    process.setWorkingDirectory(workDir);
-    process.start(QStringLiteral(KELVARIN_HOST_PATH), args);
-    HostRun run;
-    if (!process.waitForFinished(60000)) {
-        process.kill();
-        process.waitForFinished();
-        return run;
-    }
-    run.exitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -2;
-    run.out = QString::fromUtf8(process.readAllStandardOutput());
-    return run;
+ProgramRun Host(const QStringList& args, const QString& workDir) {
+    return RunProgram(QStringLiteral(KELVARIN_HOST_PATH), args, workDir);
 }
 
 TEST(ScriptHostQtTest, QtFontsChangeTheTextAndNothingElse) {
@@ -50,8 +35,8 @@ TEST(ScriptHostQtTest, QtFontsChangeTheTextAndNothingElse) {
         "let bar1.Nothing 1\n");
     script.close();
 
-    const HostRun plain = Host({script.fileName()}, dir.path());
-    const HostRun qt = Host({QStringLiteral("--qt"), script.fileName()}, dir.path());
+    const ProgramRun plain = Host({script.fileName()}, dir.path());
+    const ProgramRun qt = Host({QStringLiteral("--qt"), script.fileName()}, dir.path());
     EXPECT_EQ(plain.exitCode, 1);  // the last line fails on purpose, in both
     EXPECT_EQ(qt.exitCode, 1);
     EXPECT_EQ(qt.out, plain.out);
@@ -77,3 +62,4 @@ TEST(ScriptHostQtTest, QtFontsChangeTheTextAndNothingElse) {
 }
 
 }  // namespace
+}  // namespace kelvarin::test
