@@ -42,6 +42,11 @@ TEST(ColorRules, OneColourThroughEachRule) {
         {RGB(10, 200, 50), [](clsGFX_2D& g) { g.Color_Gray(RGB(10, 200, 50), false); },
          RGB(10, 200, 50)},
         {RGB(128, 128, 128), [](clsGFX_2D& g) { g.Color_Colourise(0, 255); }, RGB(255, 1, 1)},
+        // Hue, saturation, luminance as red, green, blue bytes, and back.
+        {RGB(255, 128, 0), [](clsGFX_2D& g) { g.Color_ConvertRGBToHSL(); }, RGB(21, 255, 152)},
+        {RGB(255, 128, 0),
+         [](clsGFX_2D& g) { g.Color_ConvertRGBToHSL() && g.Color_ConvertHSLToRGB(); },
+         RGB(255, 151, 49)},
         {RGB(10, 200, 50), [](clsGFX_2D& g) { g.Color_ChannelComponent(0); }, RGB(10, 10, 10)},
         {RGB(10, 200, 50), [](clsGFX_2D& g) { g.Color_ChannelComponent(2); }, RGB(50, 50, 50)},
         // The weighted luminance 0.3 r + 0.59 g + 0.11 b = 126.5.
@@ -129,13 +134,12 @@ std::vector<int> After(Long w, Long h, const std::vector<int>& pixels, const Op&
 // [y mod 3][x mod 3].
 TEST(ColorHalftone, HandCheckedImages) {
     const Op diffuse = [](clsGFX_2D& g) { g.Color_Halftone_ErrorDiffusion(true); };
-    // Blue 8 passes on 8 / 16 = 0.5 -> 0 sixteenths, green 247 -0.5 -> 0, red 100 7 * 6.
-    EXPECT_EQ(After(1, 2, {8, 247, 100, 121, 134, 100}, diffuse),
-              (std::vector<int>{0, 255, 0, 0, 255, 255}));
-    // 100 everywhere: 0 (+42 down, +30 right, +6 right-down), 142 -> 255 (-21
-    // right-up, -35 right); then up the second column: 71 -> 0 (+28 up), 137 -> 255.
-    EXPECT_EQ(After(2, 2, std::vector<int>(12, 100), diffuse),
-              (std::vector<int>{0, 0, 0, 255, 255, 255, 255, 255, 255, 0, 0, 0}));
+    // Red, by hand: 100 -> 0 (+42 down, +30 right, +6 right-down), 142 -> 255
+    // (-21 right-up, -35 right); up the second column, 71 -> 0 (+28 up) and
+    // 137 -> 255. Blue and green change with each weight, the tie (72 / 16 =
+    // 4.5 -> 4), the clamp and the direction.
+    EXPECT_EQ(After(2, 2, {72, 144, 100, 36, 172, 100, 72, 248, 100, 92, 12, 100}, diffuse),
+              (std::vector<int>{0, 255, 0, 255, 0, 255, 0, 255, 255, 0, 0, 0}));
     // Blue 128 is level 5, green 0 never passes, red 255 always does.
     std::vector<int> grey, dithered;
     for (int i = 0; i < 9; ++i) {

@@ -53,6 +53,8 @@ TEST_F(DispatchTest, ConvertsArgumentsToTheMembersTypeOrRaises) {
         {"Number", Variant("12"), Variant(Long{12})},
         {"Small", Variant(2.5), Variant(Integer{2})},  // ties go to even
         {"Flag", Variant("True"), Variant(true)},
+        {"Ratio", Variant(0.5), Variant(Single{0.5f})},
+        {"Amount", Variant(Integer{-3}), Variant(-3.0)},
         {"When", Variant(Long{2}), Variant::FromDate(2.0)},
         {"Caption", Variant(Long{42}), Variant("42")},
         // An enumeration is a Long by another name; its range is the control's business.

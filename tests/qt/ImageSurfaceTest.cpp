@@ -121,13 +121,10 @@ TEST_F(ImageSurfaceTest, TextIsMeasuredByQtAndPlacedByTheFormatFlags) {
                       RGB(0, 0, 0));
     const auto [first, last] = InkColumns();
     EXPECT_NEAR(first, 199 - width, 3);
-    EXPECT_GE(last, 195);
-    EXPECT_LT(last, 199);  // the rectangle's right is exclusive
+    EXPECT_TRUE(last >= 195 && last < 199) << last;  // the rectangle's right is exclusive
     // Vertically centred on one line: ink only in the middle rows.
-    for (int x = 0; x < 200; ++x) {
-        EXPECT_EQ(surface_.GetPixel({x, 0}), kPaper);
-        EXPECT_EQ(surface_.GetPixel({x, 38}), kPaper);
-    }
+    for (int x = 0; x < 200; ++x)
+        EXPECT_TRUE(surface_.GetPixel({x, 0}) == kPaper && surface_.GetPixel({x, 38}) == kPaper);
 }
 
 TEST_F(ImageSurfaceTest, TextIsClippedToTheViewAndTheAccessKeyUnderlined) {
@@ -155,7 +152,6 @@ TEST_F(ImageSurfaceTest, TheFocusRectangleGoesAwayWhenDrawnTwice) {
     surface_.FillRect({0, 0, 20, 10}, RGB(40, 80, 120));
     const QImage before = image_.copy();
     surface_.DrawFocusRect({1, 1, 19, 9});
-    EXPECT_NE(image_, before);
     EXPECT_EQ(surface_.GetPixel({1, 1}), RGB(40, 80, 120) ^ 0x00FFFFFF);
     EXPECT_EQ(surface_.GetPixel({2, 1}), RGB(40, 80, 120));  // dotted
     surface_.DrawFocusRect({1, 1, 19, 9});
