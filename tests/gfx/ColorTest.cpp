@@ -207,7 +207,7 @@ TEST(ColorKernels, WeightedGreyOfEveryColour) {
 
 // The 24-bit-only operations refuse other depths with a text and keep every
 // byte. The rows are the texts that are not the operation's own name, and
-// one of each layer that is.
+// the pixel forms that drawing goes through.
 TEST(Refusals, OtherDepthsGetTheTextAndKeepEveryByte) {
     const auto only24 = [](const char* name) {
         return std::string(name) + " is only for 24bit depth images";
@@ -221,8 +221,6 @@ TEST(Refusals, OtherDepthsGetTheTextAndKeepEveryByte) {
         {only24("Draw_ReadPixelB"), [](clsGFX_2D& g) { return g.Color_Gray(0, false); }},
         {only24("Color_Halftone_ErrorDiffusion"),
          [](clsGFX_2D& g) { return g.Color_Halftone_Dithering(true); }},
-        {only24("Color_EqualizeIstogram"),
-         [](clsGFX_2D& g) { return g.Color_EqualizeIstogram(16); }},
         {"Image_Resample is only for 24 bit images",
          [](clsGFX_2D& g) { return g.Image_Resample(6, 4); }},
         {"Picture property is only for 24bit depth images",
@@ -240,11 +238,6 @@ TEST(Refusals, OtherDepthsGetTheTextAndKeepEveryByte) {
              std::array<std::uint8_t, 3> rgb{9, 9, 9};
              g.Draw_ReadPixelRGB(1, 1, rgb);
              return rgb[0] != 9;
-         }},
-        {only24("Filter_StandardFilter"),
-         [](clsGFX_2D& g) {
-             g.Filter_StandardFilter(0);
-             return false;
          }},
     };
     for (Long bits : {8, 16, 32}) {
