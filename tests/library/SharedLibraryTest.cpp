@@ -1,10 +1,10 @@
 // libkelvarin.so as a host program sees it: loaded with dlopen, registered
-// into a registry file of its own, classes found by programmatic name.
+// into a registry file of its own, classes found by programmatic name. The
+// results of each entry point in detail are the server's and the
+// registration's tests; here, that they cross the library's boundary.
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <optional>
 #include <string>
 
 #include <nlohmann/json.hpp>
@@ -23,8 +23,6 @@ using nlohmann::json;
 class SharedLibraryTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        if (const char* old = std::getenv("KELVARIN_REGISTRY")) oldRegistry_ = old;
-        ::setenv("KELVARIN_REGISTRY", registry.c_str(), 1);
         handle_ = ::dlopen(KELVARIN_SHARED_LIBRARY, RTLD_NOW | RTLD_LOCAL);
         ASSERT_NE(handle_, nullptr) << ::dlerror();
         getClassObject = Symbol<KelvarinDllGetClassObjectFn>("DllGetClassObject");
@@ -33,13 +31,7 @@ protected:
         unregisterServer = Symbol<KelvarinDllUnregisterServerFn>("DllUnregisterServer");
         lastError = Symbol<KelvarinLastErrorFn>("KelvarinLastError");
     }
-    void TearDown() override {
-        if (handle_ != nullptr) {
-            EXPECT_EQ(::dlclose(handle_), 0);
-        }
-        if (oldRegistry_) ::setenv("KELVARIN_REGISTRY", oldRegistry_->c_str(), 1);
-        else ::unsetenv("KELVARIN_REGISTRY");
-    }
+    void TearDown() override { EXPECT_TRUE(handle_ == nullptr || ::dlclose(handle_) == 0); }
 
     template <typename Fn>
     Fn Symbol(const char* name) {
@@ -48,20 +40,24 @@ protected:
         return reinterpret_cast<Fn>(symbol);
     }
 
-    // The class identifier a host finds under a programmatic name.
-    std::optional<KelvarinGuid> ClassIdOf(std::string_view progId) {
-        const json registryFile = json::parse(test::ReadFile(registry));
-        for (const json& record : registryFile.at("classes")) {
+    json Records() const { return json::parse(test::ReadFile(registry)).at("classes"); }
+
+    // What DllGetClassObject answers for the class a host finds under a
+    // programmatic name; the factory, if any, in `factory`.
+    KelvarinResult ClassObject(std::string_view progId, void** factory) {
+        for (const json& record : Records()) {
             if (record.value("progId", "") != progId) continue;
-            const auto id = Guid::Parse(record.at("clsid").get<std::string>());
-            if (!id) return std::nullopt;
-            return ToKelvarinGuid(*id);
+            const KelvarinGuid id =
+                ToKelvarinGuid(*Guid::Parse(record.at("clsid").get<std::string>()));
+            return getClassObject(&id, &KELVARIN_IID_ICLASSFACTORY, factory);
         }
-        return std::nullopt;
+        ADD_FAILURE() << "no record of " << progId;
+        return KELVARIN_E_FAIL;
     }
 
     test::TempDir dir;
     fs::path registry = dir.Path() / "registry.json";
+    test::ScopedEnv registryVariable{"KELVARIN_REGISTRY", registry.c_str()};
     KelvarinDllGetClassObjectFn getClassObject = nullptr;
     KelvarinDllCanUnloadNowFn canUnloadNow = nullptr;
     KelvarinDllRegisterServerFn registerServer = nullptr;
@@ -70,58 +66,39 @@ protected:
 
 private:
     void* handle_ = nullptr;
-    std::optional<std::string> oldRegistry_;
 };
 
-// Register, find the classes by programmatic name, make the one control
-// that is built in, refuse the others, unregister.
+// Register, make the control that is built in, refuse the others, unregister.
 TEST_F(SharedLibraryTest, RegistersCreatesByProgrammaticNameAndUnregisters) {
     test::WriteFile(registry, R"({"classes": [{"progId": "Other.Grid",
                                                "clsid": "{11111111-2222-3333-4444-555555555555}"}]})");
     ASSERT_EQ(registerServer(), KELVARIN_S_OK) << lastError();
-    const json records = json::parse(test::ReadFile(registry)).at("classes");
-    ASSERT_EQ(records.size(), 5u);
-    for (const json& record : records) {
-        if (record.at("progId") == "Other.Grid") continue;
-        EXPECT_EQ(record.at("library"), fs::canonical(KELVARIN_SHARED_LIBRARY).string());
-    }
+    // The records name the loaded file itself.
+    EXPECT_EQ(Records()[1].at("library"), fs::canonical(KELVARIN_SHARED_LIBRARY).string());
 
-    const std::optional<KelvarinGuid> id = ClassIdOf("Kelvarin.ProgressBox");
-    ASSERT_TRUE(id.has_value());
     void* object = nullptr;
-    ASSERT_EQ(getClassObject(&*id, &KELVARIN_IID_ICLASSFACTORY, &object), KELVARIN_S_OK)
-        << lastError();
+    ASSERT_EQ(ClassObject("Kelvarin.ProgressBox", &object), KELVARIN_S_OK) << lastError();
     auto* factory = static_cast<KelvarinClassFactory*>(object);
-    void* made = nullptr;
-    ASSERT_EQ(factory->vtbl->CreateInstance(factory, nullptr, &KELVARIN_IID_CONTROL, &made),
+    ASSERT_EQ(factory->vtbl->CreateInstance(factory, nullptr, &KELVARIN_IID_CONTROL, &object),
               KELVARIN_S_OK)
         << lastError();
-    auto* control = static_cast<KelvarinControl*>(made);
+    auto* control = static_cast<KelvarinControl*>(object);
     EXPECT_STREQ(control->vtbl->ClassName(control), "ProgressBox");
-    EXPECT_NE(control->vtbl->NativeControl(control), nullptr);
     factory->vtbl->Release(factory);
     EXPECT_EQ(canUnloadNow(), KELVARIN_S_FALSE);  // the control is still alive
     control->vtbl->Release(control);
     EXPECT_EQ(canUnloadNow(), KELVARIN_S_OK);
 
-    // Known to the library but not built into it, a page, another library's class.
-    for (const char* progId : {"Kelvarin.CommandBox", "Kelvarin.General", "Other.Grid"}) {
-        const std::optional<KelvarinGuid> other = ClassIdOf(progId);
-        ASSERT_TRUE(other.has_value()) << progId;
-        void* none = &none;
-        EXPECT_EQ(getClassObject(&*other, &KELVARIN_IID_ICLASSFACTORY, &none),
-                  KELVARIN_CLASS_E_CLASSNOTAVAILABLE)
-            << progId;
-        EXPECT_EQ(none, nullptr);
-    }
+    // Known to the library but not built into it, and another library's class.
+    EXPECT_EQ(ClassObject("Kelvarin.CommandBox", &object), KELVARIN_CLASS_E_CLASSNOTAVAILABLE);
+    EXPECT_EQ(ClassObject("Other.Grid", &object), KELVARIN_CLASS_E_CLASSNOTAVAILABLE);
     EXPECT_NE(std::string(lastError()).find("{11111111-2222-3333-4444-555555555555}"),
               std::string::npos)
         << lastError();
 
     ASSERT_EQ(unregisterServer(), KELVARIN_S_OK) << lastError();
-    const json left = json::parse(test::ReadFile(registry)).at("classes");
-    ASSERT_EQ(left.size(), 1u);
-    EXPECT_EQ(left[0].at("progId"), "Other.Grid");
+    ASSERT_EQ(Records().size(), 1u);
+    EXPECT_EQ(Records()[0].at("progId"), "Other.Grid");
 }
 
 TEST_F(SharedLibraryTest, TheLibraryKeepsItsOwnClassRegistry) {
@@ -135,10 +112,9 @@ TEST_F(SharedLibraryTest, TheLibraryKeepsItsOwnClassRegistry) {
 TEST_F(SharedLibraryTest, AMalformedRegistryIsReportedAndLeftAsItIs) {
     const std::string text = "{\"classes\": [ oops";
     test::WriteFile(registry, text);
-    EXPECT_NE(registerServer(), KELVARIN_S_OK);
+    EXPECT_EQ(registerServer(), KELVARIN_SELFREG_E_CLASS);
     EXPECT_NE(std::string(lastError()).find(registry.string()), std::string::npos) << lastError();
-    EXPECT_EQ(test::ReadFile(registry), text);
-    EXPECT_NE(unregisterServer(), KELVARIN_S_OK);
+    EXPECT_EQ(unregisterServer(), KELVARIN_SELFREG_E_CLASS);
     EXPECT_EQ(test::ReadFile(registry), text);
 
     // Mended, it registers again, and the reason is cleared.
