@@ -102,17 +102,42 @@ void DateBox::SetAppearance(Long appearance) {
     PropertyChanged(kAppearance);
 }
 
-void DateBox::SetBackColor(OLE_COLOR color) {
+// The constituents' share of a property, for writes and loads alike.
+void DateBox::StoreBackColor(OLE_COLOR color) {
     for (TextBoxElement& box : txtData_.All()) box.backColor = color;
     SurfaceState().backColor = color;
+}
+
+void DateBox::StoreForeColor(OLE_COLOR color) {
+    for (TextBoxElement& box : txtData_.All()) box.foreColor = color;
+    for (LabelElement& label : lblSeparator_.All()) label.foreColor = color;
+}
+
+void DateBox::StoreEnabled(bool enabled) {
+    for (TextBoxElement& box : txtData_.All()) box.enabled = enabled;
+    for (LabelElement& label : lblSeparator_.All()) label.enabled = enabled;
+    cmdSelezione_.enabled = enabled;
+}
+
+void DateBox::StoreFont(const std::shared_ptr<Font>& font) {
+    SurfaceState().font = font;
+    for (TextBoxElement& box : txtData_.All()) box.font = font;
+    for (LabelElement& label : lblSeparator_.All()) label.font = font;
+}
+
+void DateBox::StoreLocked(bool locked) {
+    for (TextBoxElement& box : txtData_.All()) box.locked = locked;
+}
+
+void DateBox::SetBackColor(OLE_COLOR color) {
+    StoreBackColor(color);
     if (HasSite()) Site().DoEvents();
     Redraw();
     PropertyChanged(kBackColor);
 }
 
 void DateBox::SetForeColor(OLE_COLOR color) {
-    for (TextBoxElement& box : txtData_.All()) box.foreColor = color;
-    for (LabelElement& label : lblSeparator_.All()) label.foreColor = color;
+    StoreForeColor(color);
     Redraw();
     PropertyChanged(kForeColor);
 }
@@ -125,19 +150,14 @@ void DateBox::SetAlignment(Long alignment) {
 }
 
 void DateBox::SetEnabled(bool enabled) {
-    for (TextBoxElement& box : txtData_.All()) box.enabled = enabled;
-    for (LabelElement& label : lblSeparator_.All()) label.enabled = enabled;
-    cmdSelezione_.enabled = enabled;
+    StoreEnabled(enabled);
     Redraw();
     PropertyChanged(kEnabled);
 }
 
 void DateBox::SetFont(std::shared_ptr<Font> font) {
     if (!font) RaiseHostError(HostErrorCode::InvalidPropertyValue);
-    font = font->Clone();
-    SurfaceState().font = font;
-    for (TextBoxElement& box : txtData_.All()) box.font = font;
-    for (LabelElement& label : lblSeparator_.All()) label.font = font;
+    StoreFont(font->Clone());
     MeasureTokens();
     SizeBoxes();
     LayoutBoxes();
@@ -152,7 +172,7 @@ void DateBox::SetBorderStyle(Long style) {
 }
 
 void DateBox::SetLocked(bool locked) {
-    for (TextBoxElement& box : txtData_.All()) box.locked = locked;
+    StoreLocked(locked);
     PropertyChanged(kLocked);
 }
 

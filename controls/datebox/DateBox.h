@@ -151,6 +151,12 @@ public:
     std::vector<std::string> Dump() const override;
 
 private:
+    // The constituents' share of a property, for writes and loads alike.
+    void StoreBackColor(OLE_COLOR color);
+    void StoreForeColor(OLE_COLOR color);
+    void StoreEnabled(bool enabled);
+    void StoreFont(const std::shared_ptr<Font>& font);
+    void StoreLocked(bool locked);
     // The calendar button's width in pixels. Its drop-down glyph is sized
     // from the button's height (see LayoutBoxes).
     static constexpr int kButtonWidth = 17;

@@ -25,19 +25,11 @@ host::MemberTable DateBox::Table() {
         Property(kBackColor, "BackColor", Id(0x68030022), AsColor)
             .Get<&DB::BackColor>()
             .Let<&DB::SetBackColor>()
-            .Persist(Color(kSysWindow),
-                     [](DB& c, OLE_COLOR v) {
-                         c.SurfaceState().backColor = v;
-                         for (TextBoxElement& box : c.txtData_.All()) box.backColor = v;
-                     }),
+            .Persist(Color(kSysWindow), [](DB& c, OLE_COLOR v) { c.StoreBackColor(v); }),
         Property(kForeColor, "ForeColor", Id(0x68030021), AsColor)
             .Get<&DB::ForeColor>()
             .Let<&DB::SetForeColor>()
-            .Persist(Color(kSysWindowText),
-                     [](DB& c, OLE_COLOR v) {
-                         for (TextBoxElement& box : c.txtData_.All()) box.foreColor = v;
-                         for (LabelElement& label : c.lblSeparator_.All()) label.foreColor = v;
-                     }),
+            .Persist(Color(kSysWindowText), [](DB& c, OLE_COLOR v) { c.StoreForeColor(v); }),
         Property(kAlignment, "Alignment", Id(0x68030020), Enum("eAlignment"))
             .Get<&DB::Alignment>()
             .Let<&DB::SetAlignment>()
@@ -45,21 +37,11 @@ host::MemberTable DateBox::Table() {
         Property(kEnabled, "Enabled", Id(0x6803001F), AsBoolean)
             .Get<&DB::Enabled>()
             .Let<&DB::SetEnabled>()
-            .Persist(true,
-                     [](DB& c, bool v) {
-                         for (TextBoxElement& box : c.txtData_.All()) box.enabled = v;
-                         for (LabelElement& label : c.lblSeparator_.All()) label.enabled = v;
-                         c.cmdSelezione_.enabled = v;
-                     }),
+            .Persist(true, [](DB& c, bool v) { c.StoreEnabled(v); }),
         Property(kFont, "Font", Id(0x6803001E), AsFont)
             .Get<&DB::GetFont>()
             .Set<&DB::SetFont>()
-            .Persist({},
-                     [](DB& c, std::shared_ptr<Font> v) {
-                         c.SurfaceState().font = v;
-                         for (TextBoxElement& box : c.txtData_.All()) box.font = v;
-                         for (LabelElement& label : c.lblSeparator_.All()) label.font = v;
-                     }),
+            .Persist({}, [](DB& c, std::shared_ptr<Font> v) { c.StoreFont(v); }),
         Property(kBorderStyle, "BorderStyle", Id(0x6803001D), Enum("eBorderStyle"))
             .Get<&DB::BorderStyle>()
             .Let<&DB::SetBorderStyle>()
@@ -67,10 +49,7 @@ host::MemberTable DateBox::Table() {
         Property(kLocked, "Locked", Id(0x6803001C), AsBoolean)
             .Get<&DB::Locked>()
             .Let<&DB::SetLocked>()
-            .Persist(false,
-                     [](DB& c, bool v) {
-                         for (TextBoxElement& box : c.txtData_.All()) box.locked = v;
-                     }),
+            .Persist(false, [](DB& c, bool v) { c.StoreLocked(v); }),
         Property(kValue, "Value", Id(0x6803001B), AsDate)
             .Get<&DB::Value>()
             .Let<&DB::SetValue>()
