@@ -146,19 +146,5 @@ TEST(RasterSurface, LinesBlitsAndFocusRectangles) {
     EXPECT_EQ(s.GetPixel({0, 0}), RGB(0, 0, 0));
 }
 
-// The 8-point font's 7 pixels a character and 15 a line, and its blocks of
-// ink, are in every script's layouts and pixels.
-TEST(RasterSurface, HeadlessFontMetrics) {
-    auto raster = std::make_shared<Raster>();
-    raster->Resize(100, 40, 0);
-    RasterSurface s(raster, {0, 0, 100, 40});
-    EXPECT_EQ(s.MeasureText("è!", Font("Any", 12, true)), (Size{2 * 11, 22}));
-    EXPECT_EQ(CharWidth(Font("Any", 4)), 4);    // 3.5 rounds to even
-    EXPECT_EQ(CharWidth(Font("Any", 20)), 18);  // 17.5 rounds to even
-    Rect r{0, 0, 100, 40};
-    EXPECT_EQ(s.DrawText("ab", r, DT_CALCRECT, Font("Any", 8), 0), 15);
-    EXPECT_EQ(r, (Rect{0, 0, 14, 15}));
-}
-
 }  // namespace
 }  // namespace kelvarin::host::headless
