@@ -116,7 +116,7 @@ TEST(HeadlessHost, TheBorderShrinksTheClientAreaAndSitesReportGeometry) {
     EXPECT_NE(p.Pixels().Get(49, 10), RGB(1, 2, 3));
 }
 
-TEST(RasterSurface, LinesBlitsAndFocusRectangles) {
+TEST(RasterSurface, LinesAndFocusRectangles) {
     auto raster = std::make_shared<Raster>();
     raster->Resize(8, 6, RGB(255, 255, 255));
     RasterSurface s(raster, {1, 1, 7, 5});  // a 6 x 4 view
@@ -124,18 +124,6 @@ TEST(RasterSurface, LinesBlitsAndFocusRectangles) {
     EXPECT_EQ(s.GetPixel({2, 0}), 0u);
     EXPECT_EQ(s.GetPixel({3, 0}), RGB(255, 255, 255));  // the end point is left out
     EXPECT_EQ(raster->Get(1, 1), 0u);
-
-    // Blits reach the view's rows through the device-context interface.
-    auto other = std::make_shared<Raster>();
-    other->Resize(3, 2, RGB(4, 4, 4));
-    other->Put(2, 1, RGB(6, 6, 6));
-    RasterSurface source(other, {0, 0, 3, 2});
-    ASSERT_TRUE(BitBlt(s, 4, 2, 3, 2, &source, 0, 0, SRCCOPY));
-    EXPECT_EQ(s.GetPixel({4, 2}), RGB(4, 4, 4));
-    EXPECT_EQ(s.GetPixel({5, 3}), RGB(4, 4, 4));
-    EXPECT_EQ(raster->Get(7, 3), RGB(255, 255, 255));  // clipped at the view
-    ASSERT_TRUE(BitBlt(s, -2, -1, 3, 2, &source, 0, 0, SRCCOPY));
-    EXPECT_EQ(s.GetPixel({0, 0}), RGB(6, 6, 6));
 
     s.FillRect({0, 0, 6, 4}, RGB(0, 0, 0));
     s.DrawFocusRect({0, 0, 4, 3});
