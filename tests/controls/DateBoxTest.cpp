@@ -215,33 +215,6 @@ TEST_F(DateBoxTest, PaintSelectsOnlyTheFocusedBoxAndGreysADisabledControl) {
 
 // ---- Persistence ------------------------------------------------------------
 
-TEST_F(DateBoxTest, SaveWritesEveryPropertyThatDiffersInItsOwnOrder) {
-    DateBox& b = Make();
-    b.SetAppearance(0);
-    b.SetBackColor(RGB(1, 1, 1));
-    b.SetBorderStyle(0);
-    b.SetForeColor(RGB(2, 2, 2));
-    b.SetEnabled(false);
-    b.SetFont(std::make_shared<Font>("Serif", 12.0));
-    b.SetLocked(true);
-    b.SetDateFormat("dd/mm/yyyy hh:nn");
-    b.SetMinDate(Ymd(2000, 1, 1));
-    b.SetMaxDate(Ymd(2020, 12, 31));
-    b.SetValue(Ymd(2007, 12, 25));
-    b.SetAlignment(2);
-    b.SetSmallChange(-3);
-    b.SetLargeChange(0);
-    b.SetNullable(false);
-    b.SetCalendarButton(false);
-    host::MemoryPropertyBag bag;
-    b.WriteProperties(bag);
-    Strings names;
-    for (const auto& [name, value] : bag.Entries()) names.push_back(name);
-    EXPECT_EQ(names, (Strings{"Appearance", "BackColor", "BorderStyle", "ForeColor", "Enabled",
-                              "Font", "Locked", "Value", "Alignment", "DateFormat", "SmallChange",
-                              "LargeChange", "Nullable", "CalendarButton", "MinDate", "MaxDate"}));
-}
-
 TEST_F(DateBoxTest, LoadResetsTheChangeFlagsAndMovesAStoredValueIntoItsLimits) {
     host::MemoryPropertyBag bag;
     bag.Set("Value", Variant::FromDate(Ymd(2030, 1, 1)));

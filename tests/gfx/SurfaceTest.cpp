@@ -32,23 +32,6 @@ TEST(Surface, ScanLinesArePaddedToFourBytesAndSessionsReachIntoThePadding) {
     }
 }
 
-TEST(Surface, CreateGivesZeroedMemoryAndANewHandleEachTime) {
-    clsGFX_2D gfx;
-    EXPECT_EQ(gfx.Get_hDC(), nullptr);
-    EXPECT_EQ(gfx.Get_hDIB(), 0u);
-    ASSERT_TRUE(gfx.Create(7, 3));  // 24 bits by default
-    const auto first = gfx.Get_hDIB();
-    EXPECT_NE(first, 0u);
-    EXPECT_EQ(gfx.Get_hDC(), &gfx);
-    RandomFill(gfx, 1);
-    ASSERT_TRUE(gfx.Create(7, 3, 24));
-    EXPECT_NE(gfx.Get_hDIB(), first);
-    EXPECT_EQ(Bytes(gfx), std::vector<std::uint8_t>(72, 0));
-    const auto v = gfx.Viewport();
-    EXPECT_EQ(v.Xmax, 6);
-    EXPECT_EQ(v.Ymax, 2);
-}
-
 TEST(Surface, UnusableSizesAndDepthsLeaveNoSurface) {
     const struct {
         Long width, height, bits;

@@ -116,7 +116,7 @@ TEST(HeadlessHost, TheBorderShrinksTheClientAreaAndSitesReportGeometry) {
     EXPECT_NE(p.Pixels().Get(49, 10), RGB(1, 2, 3));
 }
 
-TEST(RasterSurface, LinesBlitsAndFocusRectangles) {
+TEST(RasterSurface, LinesAndFocusRectangles) {
     auto raster = std::make_shared<Raster>();
     raster->Resize(8, 6, RGB(255, 255, 255));
     RasterSurface s(raster, {1, 1, 7, 5});  // a 6 x 4 view
@@ -125,18 +125,6 @@ TEST(RasterSurface, LinesBlitsAndFocusRectangles) {
     EXPECT_EQ(s.GetPixel({3, 0}), RGB(255, 255, 255));  // the end point is left out
     EXPECT_EQ(raster->Get(1, 1), 0u);
 
-    // Blits reach the view's rows through the device-context interface.
-    auto other = std::make_shared<Raster>();
-    other->Resize(3, 2, RGB(4, 4, 4));
-    other->Put(2, 1, RGB(6, 6, 6));
-    RasterSurface source(other, {0, 0, 3, 2});
-    ASSERT_TRUE(BitBlt(s, 4, 2, 3, 2, &source, 0, 0, SRCCOPY));
-    EXPECT_EQ(s.GetPixel({4, 2}), RGB(4, 4, 4));
-    EXPECT_EQ(s.GetPixel({5, 3}), RGB(4, 4, 4));
-    EXPECT_EQ(raster->Get(7, 3), RGB(255, 255, 255));  // clipped at the view
-    ASSERT_TRUE(BitBlt(s, -2, -1, 3, 2, &source, 0, 0, SRCCOPY));
-    EXPECT_EQ(s.GetPixel({0, 0}), RGB(6, 6, 6));
-
     s.FillRect({0, 0, 6, 4}, RGB(0, 0, 0));
     s.DrawFocusRect({0, 0, 4, 3});
     EXPECT_EQ(s.GetPixel({0, 0}), RGB(255, 255, 255));
@@ -144,20 +132,6 @@ TEST(RasterSurface, LinesBlitsAndFocusRectangles) {
     EXPECT_EQ(s.GetPixel({1, 1}), RGB(0, 0, 0));  // inside stays
     s.DrawFocusRect({0, 0, 4, 3});                // drawing it twice removes it
     EXPECT_EQ(s.GetPixel({0, 0}), RGB(0, 0, 0));
-}
-
-// The 8-point font's 7 pixels a character and 15 a line, and its blocks of
-// ink, are in every script's layouts and pixels.
-TEST(RasterSurface, HeadlessFontMetrics) {
-    auto raster = std::make_shared<Raster>();
-    raster->Resize(100, 40, 0);
-    RasterSurface s(raster, {0, 0, 100, 40});
-    EXPECT_EQ(s.MeasureText("è!", Font("Any", 12, true)), (Size{2 * 11, 22}));
-    EXPECT_EQ(CharWidth(Font("Any", 4)), 4);    // 3.5 rounds to even
-    EXPECT_EQ(CharWidth(Font("Any", 20)), 18);  // 17.5 rounds to even
-    Rect r{0, 0, 100, 40};
-    EXPECT_EQ(s.DrawText("ab", r, DT_CALCRECT, Font("Any", 8), 0), 15);
-    EXPECT_EQ(r, (Rect{0, 0, 14, 15}));
 }
 
 }  // namespace

@@ -109,19 +109,5 @@ TEST_F(SharedLibraryTest, TheLibraryKeepsItsOwnClassRegistry) {
               KELVARIN_CLASS_E_CLASSNOTAVAILABLE);
 }
 
-TEST_F(SharedLibraryTest, AMalformedRegistryIsReportedAndLeftAsItIs) {
-    const std::string text = "{\"classes\": [ oops";
-    test::WriteFile(registry, text);
-    EXPECT_EQ(registerServer(), KELVARIN_SELFREG_E_CLASS);
-    EXPECT_NE(std::string(lastError()).find(registry.string()), std::string::npos) << lastError();
-    EXPECT_EQ(unregisterServer(), KELVARIN_SELFREG_E_CLASS);
-    EXPECT_EQ(test::ReadFile(registry), text);
-
-    // Mended, it registers again, and the reason is cleared.
-    test::WriteFile(registry, "{}");
-    EXPECT_EQ(registerServer(), KELVARIN_S_OK);
-    EXPECT_STREQ(lastError(), "");
-}
-
 }  // namespace
 }  // namespace kelvarin::library

@@ -67,55 +67,6 @@ TEST(GalleryTest, SavesItsBarsAndTakesTheirPropertiesBackFromAForm) {
     }
 }
 
-TEST(GalleryTest, ControlsTheGalleryLacksAreShownAsTheFormLaysThemOut) {
-    QTemporaryDir dir;
-    const QString path = dir.filePath(QStringLiteral("extra.json"));
-    host::Form form;
-    for (int i = 0; i < 2; ++i) {
-        form.controls.push_back(
-            {"ProgressBox", "extra" + std::to_string(i), 300, 100 + 40 * i, 180, 24, {}});
-        form.controls.back().properties.Set("Value", Variant(30.0 * (i + 1)));
-    }
-    host::SaveFormFile(path.toStdString(), form);
-
-    GalleryWindow window;
-    ASSERT_TRUE(window.loadForm(path).isEmpty());
-    ProgressBoxWidget* first = Bar(window, "extra0");
-    ProgressBoxWidget* second = Bar(window, "extra1");
-    ASSERT_NE(first, nullptr);
-    ASSERT_NE(second, nullptr);
-    EXPECT_EQ(second->Value(), 60);
-    EXPECT_EQ(second->pos() - first->pos(), QPoint(0, 40));
-    EXPECT_EQ(first->size(), QSize(180, 24));
-
-    // A broken file changes nothing, and says why.
-    QFile broken(dir.filePath(QStringLiteral("broken.json")));
-    ASSERT_TRUE(broken.open(QIODevice::WriteOnly));
-    broken.write("{\"format\": \"kelvarin-form\", \"controls\": [");
-    broken.close();
-    QSignalSpy status(&window, &GalleryWindow::status);
-    EXPECT_FALSE(window.loadForm(broken.fileName()).isEmpty());
-    EXPECT_NE(Bar(window, "extra0"), nullptr);
-    ASSERT_EQ(status.size(), 1);
-    EXPECT_TRUE(status.at(0).at(0).toString().startsWith(QStringLiteral("Could not load")));
-}
-
-TEST(GalleryTest, TheJobRunsToItsEndWithALiveReadout) {
-    GalleryWindow window;
-    window.show();
-    ProgressBoxWidget* job = window.jobBar();
-    job->SetTimerChangedInterval(40);
-    window.startJob(600);
-    QSignalSpy ticks(job, &ProgressBoxWidget::TimerChange);
-    ASSERT_TRUE(ticks.wait(3000));
-    EXPECT_TRUE(window.jobReadout().startsWith(QStringLiteral("Elapsed")))
-        << window.jobReadout().toStdString();
-    QTRY_COMPARE_WITH_TIMEOUT(job->Value(), 100.0, 5000);
-    EXPECT_TRUE(window.jobReadout().startsWith(QStringLiteral("Done in")))
-        << window.jobReadout().toStdString();
-    EXPECT_GE(window.timerChanges(), 1);
-}
-
 TEST(GalleryTest, TheDatePageReadsOutTheBoxTypedIntoAndKeepsItsControlsInStep) {
     GalleryWindow window;
     QSignalSpy status(&window, &GalleryWindow::status);
@@ -200,15 +151,6 @@ TEST(GalleryTest, TheProgramSavesLoadsAndTakesAScreenshot) {
     EXPECT_TRUE(missing.err.contains(QStringLiteral("none.json"))) << missing.err.toStdString();
 
     EXPECT_EQ(Gallery({QStringLiteral("surplus")}).exitCode, 2);
-    EXPECT_EQ(Gallery({QStringLiteral("--page"), QStringLiteral("nowhere"),
-                       QStringLiteral("--save"), second})
-                  .exitCode,
-              2);
-    const test::ProgramRun dates = Gallery({QStringLiteral("--page"), QStringLiteral("DateBox"),
-                                            QStringLiteral("--screenshot"), picture});
-    ASSERT_EQ(dates.exitCode, 0) << dates.err.toStdString();
-    EXPECT_FALSE(dates.err.contains(QStringLiteral("error"))) << dates.err.toStdString();
-    EXPECT_NE(QImage(picture), image);
 }
 
 }  // namespace

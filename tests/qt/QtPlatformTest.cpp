@@ -6,8 +6,6 @@
 
 #include "tests/qt/QtPrinters.h"
 
-#include <chrono>
-
 #include <QKeyEvent>
 
 #include "common/DateTime.h"
@@ -29,26 +27,16 @@ struct KeyCase {
 TEST(QtPlatformTest, KeysMapToTheHostsCodesWithTheNumericPadApart) {
     const KeyCase cases[] = {
         {Qt::Key_A, Qt::NoModifier, 65},
-        {Qt::Key_Z, Qt::ShiftModifier, 90},
         {Qt::Key_9, Qt::KeypadModifier, 105},
-        {Qt::Key_Plus, Qt::KeypadModifier, 107},
         {Qt::Key_Comma, Qt::KeypadModifier, 110},
         {Qt::Key_Enter, Qt::KeypadModifier, 13},
         {Qt::Key_Backspace, Qt::NoModifier, 8},
         {Qt::Key_Tab, Qt::NoModifier, 9},
-        {Qt::Key_Backtab, Qt::ShiftModifier, 9},
-        {Qt::Key_Space, Qt::NoModifier, 32},
-        {Qt::Key_End, Qt::NoModifier, 35},
         {Qt::Key_Home, Qt::KeypadModifier, 36},  // the pad's Home with Num Lock off
         {Qt::Key_Delete, Qt::NoModifier, 46},
-        {Qt::Key_F1, Qt::NoModifier, 112},
         {Qt::Key_Shift, Qt::ShiftModifier, 16},
-        {Qt::Key_Control, Qt::ControlModifier, 17},
         {Qt::Key_Exclam, Qt::ShiftModifier, 49},  // Shift+1
-        {Qt::Key_ParenRight, Qt::ShiftModifier, 48},
         {Qt::Key_Comma, Qt::NoModifier, 188},
-        {Qt::Key_Minus, Qt::NoModifier, 189},
-        {Qt::Key_Period, Qt::NoModifier, 190},
         {Qt::Key_VolumeUp, Qt::NoModifier, 0},  // no code of the host's
     };
     for (const KeyCase& c : cases) {
@@ -101,10 +89,6 @@ TEST(QtPlatformTest, LocalesGiveNamesAndAShortDateWithFourDigitYears) {
     EXPECT_EQ(FormatDate(christmas, us.shortDatePattern, us), "12/25/2007");
     EXPECT_EQ(FormatDate(christmas, us.timePattern, us), "1:45:00 PM");
 
-    const Locale de = LocaleFrom(QLocale(QLocale::German, QLocale::Germany));
-    EXPECT_EQ(FormatDate(christmas, de.shortDatePattern, de), "25.12.2007");
-    EXPECT_EQ(de.monthAbbrevs[2].substr(0, 3), "M\xC3\xA4");  // März
-
     // A group separator the conversions cannot hold (a narrow no-break
     // space) still gives two different separators.
     const Locale fr = LocaleFrom(QLocale(QLocale::French, QLocale::France));
@@ -130,28 +114,6 @@ TEST(QtPlatformTest, ThePaletteBecomesTheSystemColourTable) {
     EXPECT_EQ(TranslateSysColor(0x8000000D), RGB(1, 2, 3));
     EXPECT_EQ(ToQColor(0x8000000F), QColor(10, 20, 30));
     SetSysColors(saved);
-}
-
-TEST(QtPlatformTest, TickCountIsTheMonotonicClockInMillisecondsTruncated) {
-    const auto now = [] {
-        return static_cast<std::uint32_t>(std::chrono::duration_cast<std::chrono::milliseconds>(
-                                              std::chrono::steady_clock::now().time_since_epoch())
-                                              .count());
-    };
-    const std::uint32_t before = now();
-    const std::uint32_t tick = TickCount();
-    const std::uint32_t after = now();
-    EXPECT_LE(static_cast<std::uint32_t>(tick - before),
-              static_cast<std::uint32_t>(after - before));
-}
-
-TEST(QtPlatformTest, FontsAndColoursRoundTrip) {
-    const Font f("DejaVu Serif", 11.5, true, true, true, true);
-    EXPECT_EQ(FromQFont(ToQFont(f)), f);
-    const Font plain("DejaVu Sans", 8.0);
-    EXPECT_EQ(FromQFont(ToQFont(plain)), plain);
-    EXPECT_EQ(FromQColor(QColor(12, 34, 56)), RGB(12, 34, 56));
-    EXPECT_EQ(ToQColor(RGB(12, 34, 56)), QColor(12, 34, 56));
 }
 
 TEST(QtPlatformTest, PicturesAndImagesKeepPixelsRowsAndTransparency) {
