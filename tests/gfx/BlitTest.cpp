@@ -13,9 +13,7 @@
 namespace kelvarin {
 namespace {
 
-using test::Bytes;
-using test::PixelAt;
-using test::RandomFill;
+using namespace test;
 
 // A plain top-down 24-bit context, as a control's drawing area might be.
 class Canvas final : public DeviceContext {

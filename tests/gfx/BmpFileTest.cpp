@@ -13,7 +13,7 @@
 namespace kelvarin {
 namespace {
 
-using test::ErrorOf;
+using namespace test;
 
 std::shared_ptr<Picture> RandomBitmap(int width, int height, int bits, std::size_t paletteSize,
                                       std::uint32_t seed) {

@@ -16,10 +16,7 @@
 namespace kelvarin {
 namespace {
 
-using test::Bytes;
-using test::ErrorOf;
-using test::PixelAt;
-using test::RandomFill;
+using namespace test;
 using Op = std::function<void(clsGFX_2D&)>;
 
 // One colour through each rule, on a row long enough for the whole-word

@@ -14,9 +14,7 @@
 namespace kelvarin {
 namespace {
 
-using test::Bytes;
-using test::ErrorOf;
-using test::RandomFill;
+using namespace test;
 using Pixels = std::set<std::pair<Long, Long>>;
 
 // The pixels of a 24-bit surface that are not black.

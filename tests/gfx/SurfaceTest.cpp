@@ -8,10 +8,7 @@
 namespace kelvarin {
 namespace {
 
-using test::Bytes;
-using test::ErrorOf;
-using test::PixelAt;
-using test::RandomFill;
+using namespace test;
 
 TEST(Surface, ScanLinesArePaddedToFourBytesAndSessionsReachIntoThePadding) {
     const struct {

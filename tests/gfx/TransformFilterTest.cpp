@@ -12,10 +12,7 @@
 namespace kelvarin {
 namespace {
 
-using test::Bytes;
-using test::ErrorOf;
-using test::PixelAt;
-using test::RandomFill;
+using namespace test;
 using Op = std::function<void(clsGFX_2D&)>;
 
 // A 24-bit surface filled with one colour.
