@@ -229,6 +229,12 @@ private:
     void StoreKernel(Long size, std::span<const Long> values, Long weight);
     ImageRows SessionRows() const;
     bool Require24(const char* message);
+    // The halftones: 24 bits only, and grey by luminance first unless in colour.
+    bool Halftone(bool color, void (*method)(ImageRows));
+    // The colour operations that change each pixel by itself (Color.cpp):
+    // false with message below 24 bits, else visit(p) for every pixel's bytes.
+    template <typename Visit>
+    bool ForEachPixel24(const char* message, Visit visit);
     void PutPixelChecked(Long X, Long Y, Long c);
     float NextRandom();
     template <int kBytes>
