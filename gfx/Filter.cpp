@@ -1,6 +1,6 @@
 // clsGFX_2D: convolution filters and smoothing.
 //
-//   1. Kernels: custom and built-in
+//   1. Kernels: custom, and built-in (gfx/BuiltInKernels.h)
 //   2. Convolution: the plain loop, the row loop, the 256-bit kernel
 //   3. Edge detection
 //   4. Smoothing: median and line-keeping, the plain loop and the wavefront
@@ -13,12 +13,12 @@
 #include "gfx/clsGFX_2D.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <cstring>
 #include <vector>
 
 #include "common/HostError.h"
+#include "gfx/BuiltInKernels.h"
 #include "gfx/Simd.h"
 #include "gfx/Targets.h"
 
@@ -27,28 +27,6 @@ namespace kelvarin {
 using namespace gfx_detail;
 
 namespace {
-
-// ---- 1. Kernels: custom and built-in -------------------------------------------
-
-struct BuiltInKernel {
-    Long size;
-    std::array<Long, 25> values;  // rows one after the other
-    Long weight;
-};
-
-// Types 0-8. All but type 6 are symmetric; type 6 takes -1 from the lower
-// right neighbour (rows are stored bottom-up) and +1 from the upper left.
-constexpr BuiltInKernel kBuiltIn[9] = {
-    {3, {1, 1, 1, 1, 1, 1, 1, 1, 1}, 9},
-    {5, {1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1}, 25},
-    {3, {1, 1, 1, 1, 4, 1, 1, 1, 1}, 12},
-    {5, {1, 1, 1, 1, 1, 1, 2, 2, 2, 1, 1, 2, 12, 2, 1, 1, 2, 2, 2, 1, 1, 1, 1, 1, 1}, 44},
-    {3, {-1, -1, -1, -1, 15, -1, -1, -1, -1}, 7},
-    {3, {0, -1, 0, -1, 5, -1, 0, -1, 0}, 1},
-    {3, {0, 0, -1, 0, 0, 0, 1, 0, 0}, 1},
-    {3, {1, 2, 1, 2, 4, 2, 1, 2, 1}, 16},
-    {3, {1, 1, 1, 1, -9, 1, 1, 1, 1}, 1},
-};
 
 // ---- 2. Convolution ----------------------------------------------------------
 
@@ -614,7 +592,7 @@ void clsGFX_2D::Filter_StandardFilter(Long lngFilterType, Long lngAddColor) {
     if (!Require24("Filter_StandardFilter is only for 24bit depth images")) return;
     SessionScope session(*this);
     if (lngFilterType >= 0 && lngFilterType <= 8) {
-        const BuiltInKernel& k = kBuiltIn[lngFilterType];
+        const BuiltInKernel& k = kBuiltInKernels[lngFilterType];
         StoreKernel(k.size, k.values, k.weight);
     }
     const ImageRows rows = SessionRows();
@@ -666,20 +644,15 @@ void clsGFX_2D::Filter_Smoothing(bool blnLinePreserve) {
     const ImageRows rows = SessionRows();
     if (rows.width < 5 || rows.height < 5) return;  // all frame
 #if KELVARIN_X86
+    // Each wavefront is compiled once per rule, which then costs nothing per pixel.
     if (Avx512VbmiEnabled()) {
-        if (blnLinePreserve) {
-            SmoothWavefront512<true>(rows);
-        } else {
-            SmoothWavefront512<false>(rows);
-        }
+        (blnLinePreserve ? SmoothWavefront512<true, ImageRows>
+                         : SmoothWavefront512<false, ImageRows>)(rows);
         return;
     }
     if (Avx2Enabled()) {
-        if (blnLinePreserve) {
-            SmoothWavefront<true>(rows);
-        } else {
-            SmoothWavefront<false>(rows);
-        }
+        (blnLinePreserve ? SmoothWavefront<true, ImageRows>
+                         : SmoothWavefront<false, ImageRows>)(rows);
         return;
     }
 #endif
