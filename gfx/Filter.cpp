@@ -107,7 +107,11 @@ void ConvolveBytes(const std::uint8_t* const* src, const std::vector<Tap>& taps,
 // weight rounded away from zero, which equals the truncated quotient for
 // sums below 2^15 in magnitude and weights up to 2^16.
 struct WideConvolution {
+    // The taps of 1, then those of -1, then the others, each group with a
+    // loop of its own without branches: the sums wrap modulo 2^16 and stay
+    // in range, so their order does not matter.
     std::vector<Tap> taps;
+    std::size_t ones = 0, minusOnes = 0;
     bool divide = false;
     float reciprocal = 1;
     // Per byte phase (position mod 3 of the block's first byte): the add
@@ -115,7 +119,14 @@ struct WideConvolution {
     __m256i add16Low[3], add16High[3];
 };
 
-KELVARIN_AVX2 void PrepareWide(WideConvolution& w, const Convolution& f) {
+KELVARIN_AVX2 void PrepareWide(WideConvolution& w, const Convolution& f,
+                               const std::vector<Tap>& taps) {
+    w.taps = taps;
+    const auto begin = w.taps.begin(), end = w.taps.end();
+    const auto minusOnes = std::partition(begin, end, [](const Tap& t) { return t.k == 1; });
+    const auto others = std::partition(minusOnes, end, [](const Tap& t) { return t.k == -1; });
+    w.ones = static_cast<std::size_t>(minusOnes - begin);
+    w.minusOnes = static_cast<std::size_t>(others - minusOnes);
     for (int phase = 0; phase < 3; ++phase) {
         alignas(32) std::uint8_t pattern[32];
         for (int b = 0; b < 32; ++b) pattern[b] = static_cast<std::uint8_t>(f.add[(phase + b) % 3]);
@@ -143,29 +154,44 @@ KELVARIN_AVX2 inline __m256i Finish16(__m256i sum, __m256i add, const WideConvol
     return _mm256_adds_epi16(_mm256_packs_epi32(qlo, qhi), add);
 }
 
+// The taps [first, last) into the 16-bit sums of the 32 bytes at b: kSign 1
+// adds their bytes, -1 subtracts them, 0 adds them times their k.
+template <int kSign>
+KELVARIN_AVX2 inline void Accumulate(const std::uint8_t* const* src, std::size_t b,
+                                     const Tap* first, const Tap* last, __m256i& lo, __m256i& hi) {
+    const __m256i zero = _mm256_setzero_si256();
+    for (const Tap* t = first; t != last; ++t) {
+        const __m256i v = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(
+            src[t->row] + static_cast<std::ptrdiff_t>(b) + t->offset));
+        __m256i vlo = _mm256_unpacklo_epi8(v, zero);
+        __m256i vhi = _mm256_unpackhi_epi8(v, zero);
+        if constexpr (kSign == 0) {
+            const __m256i k = _mm256_set1_epi16(static_cast<short>(t->k));
+            vlo = _mm256_mullo_epi16(vlo, k);
+            vhi = _mm256_mullo_epi16(vhi, k);
+        }
+        if constexpr (kSign < 0) {
+            lo = _mm256_sub_epi16(lo, vlo);
+            hi = _mm256_sub_epi16(hi, vhi);
+        } else {
+            lo = _mm256_add_epi16(lo, vlo);
+            hi = _mm256_add_epi16(hi, vhi);
+        }
+    }
+}
+
 KELVARIN_AVX2 std::size_t ConvolveAvx2(const std::uint8_t* const* src, const WideConvolution& w,
                                        std::uint8_t* out, std::size_t from, std::size_t to) {
     const __m256i zero = _mm256_setzero_si256();
     std::size_t b = from;
     for (; b + 32 <= to; b += 32) {
         __m256i lo = zero, hi = zero;
-        for (const Tap& t : w.taps) {
-            const __m256i v = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(
-                src[t.row] + static_cast<std::ptrdiff_t>(b) + t.offset));
-            const __m256i vlo = _mm256_unpacklo_epi8(v, zero);
-            const __m256i vhi = _mm256_unpackhi_epi8(v, zero);
-            if (t.k == 1) {
-                lo = _mm256_add_epi16(lo, vlo);
-                hi = _mm256_add_epi16(hi, vhi);
-            } else if (t.k == -1) {
-                lo = _mm256_sub_epi16(lo, vlo);
-                hi = _mm256_sub_epi16(hi, vhi);
-            } else {
-                const __m256i k = _mm256_set1_epi16(static_cast<short>(t.k));
-                lo = _mm256_add_epi16(lo, _mm256_mullo_epi16(vlo, k));
-                hi = _mm256_add_epi16(hi, _mm256_mullo_epi16(vhi, k));
-            }
-        }
+        const Tap* const ones = w.taps.data();
+        const Tap* const minusOnes = ones + w.ones;
+        const Tap* const others = minusOnes + w.minusOnes;
+        Accumulate<1>(src, b, ones, minusOnes, lo, hi);
+        Accumulate<-1>(src, b, minusOnes, others, lo, hi);
+        Accumulate<0>(src, b, others, ones + w.taps.size(), lo, hi);
         const std::size_t phase = b % 3;
         const __m256i bytes = _mm256_packus_epi16(Finish16(lo, w.add16Low[phase], w),
                                                   Finish16(hi, w.add16High[phase], w));
@@ -192,10 +218,7 @@ void ConvolveRows(const Rows& rows, const Convolution& f, bool wide) {
     }
 #if KELVARIN_X86
     WideConvolution w;
-    if (wide) {
-        w.taps = taps;
-        PrepareWide(w, f);
-    }
+    if (wide) PrepareWide(w, f, taps);
 #else
     (void)wide;
 #endif
