@@ -6,12 +6,12 @@
 // bytes, with the same kernels. Resamples count the pixels they produce.
 #include <benchmark/benchmark.h>
 
-#include <array>
 #include <cstring>
 #include <random>
 #include <string>
 #include <vector>
 
+#include "gfx/BuiltInKernels.h"
 #include "gfx/clsGFX_2D.h"
 
 #ifdef KELVARIN_BENCH_OPENCV
@@ -22,6 +22,7 @@
 namespace {
 
 using kelvarin::clsGFX_2D;
+using kelvarin::gfx_detail::kBuiltInKernels;
 
 void RandomContent(clsGFX_2D& gfx) {
     std::mt19937 random(42);
@@ -124,25 +125,6 @@ void BM_Draw_Line_Columns(benchmark::State& state) {
 
 // ---- Transforms and filters (4096 x 4096) -------------------------------------
 
-// The built-in kernels, as Filter_StandardFilter has them (rows in memory
-// order), for the peer.
-struct Kernel {
-    int size;
-    std::array<int, 25> values;
-    int weight;
-};
-constexpr Kernel kKernels[9] = {
-    {3, {1, 1, 1, 1, 1, 1, 1, 1, 1}, 9},
-    {5, {1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1}, 25},
-    {3, {1, 1, 1, 1, 4, 1, 1, 1, 1}, 12},
-    {5, {1, 1, 1, 1, 1, 1, 2, 2, 2, 1, 1, 2, 12, 2, 1, 1, 2, 2, 2, 1, 1, 1, 1, 1, 1}, 44},
-    {3, {-1, -1, -1, -1, 15, -1, -1, -1, -1}, 7},
-    {3, {0, -1, 0, -1, 5, -1, 0, -1, 0}, 1},
-    {3, {0, 0, -1, 0, 0, 0, 1, 0, 0}, 1},
-    {3, {1, 2, 1, 2, 4, 2, 1, 2, 1}, 16},
-    {3, {1, 1, 1, 1, -9, 1, 1, 1, 1}, 1},
-};
-
 void Large(benchmark::internal::Benchmark* b) {
     b->Args({4096, 4096})->Unit(benchmark::kMillisecond)->UseRealTime();
 }
@@ -150,7 +132,7 @@ void Large(benchmark::internal::Benchmark* b) {
 void BM_Filter_StandardFilter(benchmark::State& state) {
     const auto type = static_cast<int>(state.range(0));
     state.SetLabel("type " + std::to_string(type));
-    state.counters["kernel"] = kKernels[type].size;
+    state.counters["kernel"] = kBuiltInKernels[type].size;
     clsGFX_2D gfx;
     gfx.Create(4096, 4096, 24);
     RandomContent(gfx);
@@ -234,7 +216,7 @@ void RunOnMat(benchmark::State& state, Op op) {
 }
 
 void BM_CV_filter2D(benchmark::State& state) {
-    const Kernel& k = kKernels[state.range(0)];
+    const auto& k = kBuiltInKernels[state.range(0)];
     state.SetLabel("type " + std::to_string(state.range(0)));
     cv::Mat kernel(k.size, k.size, CV_32F);
     for (int i = 0; i < k.size * k.size; ++i) {

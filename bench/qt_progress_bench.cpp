@@ -29,51 +29,46 @@ void Prepare(QWidget& w) {
     QApplication::processEvents();
 }
 
-double WriteAndRepaint(ProgressBoxWidget& bar) {
+// QProgressBar takes ProgressBox's range of values.
+void Prepare(QProgressBar& bar) {
+    bar.setRange(0, 100);
+    Prepare(static_cast<QWidget&>(bar));
+}
+
+void Write(ProgressBoxWidget& bar, int value) { bar.SetValue(value); }
+void Write(QProgressBar& bar, int value) { bar.setValue(value); }
+
+template <typename Bar>
+double WriteAndRepaint(Bar& bar) {
     const auto start = std::chrono::steady_clock::now();
     for (int k = 0; k < kWrites; ++k) {
-        bar.SetValue(k % 100);
+        Write(bar, k % 100);
         bar.repaint();
     }
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
-double WriteAndRepaint(QProgressBar& bar) {
-    const auto start = std::chrono::steady_clock::now();
-    for (int k = 0; k < kWrites; ++k) {
-        bar.setValue(k % 100);
-        bar.repaint();
-    }
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
-
-void PerWrite(benchmark::State& state) {
+template <typename Bar>
+void BM_Bar(benchmark::State& state) {
+    Bar bar;
+    Prepare(bar);
+    for (auto _ : state) WriteAndRepaint(bar);
     state.SetItemsProcessed(state.iterations() * kWrites);
     state.counters["per_write"] = benchmark::Counter(
         kWrites, benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
 }
-
-void BM_ProgressBoxWidget(benchmark::State& state) {
-    ProgressBoxWidget bar;
-    Prepare(bar);
-    for (auto _ : state) WriteAndRepaint(bar);
-    PerWrite(state);
-}
-BENCHMARK(BM_ProgressBoxWidget)->Unit(benchmark::kMillisecond)->MinTime(1.0);
-
-void BM_QProgressBar(benchmark::State& state) {
-    QProgressBar bar;
-    bar.setRange(0, 100);
-    Prepare(bar);
-    for (auto _ : state) WriteAndRepaint(bar);
-    PerWrite(state);
-}
-BENCHMARK(BM_QProgressBar)->Unit(benchmark::kMillisecond)->MinTime(1.0);
+BENCHMARK_TEMPLATE(BM_Bar, ProgressBoxWidget)
+    ->Name("BM_ProgressBoxWidget")
+    ->Unit(benchmark::kMillisecond)
+    ->MinTime(1.0);
+BENCHMARK_TEMPLATE(BM_Bar, QProgressBar)
+    ->Name("BM_QProgressBar")
+    ->Unit(benchmark::kMillisecond)
+    ->MinTime(1.0);
 
 void BM_SameRun(benchmark::State& state) {
     ProgressBoxWidget ours;
     QProgressBar theirs;
-    theirs.setRange(0, 100);
     Prepare(ours);
     Prepare(theirs);
     double oursTotal = 0, theirsTotal = 0;

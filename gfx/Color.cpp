@@ -24,7 +24,9 @@ using namespace gfx_detail;
 
 namespace {
 
-// Hue, saturation and luminance as single-precision fractions of 1.
+// Hue, saturation and luminance in single precision: from ToHls the hue in
+// sixths of the circle (0 to 6) and the others as fractions of 1; from
+// ScaledHlsOf all three on the 0-255 scale.
 struct Hls {
     Single hue, saturation, luminance;
 };
@@ -79,6 +81,24 @@ std::uint8_t ScaleToByte(Single v) {
     const double rounded = RoundHalfEven(v);
     if (!(rounded > 0)) return 0;
     return rounded >= 255 ? 255 : static_cast<std::uint8_t>(rounded);
+}
+
+// visit(p) for every pixel of the rows, p at its bytes blue, green, red.
+// Rows come by value here and below: a copy of its own is one the pixel
+// stores cannot change, so the loops keep it in registers.
+template <typename Rows, typename Visit>
+void ForEachPixel(Rows rows, Visit visit) {
+    for (Long y = 0; y < rows.height; ++y) {
+        std::uint8_t* p = rows.Row(y);
+        for (Long x = 0; x < rows.width; ++x, p += 3) visit(p);
+    }
+}
+
+// GFX2D_conv_cRGB_cHLS of the pixel at p.
+Hls ScaledHlsOf(const std::uint8_t* p) {
+    Hls c;
+    clsGFX_2D::GFX2D_conv_cRGB_cHLS(p[2], p[1], p[0], c.hue, c.saturation, c.luminance);
+    return c;
 }
 
 // Round-half-even of s / 1000 for s >= 0, in integers.
@@ -276,27 +296,24 @@ bool clsGFX_2D::Color_FadeTo(Long lngMaskColor, Long lngFadeTo, double dblFadeWe
     }
     // Some byte value fails: the first pixel that has one raises, after the
     // bytes before it were written.
-    for (Long y = 0; y < rows.height; ++y) {
-        std::uint8_t* p = rows.Row(y);
-        for (Long x = 0; x < rows.width; ++x, p += 3) {
-            if (p[0] == m0 && p[1] == m1 && p[2] == m2) continue;
-            for (int c = 0; c < 3; ++c) {
-                const std::int16_t entry = table[c][p[c]];
-                if (entry < 0) throw HostError(static_cast<HostErrorCode>(-entry));
-                p[c] = static_cast<std::uint8_t>(entry);
-            }
+    ForEachPixel(rows, [&](std::uint8_t* p) {
+        if (p[0] == m0 && p[1] == m1 && p[2] == m2) return;
+        for (int c = 0; c < 3; ++c) {
+            const std::int16_t entry = table[c][p[c]];
+            if (entry < 0) throw HostError(static_cast<HostErrorCode>(-entry));
+            p[c] = static_cast<std::uint8_t>(entry);
         }
-    }
+    });
     return true;
 }
 
 // ---- 2. Halftones ----------------------------------------------------------
 
-bool clsGFX_2D::Color_Halftone_ErrorDiffusion(bool blnColor) {
-    if (!Require24("Color_Halftone_ErrorDiffusion is only for 24bit depth images")) return false;
-    SessionScope session(*this);
-    if (!blnColor) Color_ChannelComponent(16);
-    const ImageRows rows = SessionRows();
+namespace {
+
+// Each byte to 0 or 255, its error spread over neighbours not yet done.
+template <typename Rows>
+void DiffuseErrors(Rows rows) {
     // Output level and sixteenth of the error, ties to even, per byte value.
     std::uint8_t level[256];
     int error[256];
@@ -329,14 +346,11 @@ bool clsGFX_2D::Color_Halftone_ErrorDiffusion(bool blnColor) {
             }
         }
     }
-    return true;
 }
 
-bool clsGFX_2D::Color_Halftone_Dithering(bool blnColor) {
-    if (!Require24("Color_Halftone_ErrorDiffusion is only for 24bit depth images")) return false;
-    SessionScope session(*this);
-    if (!blnColor) Color_ChannelComponent(16);
-    const ImageRows rows = SessionRows();
+// Each byte to 0 or 255 against a 3 x 3 ordered threshold.
+template <typename Rows>
+void Dither(Rows rows) {
     static constexpr int kThreshold[3][3] = {
         {5, 2, 7}, {1, 0, 3}, {6, 8, 4}};  // [y mod 3][x mod 3]
     // Each byte depends on its own value and place only, so the image is
@@ -352,7 +366,25 @@ bool clsGFX_2D::Color_Halftone_Dithering(bool blnColor) {
             for (int c = 0; c < 3; ++c) p[c] = level[p[c]] > threshold ? 255 : 0;
         }
     }
+}
+
+}  // namespace
+
+bool clsGFX_2D::Halftone(bool color, void (*method)(ImageRows)) {
+    // Both report with the error diffusion's text.
+    if (!Require24("Color_Halftone_ErrorDiffusion is only for 24bit depth images")) return false;
+    SessionScope session(*this);
+    if (!color) Color_ChannelComponent(16);
+    method(SessionRows());
     return true;
+}
+
+bool clsGFX_2D::Color_Halftone_ErrorDiffusion(bool blnColor) {
+    return Halftone(blnColor, DiffuseErrors<ImageRows>);
+}
+
+bool clsGFX_2D::Color_Halftone_Dithering(bool blnColor) {
+    return Halftone(blnColor, Dither<ImageRows>);
 }
 
 // ---- 3. Hue, saturation, luminance -----------------------------------------------
@@ -381,75 +413,54 @@ void clsGFX_2D::GFX2D_conv_cHLS_cRGB(Single hue, Single saturation, Single lumin
     blue = FractionToByte(Hexcone(m1, m2, h - 2));
 }
 
-bool clsGFX_2D::Color_Colourise(std::uint8_t bytHue, std::uint8_t bytSaturation) {
-    if (!Require24("Color_Colourise is only for 24bit depth images")) return false;
+template <typename Visit>
+bool clsGFX_2D::ForEachPixel24(const char* message, Visit visit) {
+    if (!Require24(message)) return false;
     SessionScope session(*this);
-    const ImageRows rows = SessionRows();
-    for (Long y = 0; y < rows.height; ++y) {
-        std::uint8_t* p = rows.Row(y);
-        for (Long x = 0; x < rows.width; ++x, p += 3) {
-            Single hue, saturation, luminance;
-            GFX2D_conv_cRGB_cHLS(p[2], p[1], p[0], hue, saturation, luminance);
-            GFX2D_conv_cHLS_cRGB(bytHue, bytSaturation, luminance, p[2], p[1], p[0]);
-        }
-    }
+    ForEachPixel(SessionRows(), visit);
     return true;
+}
+
+bool clsGFX_2D::Color_Colourise(std::uint8_t bytHue, std::uint8_t bytSaturation) {
+    return ForEachPixel24("Color_Colourise is only for 24bit depth images", [&](std::uint8_t* p) {
+        GFX2D_conv_cHLS_cRGB(bytHue, bytSaturation, ScaledHlsOf(p).luminance, p[2], p[1], p[0]);
+    });
 }
 
 bool clsGFX_2D::Color_ChannelComponent(Long lngChannel) {
-    if (!Require24("Color_ChannelComponent is only for 24bit depth images")) return false;
+    const char* message = "Color_ChannelComponent is only for 24bit depth images";
     if (lngChannel != 0 && lngChannel != 1 && lngChannel != 2 && lngChannel != 4 &&
         lngChannel != 8 && lngChannel != 16) {
-        return true;  // any other code changes nothing and reports nothing
+        return Require24(message);  // any other code changes nothing
     }
-    SessionScope session(*this);
-    const ImageRows rows = SessionRows();
-    for (Long y = 0; y < rows.height; ++y) {
-        std::uint8_t* p = rows.Row(y);
-        for (Long x = 0; x < rows.width; ++x, p += 3) {
-            std::uint8_t v;
-            if (lngChannel <= 2) {
-                v = p[2 - lngChannel];  // red is byte 2, blue byte 0
-            } else {
-                Single hue, saturation, luminance;
-                GFX2D_conv_cRGB_cHLS(p[2], p[1], p[0], hue, saturation, luminance);
-                v = ScaleToByte(lngChannel == 4 ? hue : lngChannel == 8 ? saturation : luminance);
-            }
-            p[0] = p[1] = p[2] = v;
+    return ForEachPixel24(message, [&](std::uint8_t* p) {
+        std::uint8_t v;
+        if (lngChannel <= 2) {
+            v = p[2 - lngChannel];  // red is byte 2, blue byte 0
+        } else {
+            const Hls c = ScaledHlsOf(p);
+            v = ScaleToByte(lngChannel == 4 ? c.hue : lngChannel == 8 ? c.saturation : c.luminance);
         }
-    }
-    return true;
+        p[0] = p[1] = p[2] = v;
+    });
 }
 
 bool clsGFX_2D::Color_ConvertRGBToHSL() {
-    if (!Require24("Color_ConvertRGBToHSL is only for 24bit depth images")) return false;
-    SessionScope session(*this);
-    const ImageRows rows = SessionRows();
-    for (Long y = 0; y < rows.height; ++y) {
-        std::uint8_t* p = rows.Row(y);
-        for (Long x = 0; x < rows.width; ++x, p += 3) {
-            Single hue, saturation, luminance;
-            GFX2D_conv_cRGB_cHLS(p[2], p[1], p[0], hue, saturation, luminance);
-            p[2] = ScaleToByte(hue);
-            p[1] = ScaleToByte(saturation);
-            p[0] = ScaleToByte(luminance);
-        }
-    }
-    return true;
+    auto convert = [](std::uint8_t* p) {
+        const Hls c = ScaledHlsOf(p);
+        p[2] = ScaleToByte(c.hue);
+        p[1] = ScaleToByte(c.saturation);
+        p[0] = ScaleToByte(c.luminance);
+    };
+    return ForEachPixel24("Color_ConvertRGBToHSL is only for 24bit depth images", convert);
 }
 
 bool clsGFX_2D::Color_ConvertHSLToRGB() {
-    if (!Require24("Color_ConvertHSLToRGB is only for 24bit depth images")) return false;
-    SessionScope session(*this);
-    const ImageRows rows = SessionRows();
-    for (Long y = 0; y < rows.height; ++y) {
-        std::uint8_t* p = rows.Row(y);
-        for (Long x = 0; x < rows.width; ++x, p += 3) {
-            const std::uint8_t hue = p[2], saturation = p[1], luminance = p[0];
-            GFX2D_conv_cHLS_cRGB(hue, saturation, luminance, p[2], p[1], p[0]);
-        }
-    }
-    return true;
+    auto convert = [](std::uint8_t* p) {
+        const std::uint8_t hue = p[2], saturation = p[1], luminance = p[0];
+        GFX2D_conv_cHLS_cRGB(hue, saturation, luminance, p[2], p[1], p[0]);
+    };
+    return ForEachPixel24("Color_ConvertHSLToRGB is only for 24bit depth images", convert);
 }
 
 // ---- 4. Histograms ---------------------------------------------------------
@@ -463,14 +474,11 @@ bool clsGFX_2D::Color_GetIstogram(Long lngSelector, Histogram& lngIstogram1,
     lngIstogram1.fill(0);
     lngIstogram2.fill(0);
     lngIstogram3.fill(0);
-    for (Long y = 0; y < rows.height; ++y) {
-        const std::uint8_t* p = rows.Row(y);
-        for (Long x = 0; x < rows.width; ++x, p += 3) {
-            ++lngIstogram1[p[2]];
-            ++lngIstogram2[p[1]];
-            ++lngIstogram3[p[0]];
-        }
-    }
+    ForEachPixel(rows, [&](const std::uint8_t* p) {
+        ++lngIstogram1[p[2]];
+        ++lngIstogram2[p[1]];
+        ++lngIstogram3[p[0]];
+    });
     auto largest = [](const Histogram& h) { return *std::max_element(h.begin(), h.end()); };
     switch (lngSelector) {
         case 0: lngResult = largest(lngIstogram1); break;

@@ -1,6 +1,6 @@
 // clsGFX_2D: convolution filters and smoothing.
 //
-//   1. Kernels: custom and built-in
+//   1. Kernels: custom, and built-in (gfx/BuiltInKernels.h)
 //   2. Convolution: the plain loop, the row loop, the 256-bit kernel
 //   3. Edge detection
 //   4. Smoothing: median and line-keeping, the plain loop and the wavefront
@@ -13,12 +13,12 @@
 #include "gfx/clsGFX_2D.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <cstring>
 #include <vector>
 
 #include "common/HostError.h"
+#include "gfx/BuiltInKernels.h"
 #include "gfx/Simd.h"
 #include "gfx/Targets.h"
 
@@ -27,28 +27,6 @@ namespace kelvarin {
 using namespace gfx_detail;
 
 namespace {
-
-// ---- 1. Kernels: custom and built-in -------------------------------------------
-
-struct BuiltInKernel {
-    Long size;
-    std::array<Long, 25> values;  // rows one after the other
-    Long weight;
-};
-
-// Types 0-8. All but type 6 are symmetric; type 6 takes -1 from the lower
-// right neighbour (rows are stored bottom-up) and +1 from the upper left.
-constexpr BuiltInKernel kBuiltIn[9] = {
-    {3, {1, 1, 1, 1, 1, 1, 1, 1, 1}, 9},
-    {5, {1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1}, 25},
-    {3, {1, 1, 1, 1, 4, 1, 1, 1, 1}, 12},
-    {5, {1, 1, 1, 1, 1, 1, 2, 2, 2, 1, 1, 2, 12, 2, 1, 1, 2, 2, 2, 1, 1, 1, 1, 1, 1}, 44},
-    {3, {-1, -1, -1, -1, 15, -1, -1, -1, -1}, 7},
-    {3, {0, -1, 0, -1, 5, -1, 0, -1, 0}, 1},
-    {3, {0, 0, -1, 0, 0, 0, 1, 0, 0}, 1},
-    {3, {1, 2, 1, 2, 4, 2, 1, 2, 1}, 16},
-    {3, {1, 1, 1, 1, -9, 1, 1, 1, 1}, 1},
-};
 
 // ---- 2. Convolution ----------------------------------------------------------
 
@@ -129,7 +107,11 @@ void ConvolveBytes(const std::uint8_t* const* src, const std::vector<Tap>& taps,
 // weight rounded away from zero, which equals the truncated quotient for
 // sums below 2^15 in magnitude and weights up to 2^16.
 struct WideConvolution {
+    // The taps of 1, then those of -1, then the others, each group with a
+    // loop of its own without branches: the sums wrap modulo 2^16 and stay
+    // in range, so their order does not matter.
     std::vector<Tap> taps;
+    std::size_t ones = 0, minusOnes = 0;
     bool divide = false;
     float reciprocal = 1;
     // Per byte phase (position mod 3 of the block's first byte): the add
@@ -137,7 +119,14 @@ struct WideConvolution {
     __m256i add16Low[3], add16High[3];
 };
 
-KELVARIN_AVX2 void PrepareWide(WideConvolution& w, const Convolution& f) {
+KELVARIN_AVX2 void PrepareWide(WideConvolution& w, const Convolution& f,
+                               const std::vector<Tap>& taps) {
+    w.taps = taps;
+    const auto begin = w.taps.begin(), end = w.taps.end();
+    const auto minusOnes = std::partition(begin, end, [](const Tap& t) { return t.k == 1; });
+    const auto others = std::partition(minusOnes, end, [](const Tap& t) { return t.k == -1; });
+    w.ones = static_cast<std::size_t>(minusOnes - begin);
+    w.minusOnes = static_cast<std::size_t>(others - minusOnes);
     for (int phase = 0; phase < 3; ++phase) {
         alignas(32) std::uint8_t pattern[32];
         for (int b = 0; b < 32; ++b) pattern[b] = static_cast<std::uint8_t>(f.add[(phase + b) % 3]);
@@ -165,29 +154,44 @@ KELVARIN_AVX2 inline __m256i Finish16(__m256i sum, __m256i add, const WideConvol
     return _mm256_adds_epi16(_mm256_packs_epi32(qlo, qhi), add);
 }
 
+// The taps [first, last) into the 16-bit sums of the 32 bytes at b: kSign 1
+// adds their bytes, -1 subtracts them, 0 adds them times their k.
+template <int kSign>
+KELVARIN_AVX2 inline void Accumulate(const std::uint8_t* const* src, std::size_t b,
+                                     const Tap* first, const Tap* last, __m256i& lo, __m256i& hi) {
+    const __m256i zero = _mm256_setzero_si256();
+    for (const Tap* t = first; t != last; ++t) {
+        const __m256i v = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(
+            src[t->row] + static_cast<std::ptrdiff_t>(b) + t->offset));
+        __m256i vlo = _mm256_unpacklo_epi8(v, zero);
+        __m256i vhi = _mm256_unpackhi_epi8(v, zero);
+        if constexpr (kSign == 0) {
+            const __m256i k = _mm256_set1_epi16(static_cast<short>(t->k));
+            vlo = _mm256_mullo_epi16(vlo, k);
+            vhi = _mm256_mullo_epi16(vhi, k);
+        }
+        if constexpr (kSign < 0) {
+            lo = _mm256_sub_epi16(lo, vlo);
+            hi = _mm256_sub_epi16(hi, vhi);
+        } else {
+            lo = _mm256_add_epi16(lo, vlo);
+            hi = _mm256_add_epi16(hi, vhi);
+        }
+    }
+}
+
 KELVARIN_AVX2 std::size_t ConvolveAvx2(const std::uint8_t* const* src, const WideConvolution& w,
                                        std::uint8_t* out, std::size_t from, std::size_t to) {
     const __m256i zero = _mm256_setzero_si256();
     std::size_t b = from;
     for (; b + 32 <= to; b += 32) {
         __m256i lo = zero, hi = zero;
-        for (const Tap& t : w.taps) {
-            const __m256i v = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(
-                src[t.row] + static_cast<std::ptrdiff_t>(b) + t.offset));
-            const __m256i vlo = _mm256_unpacklo_epi8(v, zero);
-            const __m256i vhi = _mm256_unpackhi_epi8(v, zero);
-            if (t.k == 1) {
-                lo = _mm256_add_epi16(lo, vlo);
-                hi = _mm256_add_epi16(hi, vhi);
-            } else if (t.k == -1) {
-                lo = _mm256_sub_epi16(lo, vlo);
-                hi = _mm256_sub_epi16(hi, vhi);
-            } else {
-                const __m256i k = _mm256_set1_epi16(static_cast<short>(t.k));
-                lo = _mm256_add_epi16(lo, _mm256_mullo_epi16(vlo, k));
-                hi = _mm256_add_epi16(hi, _mm256_mullo_epi16(vhi, k));
-            }
-        }
+        const Tap* const ones = w.taps.data();
+        const Tap* const minusOnes = ones + w.ones;
+        const Tap* const others = minusOnes + w.minusOnes;
+        Accumulate<1>(src, b, ones, minusOnes, lo, hi);
+        Accumulate<-1>(src, b, minusOnes, others, lo, hi);
+        Accumulate<0>(src, b, others, ones + w.taps.size(), lo, hi);
         const std::size_t phase = b % 3;
         const __m256i bytes = _mm256_packus_epi16(Finish16(lo, w.add16Low[phase], w),
                                                   Finish16(hi, w.add16High[phase], w));
@@ -214,10 +218,7 @@ void ConvolveRows(const Rows& rows, const Convolution& f, bool wide) {
     }
 #if KELVARIN_X86
     WideConvolution w;
-    if (wide) {
-        w.taps = taps;
-        PrepareWide(w, f);
-    }
+    if (wide) PrepareWide(w, f, taps);
 #else
     (void)wide;
 #endif
@@ -614,7 +615,7 @@ void clsGFX_2D::Filter_StandardFilter(Long lngFilterType, Long lngAddColor) {
     if (!Require24("Filter_StandardFilter is only for 24bit depth images")) return;
     SessionScope session(*this);
     if (lngFilterType >= 0 && lngFilterType <= 8) {
-        const BuiltInKernel& k = kBuiltIn[lngFilterType];
+        const BuiltInKernel& k = kBuiltInKernels[lngFilterType];
         StoreKernel(k.size, k.values, k.weight);
     }
     const ImageRows rows = SessionRows();
@@ -666,20 +667,15 @@ void clsGFX_2D::Filter_Smoothing(bool blnLinePreserve) {
     const ImageRows rows = SessionRows();
     if (rows.width < 5 || rows.height < 5) return;  // all frame
 #if KELVARIN_X86
+    // Each wavefront is compiled once per rule, which then costs nothing per pixel.
     if (Avx512VbmiEnabled()) {
-        if (blnLinePreserve) {
-            SmoothWavefront512<true>(rows);
-        } else {
-            SmoothWavefront512<false>(rows);
-        }
+        (blnLinePreserve ? SmoothWavefront512<true, ImageRows>
+                         : SmoothWavefront512<false, ImageRows>)(rows);
         return;
     }
     if (Avx2Enabled()) {
-        if (blnLinePreserve) {
-            SmoothWavefront<true>(rows);
-        } else {
-            SmoothWavefront<false>(rows);
-        }
+        (blnLinePreserve ? SmoothWavefront<true, ImageRows>
+                         : SmoothWavefront<false, ImageRows>)(rows);
         return;
     }
 #endif

@@ -153,27 +153,27 @@ std::shared_ptr<Picture> clsGFX_2D::Get_Picture() {
 
 bool clsGFX_2D::BitBlt_LoadPicture(const DeviceContext* lhDC, Long lSrcLeft, Long lSrcTop,
                                    Long lSrcWidth, Long lSrcHeight, std::uint32_t eRop) {
-    if (!IsKnownRasterOp(eRop)) {
-        lastError_ = UnknownRopText("BitBlt_LoadPicture", eRop);
-        return false;
-    }
-    if (lhDC == nullptr || !HasSurface()) return false;
-    const Long w = lSrcWidth < 0 ? width_ : lSrcWidth;
-    const Long h = lSrcHeight < 0 ? height_ : lSrcHeight;
-    return BitBlt(*this, 0, 0, w, h, lhDC, lSrcLeft, lSrcTop, eRop);
+    return Transfer("BitBlt_LoadPicture", this, 0, 0, lSrcWidth, lSrcHeight, lhDC, lSrcLeft,
+                    lSrcTop, eRop);
 }
 
 bool clsGFX_2D::BitBlt_PaintPicture(DeviceContext* lhDC, Long lDestLeft, Long lDestTop,
                                     Long lDestWidth, Long lDestHeight, Long lSrcLeft, Long lSrcTop,
                                     std::uint32_t eRop) {
-    if (!IsKnownRasterOp(eRop)) {
-        lastError_ = UnknownRopText("BitBlt_PaintPicture", eRop);
+    return Transfer("BitBlt_PaintPicture", lhDC, lDestLeft, lDestTop, lDestWidth, lDestHeight, this,
+                    lSrcLeft, lSrcTop, eRop);
+}
+
+bool clsGFX_2D::Transfer(const char* operation, DeviceContext* dst, Long dstX, Long dstY,
+                         Long width, Long height, const DeviceContext* src, Long srcX, Long srcY,
+                         std::uint32_t rop) {
+    if (!IsKnownRasterOp(rop)) {
+        lastError_ = UnknownRopText(operation, rop);
         return false;
     }
-    if (lhDC == nullptr || !HasSurface()) return false;
-    const Long w = lDestWidth < 0 ? width_ : lDestWidth;
-    const Long h = lDestHeight < 0 ? height_ : lDestHeight;
-    return BitBlt(*lhDC, lDestLeft, lDestTop, w, h, this, lSrcLeft, lSrcTop, eRop);
+    if (dst == nullptr || src == nullptr || !HasSurface()) return false;
+    return BitBlt(*dst, dstX, dstY, width < 0 ? width_ : width, height < 0 ? height_ : height, src,
+                  srcX, srcY, rop);
 }
 
 // ---- 4. Header queries -----------------------------------------------------

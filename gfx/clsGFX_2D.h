@@ -226,9 +226,20 @@ private:
     bool Allocate(Long lWidth, Long lHeight, Long BitPerPixels, bool zeroFill);
     // Takes over other's surface as Create would leave it; other is emptied.
     void AdoptSurface(clsGFX_2D& other) noexcept;
+    // Both block transfers, one end being this surface: an unknown operation
+    // is reported under the operation's name; a missing context or surface
+    // copies nothing; a negative size stands for the surface's.
+    bool Transfer(const char* operation, DeviceContext* dst, Long dstX, Long dstY, Long width,
+                  Long height, const DeviceContext* src, Long srcX, Long srcY, std::uint32_t rop);
     void StoreKernel(Long size, std::span<const Long> values, Long weight);
     ImageRows SessionRows() const;
     bool Require24(const char* message);
+    // The halftones: 24 bits only, and grey by luminance first unless in colour.
+    bool Halftone(bool color, void (*method)(ImageRows));
+    // The colour operations that change each pixel by itself (Color.cpp):
+    // false with message below 24 bits, else visit(p) for every pixel's bytes.
+    template <typename Visit>
+    bool ForEachPixel24(const char* message, Visit visit);
     void PutPixelChecked(Long X, Long Y, Long c);
     float NextRandom();
     template <int kBytes>

@@ -1,0 +1,224 @@
+// Private to gfx/Simd.cpp: the row kernels of the colour operations, written
+// once over the register width. Simd.cpp includes this file once with
+// KELVARIN_SIMD_BITS 128 and once with 256, after its shuffle tables (Mask,
+// kGather, kScatter); each copy lands in its own namespace (v128, v256) and
+// is compiled for its own processor target (SSSE3, AVX2), which a template
+// could not be. Hence no include guard.
+//
+// A 256-bit register holds two groups of 16 pixels, one per 128-bit half,
+// and every instruction below works within halves, so both widths take
+// exactly the same steps on each group of 16 pixels.
+
+#if KELVARIN_SIMD_BITS == 128
+#define KELVARIN_SIMD_NAMESPACE v128
+#define KELVARIN_TARGET KELVARIN_SSSE3
+// An intrinsic of this width by its lane-type name, or its whole-register form.
+#define VEC(op) _mm_##op
+#define VEC_SI(op) _mm_##op##_si128
+#elif KELVARIN_SIMD_BITS == 256
+#define KELVARIN_SIMD_NAMESPACE v256
+#define KELVARIN_TARGET KELVARIN_AVX2
+#define VEC(op) _mm256_##op
+#define VEC_SI(op) _mm256_##op##_si256
+#else
+#error "KELVARIN_SIMD_BITS must be 128 or 256"
+#endif
+
+namespace kelvarin::gfx_detail {
+namespace {
+namespace KELVARIN_SIMD_NAMESPACE {
+
+#if KELVARIN_SIMD_BITS == 128
+
+using Reg = __m128i;
+constexpr Long kPixels = 16;  // in three registers, 16 bytes each
+
+KELVARIN_TARGET inline Reg LoadPart(const std::uint8_t* block, int k) {
+    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(block + 16 * k));
+}
+KELVARIN_TARGET inline void StorePart(std::uint8_t* block, int k, Reg v) {
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(block + 16 * k), v);
+}
+KELVARIN_TARGET inline Reg Table(const Mask& m) {
+    return _mm_load_si128(reinterpret_cast<const __m128i*>(m.data()));
+}
+// Per byte, a where keep is set and b elsewhere (SSSE3 has no byte blend).
+KELVARIN_TARGET inline Reg Select(Reg keep, Reg a, Reg b) {
+    return _mm_or_si128(_mm_and_si128(keep, a), _mm_andnot_si128(keep, b));
+}
+
+#else
+
+using Reg = __m256i;
+// Two groups of 16: register k holds part k of the first group in its low
+// half and of the second (48 bytes on) in its high half.
+constexpr Long kPixels = 32;
+
+KELVARIN_TARGET inline Reg LoadPart(const std::uint8_t* block, int k) {
+    return _mm256_loadu2_m128i(reinterpret_cast<const __m128i*>(block + 48 + 16 * k),
+                               reinterpret_cast<const __m128i*>(block + 16 * k));
+}
+KELVARIN_TARGET inline void StorePart(std::uint8_t* block, int k, Reg v) {
+    _mm256_storeu2_m128i(reinterpret_cast<__m128i*>(block + 48 + 16 * k),
+                         reinterpret_cast<__m128i*>(block + 16 * k), v);
+}
+KELVARIN_TARGET inline Reg Table(const Mask& m) {
+    return _mm256_broadcastsi128_si256(_mm_load_si128(reinterpret_cast<const __m128i*>(m.data())));
+}
+KELVARIN_TARGET inline Reg Select(Reg keep, Reg a, Reg b) { return _mm256_blendv_epi8(b, a, keep); }
+
+#endif
+
+// One vector from three through their tables (see Simd.cpp): kGather[c]
+// takes channel c out of a block's three registers, kScatter[k] puts the
+// channels back into register k.
+KELVARIN_TARGET inline Reg Mix(const Reg in[3], const std::array<Mask, 3>& tables) {
+    return VEC_SI(or)(VEC_SI(or)(VEC(shuffle_epi8)(in[0], Table(tables[0])),
+                                 VEC(shuffle_epi8)(in[1], Table(tables[1]))),
+                      VEC(shuffle_epi8)(in[2], Table(tables[2])));
+}
+
+// The block at row as its channels: ch[0] blue, ch[1] green, ch[2] red, a
+// byte per pixel. Here and below, loops over a block's three registers are
+// unrolled so that they stay registers.
+KELVARIN_TARGET inline void LoadChannels(const std::uint8_t* row, Reg ch[3]) {
+    Reg v[3];
+#pragma GCC unroll 3
+    for (int k = 0; k < 3; ++k) v[k] = LoadPart(row, k);
+#pragma GCC unroll 3
+    for (int c = 0; c < 3; ++c) ch[c] = Mix(v, kGather[c]);
+}
+
+KELVARIN_TARGET inline void StoreChannels(std::uint8_t* row, const Reg ch[3]) {
+#pragma GCC unroll 3
+    for (int k = 0; k < 3; ++k) StorePart(row, k, Mix(ch, kScatter[k]));
+}
+
+KELVARIN_TARGET inline void Splat(const std::uint8_t bytes[3], Reg out[3]) {
+    for (int c = 0; c < 3; ++c) out[c] = VEC(set1_epi8)(static_cast<char>(bytes[c]));
+}
+
+// All ones in the pixels whose three channels equal bytes[0..2].
+KELVARIN_TARGET inline Reg Matches(const Reg ch[3], const Reg bytes[3]) {
+    return VEC_SI(and)(
+        VEC(cmpeq_epi8)(ch[0], bytes[0]),
+        VEC_SI(and)(VEC(cmpeq_epi8)(ch[1], bytes[1]), VEC(cmpeq_epi8)(ch[2], bytes[2])));
+}
+
+// Weighted grey of pixels whose channels are widened to 16 bits:
+// round-half-even of s / 1000 with s = 222 red + 707 green + 71 blue.
+// With n = s + 500, the quotient is floor(floor(n / 8) / 125): n / 8 fits
+// 16 bits, and its quotient by 125 is the high half of a 16-bit product with
+// ceil(2^22 / 125), exact below 59074. A tie is n a multiple of 1000 (n / 8
+// a multiple of 125, and n itself of 8); it loses one when the quotient is odd.
+KELVARIN_TARGET inline Reg Weighted16(Reg b, Reg g, Reg r) {
+    const Reg rgWeights = VEC(set1_epi32)(222 | 707 << 16);
+    const Reg bWeights = VEC(set1_epi32)(71 | 500 << 16);  // pairs (b, 1): + 500 once
+    const Reg one = VEC(set1_epi16)(1);
+    const Reg zero = VEC_SI(setzero)();
+    const Reg lo = VEC(add_epi32)(VEC(madd_epi16)(VEC(unpacklo_epi16)(r, g), rgWeights),
+                                  VEC(madd_epi16)(VEC(unpacklo_epi16)(b, one), bWeights));
+    const Reg hi = VEC(add_epi32)(VEC(madd_epi16)(VEC(unpackhi_epi16)(r, g), rgWeights),
+                                  VEC(madd_epi16)(VEC(unpackhi_epi16)(b, one), bWeights));
+    const Reg eighths = VEC(packs_epi32)(VEC(srli_epi32)(lo, 3), VEC(srli_epi32)(hi, 3));
+    const Reg rest =
+        VEC(packs_epi32)(VEC_SI(and)(lo, VEC(set1_epi32)(7)), VEC_SI(and)(hi, VEC(set1_epi32)(7)));
+    const Reg q = VEC(srli_epi16)(
+        VEC(mulhi_epu16)(eighths, VEC(set1_epi16)(static_cast<short>(33555 - 65536))), 6);
+    const Reg tie =
+        VEC_SI(and)(VEC(cmpeq_epi16)(VEC(mullo_epi16)(q, VEC(set1_epi16)(125)), eighths),
+                    VEC(cmpeq_epi16)(rest, zero));
+    return VEC(sub_epi16)(q, VEC_SI(and)(tie, VEC_SI(and)(q, one)));
+}
+
+KELVARIN_TARGET inline Reg WeightedGrey(const Reg ch[3]) {
+    const Reg zero = VEC_SI(setzero)();
+    return VEC(packus_epi16)(
+        Weighted16(VEC(unpacklo_epi8)(ch[0], zero), VEC(unpacklo_epi8)(ch[1], zero),
+                   VEC(unpacklo_epi8)(ch[2], zero)),
+        Weighted16(VEC(unpackhi_epi8)(ch[0], zero), VEC(unpackhi_epi8)(ch[1], zero),
+                   VEC(unpackhi_epi8)(ch[2], zero)));
+}
+
+// The kernels: whole blocks of kPixels pixels from the row's start; each
+// returns how many pixels it did.
+
+template <bool kWeighted>
+KELVARIN_TARGET Long GrayBlocks(std::uint8_t* row, Long width, const std::uint8_t mask[3]) {
+    Reg maskBytes[3];
+    Splat(mask, maskBytes);
+    Long x = 0;
+    for (; x + kPixels <= width; x += kPixels, row += 3 * kPixels) {
+        Reg ch[3];
+        LoadChannels(row, ch);
+        const Reg grey =
+            kWeighted ? WeightedGrey(ch) : VEC(max_epu8)(ch[0], VEC(max_epu8)(ch[1], ch[2]));
+        const Reg keep = Matches(ch, maskBytes);
+        Reg out[3];
+#pragma GCC unroll 3
+        for (int c = 0; c < 3; ++c) out[c] = Select(keep, ch[c], grey);
+        StoreChannels(row, out);
+    }
+    return x;
+}
+
+KELVARIN_TARGET Long Gray(std::uint8_t* row, Long width, const std::uint8_t* mask, bool weighted) {
+    return weighted ? GrayBlocks<true>(row, width, mask) : GrayBlocks<false>(row, width, mask);
+}
+
+KELVARIN_TARGET Long Fade(std::uint8_t* row, Long width, const std::uint8_t* mask, const int* part,
+                          int shift) {
+    const Reg zero = VEC_SI(setzero)();
+    const __m128i count = _mm_cvtsi32_si128(shift);
+    Reg maskBytes[3], parts[3];
+    Splat(mask, maskBytes);
+    for (int c = 0; c < 3; ++c) parts[c] = VEC(set1_epi16)(static_cast<short>(part[c]));
+    Long x = 0;
+    for (; x + kPixels <= width; x += kPixels, row += 3 * kPixels) {
+        Reg ch[3];
+        LoadChannels(row, ch);
+        const Reg keep = Matches(ch, maskBytes);
+        Reg out[3];
+#pragma GCC unroll 3
+        for (int c = 0; c < 3; ++c) {
+            const Reg lo =
+                VEC(srl_epi16)(VEC(add_epi16)(VEC(unpacklo_epi8)(ch[c], zero), parts[c]), count);
+            const Reg hi =
+                VEC(srl_epi16)(VEC(add_epi16)(VEC(unpackhi_epi8)(ch[c], zero), parts[c]), count);
+            out[c] = Select(keep, ch[c], VEC(packus_epi16)(lo, hi));
+        }
+        StoreChannels(row, out);
+    }
+    return x;
+}
+
+KELVARIN_TARGET Long Replace(std::uint8_t* row, Long width, const std::uint8_t* from,
+                             const std::uint8_t* to) {
+    Reg fromBytes[3], toBytes[3];
+    Splat(from, fromBytes);
+    Splat(to, toBytes);
+    Long x = 0;
+    for (; x + kPixels <= width; x += kPixels, row += 3 * kPixels) {
+        Reg ch[3];
+        LoadChannels(row, ch);
+        const Reg hit = Matches(ch, fromBytes);
+        // Nothing to write is the usual case; as the straight path it saves a
+        // taken jump per block.
+        if (VEC(movemask_epi8)(hit) == 0) [[likely]]
+            continue;
+        Reg out[3];
+#pragma GCC unroll 3
+        for (int c = 0; c < 3; ++c) out[c] = Select(hit, toBytes[c], ch[c]);
+        StoreChannels(row, out);
+    }
+    return x;
+}
+
+}  // namespace KELVARIN_SIMD_NAMESPACE
+}  // namespace
+}  // namespace kelvarin::gfx_detail
+
+#undef VEC_SI
+#undef VEC
+#undef KELVARIN_TARGET
+#undef KELVARIN_SIMD_NAMESPACE
