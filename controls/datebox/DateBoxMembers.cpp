@@ -97,20 +97,18 @@ host::MemberTable DateBox::Table() {
 
 namespace {
 
+using enum DateBox::Row;
+
 // Appearance is read first, before anything that lays the fields out; the
 // two orders differ from each other and from the type library's.
-constexpr int kReadOrder[] = {
-    DB::kAppearance, DB::kBackColor,      DB::kFont,        DB::kEnabled,
-    DB::kLocked,     DB::kForeColor,      DB::kBorderStyle, DB::kValue,
-    DB::kAlignment,  DB::kDateFormat,     DB::kSmallChange, DB::kLargeChange,
-    DB::kNullable,   DB::kCalendarButton, DB::kMinDate,     DB::kMaxDate,
-};
-constexpr int kWriteOrder[] = {
-    DB::kAppearance, DB::kBackColor,      DB::kBorderStyle, DB::kForeColor,
-    DB::kEnabled,    DB::kFont,           DB::kLocked,      DB::kValue,
-    DB::kAlignment,  DB::kDateFormat,     DB::kSmallChange, DB::kLargeChange,
-    DB::kNullable,   DB::kCalendarButton, DB::kMinDate,     DB::kMaxDate,
-};
+constexpr int kReadOrder[] = {kAppearance, kBackColor,      kFont,        kEnabled,
+                              kLocked,     kForeColor,      kBorderStyle, kValue,
+                              kAlignment,  kDateFormat,     kSmallChange, kLargeChange,
+                              kNullable,   kCalendarButton, kMinDate,     kMaxDate};
+constexpr int kWriteOrder[] = {kAppearance, kBackColor,      kBorderStyle, kForeColor,
+                               kEnabled,    kFont,           kLocked,      kValue,
+                               kAlignment,  kDateFormat,     kSmallChange, kLargeChange,
+                               kNullable,   kCalendarButton, kMinDate,     kMaxDate};
 
 }  // namespace
 

@@ -124,14 +124,14 @@ host::MemberTable ProgressBox::Table() {
 
 namespace {
 
+using enum ProgressBox::Row;
+
 // The order the properties are read and written in: not the type library's.
 constexpr int kPersistOrder[] = {
-    PB::kEnabled,       PB::kFont,       PB::kBorderStyle,    PB::kAppearance,
-    PB::kBackColor,     PB::kMouseIcon,  PB::kMousePointer,   PB::kStartColor,
-    PB::kFinishColor,   PB::kText,       PB::kShowPercentual, PB::kAlignment,
-    PB::kMinValue,      PB::kMaxValue,   PB::kValue,          PB::kPercentual,
-    PB::kGradientStyle, PB::kPivotColor, PB::kForeColor,      PB::kTimerChangedInterval,
-};
+    kEnabled,        kFont,          kBorderStyle, kAppearance,  kBackColor,
+    kMouseIcon,      kMousePointer,  kStartColor,  kFinishColor, kText,
+    kShowPercentual, kAlignment,     kMinValue,    kMaxValue,    kValue,
+    kPercentual,     kGradientStyle, kPivotColor,  kForeColor,   kTimerChangedInterval};
 
 }  // namespace
 
