@@ -81,20 +81,17 @@ public:
     host::MemberTable Members() const override { return Table(); }
 
     // ---- Properties (each write records its change under its own name) ------
-    Long Appearance() const noexcept { return SurfaceState().appearance; }
+    // Appearance, BackColor and BorderStyle read as the control base keeps them.
     void SetAppearance(Long appearance);
-    OLE_COLOR BackColor() const noexcept { return SurfaceState().backColor; }
     void SetBackColor(OLE_COLOR color);
     OLE_COLOR ForeColor() const noexcept { return txtData_(1).foreColor; }
     void SetForeColor(OLE_COLOR color);
-    // 0 left, 1 right, 2 centre.
     Long Alignment() const noexcept { return alignment_; }
     void SetAlignment(Long alignment);
     bool Enabled() const noexcept { return txtData_(1).enabled; }
     void SetEnabled(bool enabled);
     std::shared_ptr<Font> GetFont() const { return txtData_(1).font; }
     void SetFont(std::shared_ptr<Font> font);
-    Long BorderStyle() const noexcept { return SurfaceState().borderStyle; }
     void SetBorderStyle(Long style);
     bool Locked() const noexcept { return txtData_(1).locked; }
     void SetLocked(bool locked);
