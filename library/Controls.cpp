@@ -1,5 +1,6 @@
 #include "library/Controls.h"
 
+#include "controls/commandbox/CommandBox.h"
 #include "controls/datebox/DateBox.h"
 #include "controls/progressbox/ProgressBox.h"
 
@@ -7,6 +8,7 @@ namespace kelvarin::library {
 
 ControlCreator CreatorOf(std::string_view className) {
     if (className == "DateBox") return [] { return std::make_unique<controls::DateBox>(); };
+    if (className == "CommandBox") return [] { return std::make_unique<controls::CommandBox>(); };
     if (className == "ProgressBox") return [] { return std::make_unique<controls::ProgressBox>(); };
     return nullptr;
 }
