@@ -92,6 +92,9 @@ public:
     virtual void DblClick() {}
     // The user typed one of the control's access keys (Alt and the character).
     virtual void AccessKeyPress(Integer keyAscii) { (void)keyAscii; }
+    // Whether the key (its key code) is one of the control's access keys,
+    // whatever the case.
+    bool HasAccessKey(int keyCode) const noexcept;
     virtual void GotFocus() {}
     // Asked before the focus leaves; false keeps it here.
     virtual bool QueryLeaveFocus() { return true; }

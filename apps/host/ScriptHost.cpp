@@ -370,8 +370,10 @@ const std::vector<ScriptHost::Command>& ScriptHost::Commands() {
     };
     constexpr auto click = [](ScriptHost& h, const Words& w, L) {
         const double x = ToNumber(w[2]), y = ToNumber(w[3]);
-        h.SendMouse(w[1], "down", host::kLeftButton, 0, x, y);
-        h.SendMouse(w[1], "up", host::kLeftButton, 0, x, y);
+        const int button = w.size() == 5 ? ToInt(w[4]) : host::kLeftButton;
+        if (button < 1 || button > 7) throw ScriptError{"a button is 1 to 7"};
+        h.SendMouse(w[1], "down", button, 0, x, y);
+        h.SendMouse(w[1], "up", button, 0, x, y);
         // The second press only reaches a control that took the first click.
         if (w[0] != "dblclick" || EqualsIgnoreCase(w[1], "popup") || h.host_.openPopup ||
             !h.Control(w[1]).Get().SurfaceState().enabled)
@@ -468,6 +470,14 @@ const std::vector<ScriptHost::Command>& ScriptHost::Commands() {
         {"stroke", "stroke CODE [SHIFT]", 2, 3,
          [](ScriptHost& h, const Words& w, L) {
              const int code = ToInt(w[1]), shift = w.size() == 3 ? ToInt(w[2]) : 0;
+             // Alt and a control's access key is the form's: it goes to that
+             // control and no further, and the focus stays where it is.
+             if ((shift & host::kAltMask) && !h.host_.openPopup) {
+                 if (Placed* owner = h.host_.AccessKeyOwner(code)) {
+                     owner->Get().AccessKeyPress(static_cast<Integer>(code));
+                     return;
+                 }
+             }
              h.SendKey("down", code, shift);
              if (const int c = TypedCharacter(code)) h.SendKey("press", c, shift);
              h.SendKey("up", code, shift);
@@ -483,8 +493,8 @@ const std::vector<ScriptHost::Command>& ScriptHost::Commands() {
                  throw ScriptError{"usage: mouse TARGET down|up|move BUTTON SHIFT X Y"};
              h.SendMouse(w[1], w[2], ToInt(w[3]), ToInt(w[4]), ToNumber(w[5]), ToNumber(w[6]));
          }},
-        {"click", "click|dblclick TARGET X Y", 4, 4, click},
-        {"dblclick", "click|dblclick TARGET X Y", 4, 4, click},
+        {"click", "click TARGET X Y [BUTTON]", 4, 5, click},
+        {"dblclick", "dblclick TARGET X Y", 4, 4, click},
         {"pointer", "pointer NAME over|away", 3, 3,
          [](ScriptHost& h, const Words& w, L) {
              if (w[2] != "over" && w[2] != "away")
