@@ -412,6 +412,11 @@ const std::vector<ScriptHost::Command>& ScriptHost::Commands() {
          [](ScriptHost& h, const Words& w, L) {
              h.Control(w[1]).MoveTo({ToInt(w[2]), ToInt(w[3])});
          }},
+        {"scale", "scale pixels|twips", 2, 2,
+         [](ScriptHost& h, const Words& w, L) {
+             if (w[1] != "pixels" && w[1] != "twips") throw ScriptError{"usage: scale pixels|twips"};
+             h.host_.unitsPerPixel = w[1] == "twips" ? 15.0 : 1.0;
+         }},
         {"screen", "screen WIDTH HEIGHT", 3, 3,
          [](ScriptHost& h, const Words& w, L) {
              h.host_.screen = {ToInt(w[1]), ToInt(w[2])};
