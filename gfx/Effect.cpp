@@ -631,7 +631,7 @@ namespace {
 // One height of the next step from this step's four neighbours and its own
 // value of the step before, damped by 1/2^shift rounded away from zero.
 inline std::int16_t Propagate(int left, int right, int down, int up, int before, int shift) {
-    const int v = ((left + right + down + up) >> 1) - before;
+    const int v = (left + right + down + up) / 2 - before;
     int m = v < 0 ? -v : v;
     m -= (m + (1 << shift) - 1) >> shift;
     return static_cast<std::int16_t>(std::clamp(v < 0 ? -m : m, -kMaxHeight, kMaxHeight));
@@ -655,7 +655,9 @@ KELVARIN_SSSE3 std::size_t WaterRow128(std::int16_t* next, const std::int16_t* n
         const std::int16_t* c = now + i;
         const __m128i sum = _mm_add_epi16(_mm_add_epi16(load(c - 1), load(c + 1)),
                                           _mm_add_epi16(load(c - stride), load(c + stride)));
-        const __m128i v = _mm_sub_epi16(_mm_srai_epi16(sum, 1), load(next + i));
+        // Halved towards zero, as the plain loop's division.
+        const __m128i half = _mm_srai_epi16(_mm_add_epi16(sum, _mm_srli_epi16(sum, 15)), 1);
+        const __m128i v = _mm_sub_epi16(half, load(next + i));
         __m128i m = _mm_abs_epi16(v);
         m = _mm_sub_epi16(m, _mm_srl_epi16(_mm_add_epi16(m, round), count));
         const __m128i out = _mm_max_epi16(_mm_min_epi16(_mm_sign_epi16(m, v), hi), lo);
@@ -664,6 +666,56 @@ KELVARIN_SSSE3 std::size_t WaterRow128(std::int16_t* next, const std::int16_t* n
     }
     any = any || _mm_movemask_epi8(_mm_cmpeq_epi16(seen, _mm_setzero_si128())) != 0xFFFF;
     return i;
+}
+
+KELVARIN_AVX2 inline __m256i Heights256(const std::int16_t* p) {
+    return _mm256_cvtepi16_epi32(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p)));
+}
+
+// The picture seen through the water, eight pixels of a row at a time: as
+// the plain loop, each pixel read as four bytes, so a block that would read
+// past the picture's last byte (limit: the last offset that may be read) is
+// left to it. Stops where a block's stores, 28 bytes, would pass the row's
+// pixels; returns how many pixels it did.
+KELVARIN_AVX2 Long WaterPixels256(std::uint8_t* out, const std::int16_t* h, std::ptrdiff_t stride,
+                                  Long y, Long width, Long height, const std::uint8_t* picture,
+                                  std::ptrdiff_t pictureStride, std::ptrdiff_t limit) {
+    const __m256i zero = _mm256_setzero_si256();
+    const __m256i lastX = _mm256_set1_epi32(width - 1), lastY = _mm256_set1_epi32(height - 1);
+    const __m256i row = _mm256_set1_epi32(y);
+    const __m256i pitch = _mm256_set1_epi32(static_cast<int>(pictureStride));
+    const __m256i bright = _mm256_set1_epi32(96), dark = _mm256_set1_epi32(-96);
+    const __m256i bytes3 = _mm256_set1_epi32(0x010101);
+    const __m256i last = _mm256_set1_epi32(static_cast<int>(limit));
+    // Blue, green, red of four pixels to the first twelve bytes of each half.
+    const __m256i pack = _mm256_setr_epi8(0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, -1, -1, -1, -1, 0,
+                                          1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, -1, -1, -1, -1);
+    Long x = 0;
+    for (; x + 10 <= width; x += 8) {
+        const std::int16_t* c = h + x;
+        const __m256i dx = _mm256_sub_epi32(Heights256(c - 1), Heights256(c + 1));
+        const __m256i dy = _mm256_sub_epi32(Heights256(c - stride), Heights256(c + stride));
+        const __m256i column =
+            _mm256_add_epi32(_mm256_set1_epi32(x), _mm256_setr_epi32(0, 1, 2, 3, 4, 5, 6, 7));
+        const __m256i sx = _mm256_min_epi32(
+            _mm256_max_epi32(_mm256_add_epi32(column, _mm256_srai_epi32(dx, 3)), zero), lastX);
+        const __m256i sy = _mm256_min_epi32(
+            _mm256_max_epi32(_mm256_add_epi32(row, _mm256_srai_epi32(dy, 3)), zero), lastY);
+        const __m256i offset = _mm256_add_epi32(_mm256_mullo_epi32(sy, pitch),
+                                                _mm256_add_epi32(sx, _mm256_add_epi32(sx, sx)));
+        if (!_mm256_testz_si256(_mm256_cmpgt_epi32(offset, last), _mm256_set1_epi32(-1))) break;
+        const __m256i light = _mm256_min_epi32(
+            _mm256_max_epi32(_mm256_srai_epi32(_mm256_sub_epi32(dx, dy), 2), dark), bright);
+        const __m256i up = _mm256_mullo_epi32(_mm256_max_epi32(light, zero), bytes3);
+        const __m256i down =
+            _mm256_mullo_epi32(_mm256_max_epi32(_mm256_sub_epi32(zero, light), zero), bytes3);
+        __m256i px = _mm256_i32gather_epi32(reinterpret_cast<const int*>(picture), offset, 1);
+        px = _mm256_shuffle_epi8(_mm256_subs_epu8(_mm256_adds_epu8(px, up), down), pack);
+        std::uint8_t* to = out + 3 * x;
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(to), _mm256_castsi256_si128(px));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(to + 12), _mm256_extracti128_si256(px, 1));
+    }
+    return x;
 }
 #endif
 
@@ -755,6 +807,7 @@ bool clsGFX_2D::Effect_Water(Long X, Long Y, Long lngRadius, Long lngDepth, Long
 
     // The picture seen through the water: displaced by the slope, and lit
     // where the water faces the light (from the left, above).
+    const std::ptrdiff_t pictureLimit = picture.stride * (H - 1) + 3 * std::ptrdiff_t{W} - 4;
     for (Long y = 0; y < H; ++y) {
         std::uint8_t* out = rows.Row(y);
         const bool calm = !s.waterRowBusy[std::size_t(y)] &&
@@ -765,7 +818,12 @@ bool clsGFX_2D::Effect_Water(Long X, Long Y, Long lngRadius, Long lngDepth, Long
             continue;
         }
         const std::int16_t* h = s.water.data() + cell(0, y);
-        for (Long x = 0; x < W; ++x) {
+        Long x = 0;
+#if KELVARIN_X86
+        if (fast && Avx2Enabled())
+            x = WaterPixels256(out, h, stride, y, W, H, picture.base, picture.stride, pictureLimit);
+#endif
+        for (; x < W; ++x) {
             const int dx = h[x - 1] - h[x + 1];
             const int dy = h[x - stride] - h[x + stride];
             const Long sx = std::clamp<Long>(x + (dx >> 3), 0, W - 1);
