@@ -492,6 +492,15 @@ KELVARIN_SSSE3 std::size_t AddSaturated128(std::uint8_t* out, const std::uint8_t
 }
 #endif
 
+// The heat field: the surface's rows with the two seeded ones below them.
+void AllocateHeat(std::vector<std::uint8_t>& heat, std::vector<std::uint8_t>& rowHot, Long width,
+                  Long height) {
+    if (!heat.empty()) return;
+    const auto rows = static_cast<std::size_t>(height) + 2;
+    heat.assign((static_cast<std::size_t>(width) + 2) * rows, 0);
+    rowHot.assign(rows, 0);
+}
+
 }  // namespace
 
 bool clsGFX_2D::Effect_FireTest(Long lngHeat, const clsGFX_2D* Mask) {
@@ -510,10 +519,7 @@ bool clsGFX_2D::Effect_FireTest(Long lngHeat, const clsGFX_2D* Mask) {
     }
     EffectState& s = Effects();
     const auto stride = static_cast<std::size_t>(width_) + 2;
-    if (s.heat.empty()) {
-        s.heat.assign(stride * static_cast<std::size_t>(height_), 0);
-        s.heatRowHot.assign(static_cast<std::size_t>(height_), 0);
-    }
+    AllocateHeat(s.heat, s.heatRowHot, width_, height_);
     const auto heat = static_cast<std::uint8_t>(lngHeat);
     std::uint8_t* row0 = s.heat.data() + 1;
     for (Long x = 0; x < width_;) {
@@ -522,20 +528,18 @@ bool clsGFX_2D::Effect_FireTest(Long lngHeat, const clsGFX_2D* Mask) {
         x += run;
     }
     const bool any0 = std::any_of(row0, row0 + width_, [](std::uint8_t v) { return v != 0; });
-    s.heatRowHot[0] = any0;
-    if (height_ > 1) {
-        std::memcpy(row0 + stride, row0, static_cast<std::size_t>(width_));
-        s.heatRowHot[1] = any0;
-    }
+    std::memcpy(row0 + stride, row0, static_cast<std::size_t>(width_));
+    s.heatRowHot[0] = s.heatRowHot[1] = any0;
     if (Mask == nullptr) return true;
     const PictureRows mask = RowsOf(Mask);
     for (Long y = 0; y < height_; ++y) {
         const std::uint8_t* m = mask.Row(y);
-        std::uint8_t* h = s.heat.data() + stride * static_cast<std::size_t>(y) + 1;
+        const auto row = static_cast<std::size_t>(y) + 2;  // above the seeded rows
+        std::uint8_t* h = s.heat.data() + stride * row + 1;
         for (Long x = 0; x < width_; ++x) {
             if ((m[3 * x] | m[3 * x + 1] | m[3 * x + 2]) == 0) continue;
             h[x] = heat;
-            s.heatRowHot[static_cast<std::size_t>(y)] |= heat != 0;
+            s.heatRowHot[row] |= heat != 0;
         }
     }
     return true;
@@ -551,16 +555,13 @@ bool clsGFX_2D::Effect_Fire(Long lngCooling, const clsGFX_2D* Original) {
     const ImageRows rows = SessionRows();
     EffectState& s = Effects();
     const auto stride = static_cast<std::size_t>(rows.width) + 2;
-    if (s.heat.empty()) {
-        s.heat.assign(stride * static_cast<std::size_t>(rows.height), 0);
-        s.heatRowHot.assign(static_cast<std::size_t>(rows.height), 0);
-    }
+    AllocateHeat(s.heat, s.heatRowHot, rows.width, rows.height);
     const bool fast = SimdEnabled();
     const auto n = static_cast<std::size_t>(rows.width);
     const auto heatRow = [&](Long y) { return s.heat.data() + stride * std::size_t(y) + 1; };
 
     // Top down, so that the rows below are still those of the step before.
-    for (Long y = rows.height - 1; y >= 2; --y) {
+    for (Long y = rows.height + 1; y >= 2; --y) {
         std::uint8_t* out = heatRow(y);
         const std::uint8_t* below = heatRow(y - 1);
         const std::uint8_t* below2 = heatRow(y - 2);
@@ -588,9 +589,9 @@ bool clsGFX_2D::Effect_Fire(Long lngCooling, const clsGFX_2D* Original) {
     std::vector<std::uint8_t> colours(fast && picture.base ? 3 * n + 1 : 0);
     for (Long y = 0; y < rows.height; ++y) {
         std::uint8_t* out = rows.Row(y);
-        const std::uint8_t* h = heatRow(y);
+        const std::uint8_t* h = heatRow(y + 2);
         const std::uint8_t* back = picture.base ? picture.Row(y) : nullptr;
-        if (fast && !s.heatRowHot[static_cast<std::size_t>(y)]) {
+        if (fast && !s.heatRowHot[static_cast<std::size_t>(y) + 2]) {
             if (back) {
                 std::memcpy(out, back, 3 * n);
             } else {

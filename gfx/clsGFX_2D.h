@@ -238,14 +238,15 @@ public:
     static constexpr Long kGlyphCellHeight = 16;
     static constexpr Long kMaxStreams = 4096;
 
-    // Seeds the fire's hot rows. The fire is a heat field of this surface's
-    // size, the true fire, that the surface shows through a palette: each
-    // cell of its two lowest rows gets lngHeat (0 to 255) or none, in random
-    // runs of 1 to 8 cells, so that the flames flicker; with Mask (24 bits),
-    // every pixel of it that is not black burns at lngHeat too ("True Fire
-    // must have identical size of Mask" when the sizes differ).
+    // Seeds the fire's hot rows. The fire is a heat field, the true fire,
+    // that the surface shows through a palette; it reaches two rows below the
+    // surface, and those are the hot rows: each of their cells gets lngHeat
+    // (0 to 255) or none, in random runs of 1 to 8 cells, so that the flames
+    // flicker. With Mask (24 bits), every pixel of it that is not black
+    // burns at lngHeat too ("True Fire must have identical size of Mask"
+    // when the sizes differ).
     bool Effect_FireTest(Long lngHeat = 255, const clsGFX_2D* Mask = nullptr);
-    // One step of the fire: every heat cell above the two lowest rows becomes
+    // One step of the fire: every heat cell above the hot rows becomes
     // the sum of the four below it (left, under and right in the row below,
     // under in the row below that) less lngCooling (0 to 1020), divided by 4
     // and at least 0, so the heat rises, spreads and dies away: each 4 of

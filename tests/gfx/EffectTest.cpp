@@ -43,7 +43,7 @@ const Scene kScenes[] = {
          g.Effect_FireTest(255);
          g.Effect_Fire(3, &picture);
      },
-     0x18c709c08b3dfe28},
+     0xa2977e2312831a99},
     {"water",
      [](clsGFX_2D& g, const clsGFX_2D&, int i) {
          const Long x = i * 37 % g.Get_Width(), y = i * 53 % g.Get_Height();
