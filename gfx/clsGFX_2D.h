@@ -217,6 +217,7 @@ public:
     // frees its place; one above the top is kept, unseen, while it lives.
     bool Effect_Particle(Single sngGravity = 0.05f, Single sngDrag = 0.01f,
                          const clsGFX_2D* Original = nullptr);
+    // How many particles live.
     Long Get_ParticleCount() const noexcept;
     static constexpr Long kMaxParticles = 65536;
 
@@ -261,7 +262,8 @@ public:
     // less) and depth lngDepth (heights are kept within +-8191) goes in at
     // (X, Y) first, its height falling off linearly with Effect_CalculateDist
     // from the centre. Then each height becomes half the sum of its four
-    // neighbours less its value of the step before, and loses 1/2^lngDamping
+    // neighbours (halved towards zero, so that troughs and crests fare
+    // alike) less its value of the step before, and loses 1/2^lngDamping
     // of itself (1 to 15), rounded away from zero so that every ripple comes
     // to rest. The surface shows Original (without one: the picture the
     // surface held when the water was last at rest) displaced by the slope
