@@ -20,6 +20,7 @@
 
 #include "apps/gallery/Cards.h"
 #include "apps/gallery/DatePage.h"
+#include "apps/gallery/EffectsPage.h"
 #include "common/OleColor.h"
 #include "host/FormFile.h"
 #include "library/ClassFactory.h"
@@ -112,6 +113,9 @@ GalleryWindow::GalleryWindow(QWidget* parent) : QWidget(parent) {
 
     datePage_ = new DatePage(tabs_);
     tabs_->addTab(datePage_, QStringLiteral("DateBox"));
+
+    effectsPage_ = new EffectsPage(tabs_);
+    tabs_->addTab(effectsPage_, QStringLiteral("Effects"));
 
     // Controls of a loaded form that the gallery lacks get a page of their own.
     auto* formPage = new QWidget(tabs_);
