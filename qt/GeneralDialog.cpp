@@ -39,7 +39,7 @@ std::unique_ptr<pages::General> RegistryPage() {
 // Enter, Escape and Tab, which the dialog takes).
 int TypedCharacter(const QKeyEvent& key) {
     if (key.key() == Qt::Key_Backspace) return 8;
-    const Qt::KeyboardModifiers mods = key.modifiers() & ~Qt::KeypadModifier;
+    const Qt::KeyboardModifiers mods = key.modifiers();
     if ((mods & Qt::ControlModifier) && !(mods & Qt::AltModifier) && key.key() >= Qt::Key_A &&
         key.key() <= Qt::Key_Z)
         return key.key() - Qt::Key_A + 1;

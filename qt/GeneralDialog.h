@@ -8,7 +8,6 @@
 #pragma once
 
 #include <memory>
-#include <vector>
 
 #include <QDialog>
 #include <QList>
