@@ -1,8 +1,9 @@
 // The gallery: one window that shows the controls at work, a page each.
 // For the progress bar: the three gradient styles, captions and alignments,
 // a simulated job timed by the bar itself, and a playground whose controls
-// change value, range, style, caption and colours. The date field has its
-// own page (DatePage), and so do the raster effects (EffectsPage).
+// change value, range, style, caption and colours and open the property
+// page. The date field has its own page (DatePage), and so do the raster
+// effects (EffectsPage).
 //
 // Sections: construction; forms; the simulated job; the playground.
 #pragma once
