@@ -173,6 +173,10 @@ public:
     int FrameBorder() const override { return client_.View().left(); }
     void LayOutFrame() override;
 
+    // The user typed Alt and one of the control's access keys (its key code),
+    // wherever the focus is in the window.
+    void accessKeyPress(Integer keyCode);
+
     // The ambient DisplayAsDefault the container gives (false unless set).
     void setDisplayAsDefault(bool value);
     // The image as shown, frame included (for tests and screenshots).
