@@ -32,6 +32,7 @@ class ProgressBoxWidget;
 
 namespace kelvarin::gallery {
 
+class CommandPage;
 class DatePage;
 
 class GalleryWindow : public QWidget {
@@ -62,6 +63,7 @@ public:
     int timerChanges() const noexcept { return timerChanges_; }
 
     DatePage* datePage() const noexcept { return datePage_; }
+    CommandPage* commandPage() const noexcept { return commandPage_; }
     // Brings a page to the front by its tab's title ("DateBox"); false if
     // there is none.
     bool showPage(const QString& name);
@@ -92,6 +94,7 @@ private:
     static constexpr int kFormTab = 2;
     QTabWidget* tabs_ = nullptr;
     DatePage* datePage_ = nullptr;
+    CommandPage* commandPage_ = nullptr;
     QLabel* statusLine_ = nullptr;
     QVBoxLayout* formBody_ = nullptr;
     QFrame* formCard_ = nullptr;
