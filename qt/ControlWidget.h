@@ -234,6 +234,7 @@ private:
     std::unique_ptr<host::Control> control_;
     std::optional<host::PointerProtocol> pointer_;
     QImage image_;
+    QImage shown_;  // the part being painted, in Qt's own 32-bit format
     TextPainter text_;
     ImageSurface client_;
     Long handle_;
