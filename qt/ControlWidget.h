@@ -3,7 +3,8 @@
 // persistent image (painted by the control, shown by paintEvent with the
 // frame around it), hands Qt's input to the host's protocols in one line per
 // event, and turns the control's events and property-changed notifications
-// into Qt signals.
+// into Qt signals. Alt and one of a control's access keys, typed anywhere in
+// its window, go to that control (accessKeyPress).
 //
 // Every call into the control goes through one guard (qt/Guard.h): a
 // runtime error the control raises (a HostError) is reported by qWarning
