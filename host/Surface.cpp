@@ -5,6 +5,16 @@
 namespace kelvarin::host {
 
 void Surface::DrawLine(Point from, Point to, OLE_COLOR color) {
+    // A level or upright line is a one-pixel rectangle: the same pixels,
+    // written a row at a time rather than one by one (edges are such lines).
+    if (from.y == to.y && from.x != to.x) {
+        const int left = from.x < to.x ? from.x : to.x + 1;
+        return FillRect({left, from.y, left + std::abs(to.x - from.x), from.y + 1}, color);
+    }
+    if (from.x == to.x && from.y != to.y) {
+        const int top = from.y < to.y ? from.y : to.y + 1;
+        return FillRect({from.x, top, from.x + 1, top + std::abs(to.y - from.y)}, color);
+    }
     // Bresenham, leaving out the end point as the platform does.
     int x = from.x, y = from.y;
     const int dx = std::abs(to.x - x), dy = -std::abs(to.y - y);

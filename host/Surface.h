@@ -37,7 +37,8 @@ public:
     // Colours are plain RGB (0x00BBGGRR): callers translate system colours.
     virtual void FillRect(const Rect& rect, OLE_COLOR color) = 0;
     // From (x1, y1) up to, not including, (x2, y2), as the platform draws lines.
-    // Drawn pixel by pixel through SetPixel; a host may draw it faster.
+    // Level and upright lines are filled as one-pixel rectangles, others
+    // drawn pixel by pixel through SetPixel; a host may draw it faster.
     virtual void DrawLine(Point from, Point to, OLE_COLOR color);
     virtual void SetPixel(Point p, OLE_COLOR color) = 0;
     virtual OLE_COLOR GetPixel(Point p) const = 0;

@@ -1,5 +1,7 @@
 #include "qt/ControlWidget.h"
 
+#include <cstring>
+
 #include <QApplication>
 #include <QCursor>
 #include <QDateTime>
@@ -7,6 +9,7 @@
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPixmap>
+#include <QPointer>
 #include <QScreen>
 #include <QStyleHints>
 #include <QTimer>
@@ -85,6 +88,52 @@ Qt::CursorShape CursorOf(Integer pointer) {
     }
 }
 
+// Alt and a control's access key is the window's, wherever the focus is:
+// the first visible control of the window whose access keys hold the key
+// takes it, and the stroke goes no further (its release neither), so the
+// focused widget hears nothing and keeps the focus. One filter serves the
+// application.
+class AccessKeyFilter : public QObject {
+public:
+    using QObject::QObject;
+
+    static void Install() {
+        static QPointer<AccessKeyFilter> filter;
+        if (filter || !qApp) return;
+        filter = new AccessKeyFilter(qApp);
+        qApp->installEventFilter(filter);
+    }
+
+protected:
+    bool eventFilter(QObject* receiver, QEvent* event) override {
+        if (event->type() == QEvent::KeyRelease) {
+            const auto* key = static_cast<QKeyEvent*>(event);
+            if (swallowRelease_ == 0 || key->key() != swallowRelease_ || key->isAutoRepeat())
+                return false;
+            swallowRelease_ = 0;
+            return true;
+        }
+        if (event->type() != QEvent::KeyPress || !receiver->isWidgetType()) return false;
+        const auto* key = static_cast<QKeyEvent*>(event);
+        const Qt::KeyboardModifiers held =
+            key->modifiers() & (Qt::AltModifier | Qt::ControlModifier | Qt::MetaModifier);
+        if (held != Qt::AltModifier) return false;
+        const int code = KeyCodeOf(*key);
+        if (code == 0) return false;
+        QWidget* window = static_cast<QWidget*>(receiver)->window();
+        for (ControlWidget* w : window->findChildren<ControlWidget*>()) {
+            if (!w->control() || !w->isVisible() || !w->control()->HasAccessKey(code)) continue;
+            swallowRelease_ = key->key();
+            w->accessKeyPress(static_cast<Integer>(code));
+            return true;
+        }
+        return false;
+    }
+
+private:
+    int swallowRelease_ = 0;  // the Qt key whose release is the consumed stroke's
+};
+
 }  // namespace
 
 // ---- Creation ---------------------------------------------------------------------
@@ -115,6 +164,7 @@ ControlWidget::ControlWidget(std::unique_ptr<host::Control> control, host::FormC
     }
     control_->SetSite(this);
     pointer_.emplace(*control_);
+    AccessKeyFilter::Install();
     if (entry) {
         host::FormPropertyBag bag(entry->properties, Utf8(place));
         guard("Place", [&] { host::PlaceLoaded(*control_, bag, *this); });
@@ -382,10 +432,9 @@ std::uint32_t ControlWidget::TickCount() { return qt::TickCount(); }
 
 Date ControlWidget::Now() { return LocalDateTime(std::chrono::system_clock::now()); }
 
-bool ControlWidget::IsPointerOver() {
-    const QWidget* under = QApplication::widgetAt(QCursor::pos());
-    return under && (under == this || isAncestorOf(under));
-}
+// The topmost widget under the pointer is this one: another widget lying
+// on top of the control counts as outside.
+bool ControlWidget::IsPointerOver() { return QApplication::widgetAt(QCursor::pos()) == this; }
 
 host::Size ControlWidget::ScreenSize() {
     const QScreen* s = screen() ? screen() : QApplication::primaryScreen();
@@ -417,9 +466,31 @@ void ControlWidget::setDisplayAsDefault(bool value) {
 
 // ---- Qt events ---------------------------------------------------------------------------------
 
-void ControlWidget::paintEvent(QPaintEvent*) {
+// Qt blends a 24-bit image through its general per-pixel path; the exposed
+// part copied to 32 bits first is a plain copy for it, several times faster.
+void ControlWidget::paintEvent(QPaintEvent* event) {
+    const QRect exposed = event->rect().intersected(image_.rect());
+    if (exposed.isEmpty()) return;
+    if (shown_.width() < exposed.width() || shown_.height() < exposed.height())
+        shown_ = QImage(image_.size(), QImage::Format_RGB32);
+    const int w = exposed.width();
+    for (int y = 0; y < exposed.height(); ++y) {
+        const uchar* in = image_.constScanLine(exposed.top() + y) + 3 * exposed.left();
+        auto* out = reinterpret_cast<QRgb*>(shown_.scanLine(y));
+        int x = 0;
+        if constexpr (Q_BYTE_ORDER == Q_LITTLE_ENDIAN) {
+            // Blue, green, red and the next pixel's blue, read as one word
+            // whose top byte becomes the opaque alpha.
+            for (; x + 1 < w; ++x, in += 3) {
+                quint32 word;
+                std::memcpy(&word, in, 4);
+                out[x] = word | 0xFF000000u;
+            }
+        }
+        for (; x < w; ++x, in += 3) out[x] = qRgb(in[2], in[1], in[0]);
+    }
     QPainter painter(this);
-    painter.drawImage(0, 0, image_);
+    painter.drawImage(exposed.topLeft(), shown_, QRect(QPoint(0, 0), exposed.size()));
 }
 
 void ControlWidget::resizeEvent(QResizeEvent* event) {
@@ -510,6 +581,10 @@ void ControlWidget::mouseMoveEvent(QMouseEvent* event) {
 void ControlWidget::mouseReleaseEvent(QMouseEvent* event) {
     const bool over = rect().contains(event->position().toPoint());
     forward("MouseUp", [&] { pointer_->Release(pointerEvent(*event, event->button()), over); });
+}
+
+void ControlWidget::accessKeyPress(Integer keyCode) {
+    forward("AccessKeyPress", [&] { control_->AccessKeyPress(keyCode); });
 }
 
 void ControlWidget::mouseDoubleClickEvent(QMouseEvent* event) {

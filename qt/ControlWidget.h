@@ -3,7 +3,8 @@
 // persistent image (painted by the control, shown by paintEvent with the
 // frame around it), hands Qt's input to the host's protocols in one line per
 // event, and turns the control's events and property-changed notifications
-// into Qt signals.
+// into Qt signals. Alt and one of a control's access keys, typed anywhere in
+// its window, go to that control (accessKeyPress).
 //
 // Every call into the control goes through one guard (qt/Guard.h): a
 // runtime error the control raises (a HostError) is reported by qWarning
@@ -173,6 +174,10 @@ public:
     int FrameBorder() const override { return client_.View().left(); }
     void LayOutFrame() override;
 
+    // The user typed Alt and one of the control's access keys (its key code),
+    // wherever the focus is in the window.
+    void accessKeyPress(Integer keyCode);
+
     // The ambient DisplayAsDefault the container gives (false unless set).
     void setDisplayAsDefault(bool value);
     // The image as shown, frame included (for tests and screenshots).
@@ -230,6 +235,7 @@ private:
     std::unique_ptr<host::Control> control_;
     std::optional<host::PointerProtocol> pointer_;
     QImage image_;
+    QImage shown_;  // the part being painted, in Qt's own 32-bit format
     TextPainter text_;
     ImageSurface client_;
     Long handle_;

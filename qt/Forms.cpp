@@ -3,6 +3,7 @@
 #include "common/Text.h"
 #include "host/FormFile.h"
 #include "library/ClassFactory.h"
+#include "qt/CommandBoxWidget.h"
 #include "qt/DateBoxWidget.h"
 #include "qt/Guard.h"
 #include "qt/ProgressBoxWidget.h"
@@ -24,6 +25,7 @@ ControlWidget* CreateControlWidget(const QString& className, QWidget* parent) {
     if (!info) return nullptr;
     if (EqualsIgnoreCase(info->name, "ProgressBox")) return new ProgressBoxWidget(parent);
     if (EqualsIgnoreCase(info->name, "DateBox")) return new DateBoxWidget(parent);
+    if (EqualsIgnoreCase(info->name, "CommandBox")) return new CommandBoxWidget(parent);
     auto control = library::ClassRegistry::Instance().Create(info->name);
     if (!control) return nullptr;
     return new ControlWidget(std::move(control), parent);
@@ -35,6 +37,8 @@ ControlWidget* LoadControlWidget(host::FormControl& entry, const QString& place,
     if (EqualsIgnoreCase(info->name, "ProgressBox"))
         return new ProgressBoxWidget(entry, place, parent);
     if (EqualsIgnoreCase(info->name, "DateBox")) return new DateBoxWidget(entry, place, parent);
+    if (EqualsIgnoreCase(info->name, "CommandBox"))
+        return new CommandBoxWidget(entry, place, parent);
     auto control = library::ClassRegistry::Instance().Create(info->name);
     if (!control) return nullptr;
     return new ControlWidget(std::move(control), entry, place, parent);

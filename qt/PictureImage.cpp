@@ -1,5 +1,7 @@
 #include "qt/PictureImage.h"
 
+#include <QImageReader>
+
 namespace kelvarin::qt {
 
 namespace {
@@ -82,6 +84,14 @@ std::shared_ptr<Picture> FromQImage(const QImage& source) {
         }
     }
     return picture;
+}
+
+QImage ReadImageFile(const QString& path, QString* error) {
+    QImageReader reader(path);
+    reader.setAutoTransform(true);
+    QImage image = reader.read();
+    if (image.isNull() && error) *error = reader.errorString();
+    return image;
 }
 
 }  // namespace kelvarin::qt

@@ -6,6 +6,7 @@
 #include <memory>
 
 #include <QImage>
+#include <QString>
 
 #include "common/Picture.h"
 
@@ -15,5 +16,10 @@ namespace kelvarin::qt {
 QImage ToQImage(const Picture& picture);
 // Null for a null image.
 std::shared_ptr<Picture> FromQImage(const QImage& image);
+
+// The image in a file of any format Qt reads (PNG, BMP, ICO, SVG drawn at
+// the size it declares, ...). Null, with the reader's reason in `error`,
+// when the file cannot be read.
+QImage ReadImageFile(const QString& path, QString* error = nullptr);
 
 }  // namespace kelvarin::qt

@@ -19,6 +19,7 @@
 #include <QVBoxLayout>
 
 #include "apps/gallery/Cards.h"
+#include "apps/gallery/CommandPage.h"
 #include "apps/gallery/DatePage.h"
 #include "apps/gallery/EffectsPage.h"
 #include "common/OleColor.h"
@@ -127,6 +128,9 @@ GalleryWindow::GalleryWindow(QWidget* parent) : QWidget(parent) {
     formLayout->addStretch(1);
     tabs_->addTab(formPage, QStringLiteral("Form"));
     tabs_->setTabVisible(kFormTab, false);
+
+    commandPage_ = new CommandPage(tabs_);
+    tabs_->addTab(commandPage_, QStringLiteral("CommandBox"));
 
     statusLine_ = Styled(this, "status");
     outer->addWidget(statusLine_);
@@ -611,6 +615,7 @@ void GalleryWindow::replace(ControlWidget* own, ControlWidget* loaded) {
         followPlayBar();
     }
     datePage_->replace(own, loaded);
+    commandPage_->replace(own, loaded);
     loaded->setVisible(!own->isHidden());
     delete own;
 }

@@ -33,6 +33,7 @@ class ProgressBoxWidget;
 
 namespace kelvarin::gallery {
 
+class CommandPage;
 class DatePage;
 class EffectsPage;
 
@@ -65,6 +66,7 @@ public:
 
     DatePage* datePage() const noexcept { return datePage_; }
     EffectsPage* effectsPage() const noexcept { return effectsPage_; }
+    CommandPage* commandPage() const noexcept { return commandPage_; }
     // Brings a page to the front by its tab's title ("DateBox"); false if
     // there is none.
     bool showPage(const QString& name);
@@ -96,6 +98,7 @@ private:
     QTabWidget* tabs_ = nullptr;
     DatePage* datePage_ = nullptr;
     EffectsPage* effectsPage_ = nullptr;
+    CommandPage* commandPage_ = nullptr;
     QLabel* statusLine_ = nullptr;
     QVBoxLayout* formBody_ = nullptr;
     QFrame* formCard_ = nullptr;

@@ -4,6 +4,7 @@
 #include <QPainter>
 #include <QPixmap>
 
+#include "qt/CommandBoxWidget.h"
 #include "qt/DateBoxWidget.h"
 #include "qt/ProgressBoxWidget.h"
 #include "qt/QtPlatform.h"
@@ -70,6 +71,32 @@ QIcon DateIcon() {
     return QIcon(pixmap);
 }
 
+// A raised button face with a small landscape picture beside a caption.
+QIcon CommandIcon() {
+    QPixmap pixmap(22, 22);
+    pixmap.fill(Qt::transparent);
+    QPainter p(&pixmap);
+    p.fillRect(1, 4, 20, 14, QColor(236, 238, 241));
+    p.setPen(Qt::white);
+    p.drawLine(1, 4, 20, 4);
+    p.drawLine(1, 4, 1, 17);
+    p.setPen(QColor(70, 70, 70));
+    p.drawLine(1, 18, 21, 18);
+    p.drawLine(21, 4, 21, 18);
+    p.setPen(QColor(150, 150, 150));
+    p.drawLine(2, 17, 20, 17);
+    p.drawLine(20, 5, 20, 17);
+    p.fillRect(4, 7, 7, 8, QColor(125, 200, 250));  // sky
+    p.fillRect(9, 8, 2, 2, QColor(250, 190, 40));   // sun
+    p.setPen(Qt::NoPen);
+    p.setBrush(QColor(40, 150, 90));
+    const QPoint hill[] = {{4, 15}, {7, 10}, {11, 15}};  // hill
+    p.drawPolygon(hill, 3);
+    p.fillRect(13, 9, 5, 1, QColor(60, 60, 60));  // caption
+    p.fillRect(13, 12, 4, 1, QColor(60, 60, 60));
+    return QIcon(pixmap);
+}
+
 }  // namespace
 
 KelvarinPlugins::KelvarinPlugins(QObject* parent) : QObject(parent) {
@@ -90,6 +117,15 @@ KelvarinPlugins::KelvarinPlugins(QObject* parent) : QObject(parent) {
                         "that reports elapsed and estimated time while a run goes on."),
          QStringLiteral("qt/ProgressBoxWidget.h"), QSize(200, 24), ProgressIcon,
          [](QWidget* parent) -> QWidget* { return new ProgressBoxWidget(parent); }},
+        this));
+    widgets_.append(new WidgetPlugin(
+        {QStringLiteral("kelvarin::qt::CommandBoxWidget"), QStringLiteral("commandBox"),
+         QStringLiteral("Picture button"),
+         QStringLiteral("A push button that paints its own face: a caption with an access key "
+                        "and a picture in one of five places, greyed until the pointer is over "
+                        "it if wished, in two edge styles."),
+         QStringLiteral("qt/CommandBoxWidget.h"), QSize(120, 32), CommandIcon,
+         [](QWidget* parent) -> QWidget* { return new CommandBoxWidget(parent); }},
         this));
 }
 

@@ -16,10 +16,12 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include "apps/gallery/CommandPage.h"
 #include "apps/gallery/DatePage.h"
 #include "apps/gallery/EffectsPage.h"
 #include "host/FormFile.h"
 #include "library/ClassFactory.h"
+#include "qt/CommandBoxWidget.h"
 #include "qt/DateBoxWidget.h"
 #include "qt/ProgressBoxWidget.h"
 
@@ -49,7 +51,7 @@ TEST(GalleryTest, SavesItsBarsAndTakesTheirPropertiesBackFromAForm) {
     ASSERT_TRUE(window.loadForm(path).isEmpty());
     // Each of the window's own controls gave way to one loaded from the file.
     EXPECT_TRUE(own.isNull());
-    EXPECT_EQ(window.controls().size(), 18);  // 9 bars, 9 date fields
+    EXPECT_EQ(window.controls().size(), 35);  // 9 bars, 9 date fields, 17 buttons
     EXPECT_EQ(Bar(window, "linear")->Value(), 72);
     EXPECT_EQ(Bar(window, "playground")->Text(), QStringLiteral("Progress"));
     // The window follows the loaded bars: the playground's controls write to
@@ -59,7 +61,7 @@ TEST(GalleryTest, SavesItsBarsAndTakesTheirPropertiesBackFromAForm) {
     // The file keeps each bar's place in the window.
     const host::Form form =
         host::LoadFormFile(path.toStdString(), [](std::string_view) { return true; });
-    ASSERT_EQ(form.controls.size(), 18u);
+    ASSERT_EQ(form.controls.size(), 35u);
     for (const host::FormControl& entry : form.controls) {
         const qt::ControlWidget* w = window.control(QString::fromStdString(entry.name));
         ASSERT_NE(w, nullptr) << entry.name;
@@ -101,6 +103,26 @@ TEST(GalleryTest, TheDatePageReadsOutTheBoxTypedIntoAndKeepsItsControlsInStep) {
     play->SetDateFormat(QStringLiteral("mm/yyyy"));
     EXPECT_EQ(pattern->currentText(), QStringLiteral("mm/yyyy"));
     EXPECT_EQ(play->Value().date().day(), 1);
+}
+
+// Alt+S from anywhere on the page clicks Salva, and the readout says so; a
+// loaded form's buttons take the place of the page's own, which follows them.
+TEST(GalleryTest, TheCommandPageReadsOutEventsAndFollowsLoadedButtons) {
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("gallery.json"));
+    GalleryWindow window;
+    ASSERT_TRUE(window.showPage(QStringLiteral("CommandBox")));
+    window.show();
+    QApplication::setActiveWindow(&window);
+    QTest::keyClick(&window, Qt::Key_S, Qt::AltModifier);
+    EXPECT_TRUE(window.commandPage()->readout().endsWith(QStringLiteral("Salva\n   Click()")))
+        << window.commandPage()->readout().toStdString();
+
+    ASSERT_TRUE(window.saveForm(path).isEmpty());
+    ASSERT_TRUE(window.loadForm(path).isEmpty());
+    EXPECT_EQ(window.commandPage()->playButton(),
+              qobject_cast<qt::CommandBoxWidget*>(window.control(QStringLiteral("cmdPlayground"))));
+    EXPECT_TRUE(window.control(QStringLiteral("cmdDefault"))->AmbientDisplayAsDefault());
 }
 
 // ---- The program -------------------------------------------------------------------------------

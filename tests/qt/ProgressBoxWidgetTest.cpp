@@ -20,6 +20,7 @@
 #include "common/HostError.h"
 #include "controls/progressbox/ProgressBox.h"
 #include "library/Dispatch.h"
+#include "qt/CommandBoxWidget.h"
 #include "qt/DateBoxWidget.h"
 #include "qt/Forms.h"
 #include "qt/QtPlatform.h"
@@ -73,8 +74,9 @@ bool SameThroughQt(const QVariant& qt, const Variant& dispatch) {
 TEST(ControlWidgetsTest, QtPropertiesAreTheRowsOfTheControlsTable) {
     ProgressBoxWidget bar;
     DateBoxWidget date;
-    for (ControlWidget* w :
-         {static_cast<ControlWidget*>(&bar), static_cast<ControlWidget*>(&date)}) {
+    CommandBoxWidget button;
+    for (ControlWidget* w : {static_cast<ControlWidget*>(&bar), static_cast<ControlWidget*>(&date),
+                             static_cast<ControlWidget*>(&button)}) {
         const QMetaObject* meta = w->metaObject();
         std::map<std::string, bool> qtWritable;
         for (int i = meta->propertyOffset(); i < meta->propertyCount(); ++i)
