@@ -14,6 +14,7 @@
 #include "common/HostError.h"
 #include "common/Picture.h"
 #include "common/Text.h"
+#include "gfx/clsGFX_2D.h"
 #include "host/FormFile.h"
 #include "host/Keys.h"
 #include "host/Site.h"
@@ -67,6 +68,8 @@ ScriptHost::ScriptHost(std::ostream& out) : out_(out) {
     host_.modalLoop = [this](host::Popup& popup, host::Point screen) { RunModal(popup, screen); };
     host_.eventNames = library::EventName;
 }
+
+ScriptHost::~ScriptHost() = default;
 
 bool ScriptHost::Run(std::istream& in) {
     in_ = &in;
@@ -600,6 +603,10 @@ const std::vector<ScriptHost::Command>& ScriptHost::Commands() {
          }},
         {"paint", "paint NAME|popup FILE.bmp", 3, 3,
          [](ScriptHost& h, const Words& w, L) { h.PaintToFile(w[1], w[2]); }},
+        {"gfx",
+         "gfx NAME WIDTH HEIGHT [BITS] | NAME load|paint FILE.bmp | NAME checksum | "
+         "NAME [repeat N] OPERATION [ARG...] [; OPERATION [ARG...]]...",
+         3, kAnyNumber, [](ScriptHost& h, const Words& w, L) { h.Gfx(w); }},
         {"pixel", "pixel NAME|popup X Y", 4, 4,
          [](ScriptHost& h, const Words& w, L) {
              const host::headless::Raster& r = h.Pixels(w[1]);

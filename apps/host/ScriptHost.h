@@ -5,19 +5,26 @@
 
 #include <functional>
 #include <istream>
+#include <memory>
 #include <ostream>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "host/headless/HeadlessHost.h"
 #include "pages/general/General.h"
+
+namespace kelvarin {
+class clsGFX_2D;
+}
 
 namespace kelvarin::script {
 
 class ScriptHost {
 public:
     explicit ScriptHost(std::ostream& out);
+    ~ScriptHost();
 
     // Runs every line of the stream; false when any command failed.
     bool Run(std::istream& in);
@@ -59,6 +66,9 @@ private:
     void Page(const Words& words);
     // Removes a control from the form, and from the page's selection.
     void Remove(std::string_view name);
+    // The raster surfaces' commands (the words after "gfx"; ScriptGfx.cpp).
+    void Gfx(const Words& words);
+    clsGFX_2D& Surface(std::string_view name);
 
     std::ostream& out_;
     host::headless::HeadlessHost host_;
@@ -66,6 +76,8 @@ private:
     bool failed_ = false;
     host::Point popupPosition_;
     std::unique_ptr<pages::General> page_;
+    // Named raster surfaces, apart from the controls' names.
+    std::vector<std::pair<std::string, std::unique_ptr<clsGFX_2D>>> surfaces_;
 };
 
 }  // namespace kelvarin::script
