@@ -311,7 +311,7 @@ void CommandPage::buildPlayground(QGridLayout* grid) {
     colours->addStretch(1);
     // The property page, as a form designer shows it for the button.
     auto* properties = new QPushButton(QStringLiteral("Properties\u2026"), frame);
-    properties->setObjectName(QStringLiteral("properties"));
+    properties->setObjectName(QStringLiteral("commandProperties"));
     colours->addWidget(properties);
     connect(properties, &QPushButton::clicked, this,
             [this] { qt::GeneralDialog::Open({playButton_}, this); });

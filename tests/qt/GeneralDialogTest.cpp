@@ -132,14 +132,23 @@ TEST(GeneralDialogTest, ApplyFollowsTheChangedFlagAndWritesInThePagesOrder) {
     EXPECT_TRUE(dialog.isVisible());
 }
 
-TEST(GeneralDialogTest, TheGalleryOpensThePageOnItsPlaygroundBar) {
+TEST(GeneralDialogTest, TheGalleryOpensThePageOnItsPlaygrounds) {
     gallery::GalleryWindow window;
     window.show();
-    QTest::mouseClick(window.findChild<QPushButton*>(QStringLiteral("properties")), Qt::LeftButton);
-    auto* dialog = window.findChild<GeneralDialog*>();
+    const auto open = [&](const char* button) {
+        QTest::mouseClick(window.findChild<QPushButton*>(QString::fromLatin1(button)),
+                          Qt::LeftButton);
+        return window.findChild<GeneralDialog*>();
+    };
+    GeneralDialog* dialog = open("properties");
     ASSERT_NE(dialog, nullptr);
     EXPECT_TRUE(dialog->isVisible());
     EXPECT_EQ(Edit(*dialog, "txtTextPB")->text(), QStringLiteral("Progress"));
+    dialog->reject();
+    delete dialog;
+    dialog = open("commandProperties");
+    ASSERT_NE(dialog, nullptr);
+    EXPECT_EQ(Edit(*dialog, "txtText")->text(), QStringLiteral("Salva con &nome"));
     dialog->reject();
 }
 
