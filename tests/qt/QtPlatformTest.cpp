@@ -20,14 +20,15 @@ struct KeyCase {
     int expected;
 };
 
-// Digits, the numeric pad's 0 and 3, Return, Escape, the arrows, PageUp and
-// F4 are typed through real widgets in DateBoxWidgetTest and GalleryTest;
-// these rows are the other keys, and Backspace, which those tests type where
-// Delete would act alike.
+// Digits, Return, Escape, Left, Up, Down, PageUp and F4 are typed through
+// real widgets in DateBoxWidgetTest and GalleryTest; these rows are the
+// other keys, and Backspace, which those tests type where Delete would act
+// alike.
 TEST(QtPlatformTest, KeysMapToTheHostsCodesWithTheNumericPadApart) {
     const KeyCase cases[] = {
         {Qt::Key_A, Qt::NoModifier, 65},
         {Qt::Key_9, Qt::KeypadModifier, 105},
+        {Qt::Key_Right, Qt::NoModifier, 39},
         {Qt::Key_Comma, Qt::KeypadModifier, 110},
         {Qt::Key_Enter, Qt::KeypadModifier, 13},
         {Qt::Key_Backspace, Qt::NoModifier, 8},
