@@ -104,12 +104,6 @@ TEST(DateBoxWidgetTest, ABlankFieldOfARequiredBoxKeepsTheFocus) {
     QTest::keyClick(box, Qt::Key_Tab);
     EXPECT_TRUE(box->hasFocus());
     EXPECT_EQ(box->displayText(), QStringLiteral("31/__/2001"));
-
-    // Once nullable, the blank month may be left, and the value is Null.
-    box->SetNullable(true);
-    QTest::keyClick(box, Qt::Key_Tab);
-    EXPECT_TRUE(form.next->hasFocus());
-    EXPECT_EQ(box->ValueDB().metaType().id(), QMetaType::Nullptr);
 }
 
 // Runs `inside` on the calendar once it is open, from the nested loop that
