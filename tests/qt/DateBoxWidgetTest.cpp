@@ -8,7 +8,6 @@
 
 #include <QApplication>
 #include <QLineEdit>
-#include <QMetaProperty>
 #include <QScreen>
 #include <QSignalSpy>
 #include <QTest>

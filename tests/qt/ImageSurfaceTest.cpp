@@ -26,10 +26,7 @@ protected:
         image_.fill(ToQColor(kPaper));
         surface_.SetView(QRect(border, border, w - 2 * border, h - 2 * border));
     }
-    OLE_COLOR ImageAt(int x, int y) const {
-        const QRgb c = image_.pixel(x, y);
-        return RGB(qRed(c), qGreen(c), qBlue(c));
-    }
+    OLE_COLOR ImageAt(int x, int y) const { return FromQColor(image_.pixelColor(x, y)); }
     // Columns of the view holding a pixel other than the paper's.
     std::pair<int, int> InkColumns() const {
         int first = -1, last = -1;

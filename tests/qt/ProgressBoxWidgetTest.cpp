@@ -35,11 +35,6 @@ QStringList Names(const QSignalSpy& spy, int argument = 0) {
     return out;
 }
 
-OLE_COLOR Shown(const QImage& image, int x, int y) {
-    const QRgb c = image.pixel(x, y);
-    return RGB(qRed(c), qGreen(c), qBlue(c));
-}
-
 // Every readable property of the type library, through dispatch.
 std::vector<std::pair<std::string, Variant>> DispatchState(host::Control& control) {
     std::vector<std::pair<std::string, Variant>> out;
@@ -218,15 +213,16 @@ TEST(ProgressBoxWidgetTest, ThePaintedWidgetShowsTheControlsBar) {
     QImage shown = w.grab().toImage();
     ASSERT_EQ(shown.size(), QSize(101, 12));
     // 101 columns: the gradient is laid over 102, and half of it is shown.
-    EXPECT_EQ(Shown(shown, 49, 11), RGB(98, 0, 49));
-    EXPECT_EQ(Shown(shown, 50, 6), RGB(1, 1, 1));
+    EXPECT_EQ(FromQColor(shown.pixelColor(49, 11)), RGB(98, 0, 49));
+    EXPECT_EQ(FromQColor(shown.pixelColor(50, 6)), RGB(1, 1, 1));
 
     w.SetValue(100);
     w.SetBorderStyle(ProgressBoxWidget::FixedSingle);
     w.SetAppearance(ProgressBoxWidget::ThreeD);
     shown = w.grab().toImage();
-    EXPECT_EQ(Shown(shown, 0, 0), TranslateSysColor(SystemColor(COLOR_BTNSHADOW)));
-    EXPECT_EQ(Shown(shown, 12, 6), RGB(21, 0, 10));  // 97 columns now: steps of 202 / 97
+    EXPECT_EQ(FromQColor(shown.pixelColor(0, 0)), TranslateSysColor(kSysButtonShadow));
+    // 97 columns now: steps of 202 / 97.
+    EXPECT_EQ(FromQColor(shown.pixelColor(12, 6)), RGB(21, 0, 10));
 }
 
 // Forms keep class, name and geometry; the properties are the form file's
