@@ -45,15 +45,13 @@ Variant Bump(host::Control&, std::span<Variant> args) {
     return Variant(Long{7});
 }
 
-Variant Ring(host::Control& c, std::span<Variant>) {
-    Variant count(Long{3});
-    static_cast<Probe&>(c).Raise(1, {&count, 1});
+Variant Ring(host::Control&, std::span<Variant>) {
     return Variant(Long{99});  // ignored: Ring returns nothing
 }
 
 Variant Type(host::Control& c, std::span<Variant> args) {
     Variant key = args[0];
-    static_cast<Probe&>(c).Raise(2, {&key, 1});
+    static_cast<Probe&>(c).Raise(1, {&key, 1});
     return key;
 }
 
@@ -89,14 +87,11 @@ const ClassInfo& RegisterProbe() {
         "Probe",
         Guid{0x5E1F0C11, 0x2B7A, 0x4C3D, {0x9A, 0x10, 0x44, 0x21, 0x6B, 0x0D, 0x3E, 0x77}},
         "_Probe",
-        Guid{0x5E1F0C12, 0x2B7A, 0x4C3D, {0x9A, 0x10, 0x44, 0x21, 0x6B, 0x0D, 0x3E, 0x77}},
+        {},
         "__Probe",
-        Guid{0x5E1F0C13, 0x2B7A, 0x4C3D, {0x9A, 0x10, 0x44, 0x21, 0x6B, 0x0D, 0x3E, 0x77}},
+        {},
         Probe::Table(),
-        {
-            {1, "Rang", {{"Count", {BaseType::Long}}}, {}},
-            {2, "Typed", {{"KeyAscii", {BaseType::Integer}}}, {}},
-        },
+        {{1, "Typed", {{"KeyAscii", {BaseType::Integer}}}, {}}},
     };
     ClassRegistry::Instance().Register(info, [] { return std::make_unique<Probe>(); });
     return info;

@@ -1,5 +1,5 @@
 // A small control for the library tests: one property of every boundary
-// type, a read-only one, methods with and without arguments, and events.
+// type, a read-only one, methods with and without arguments, and an event.
 #pragma once
 
 #include <filesystem>
@@ -30,7 +30,7 @@ enum ProbeId : DispId {
     kIcon,        // Picture
     kAdd,         // method Add(A As Long, B As Long) As Long
     kBump,        // method Bump(N As Integer): adds one to N
-    kRing,        // method Ring(): raises Rang, returns nothing
+    kRing,        // method Ring(): returns nothing
     kType,        // method Type(KeyAscii As Integer) As Integer: raises Typed
 };
 
