@@ -124,6 +124,17 @@ TEST_F(CalendarTest, TheTodayLineChoosesTodayWhenItIsAllowed) {
     EXPECT_TRUE(written_.empty());
 }
 
+// Hovering over a day of the shown month moves the highlight
+// (calendar_choose); over a day of the month before, it does not: the
+// script moves on to a day of the shown month before it looks.
+TEST_F(CalendarTest, HoverStaysInTheShownMonth) {
+    auto f = Open("05/03/2007");
+    const auto& g = f->Layout();
+    f->MouseMove(0, 0, Single(g.cw / 2), Single(3 * g.rh + g.rh / 2));  // 26 February
+    EXPECT_EQ(f->CurrentDate(), Ymd(2007, 3, 5));
+    EXPECT_TRUE(f->IsOpen());
+}
+
 TEST_F(CalendarTest, SpinnersStepMonthAndYear) {
     auto f = Open("31/03/2007");
     const auto& g = f->Layout();
@@ -136,6 +147,17 @@ TEST_F(CalendarTest, SpinnersStepMonthAndYear) {
     Click(*f, Single(g.monthSpinRight + 3), upper);  // the header between them
     EXPECT_EQ(f->CurrentDate(), Ymd(2006, 4, 30));
     EXPECT_TRUE(f->IsOpen());
+}
+
+// A press outside after a move closes it without a choice; calendar_cancel
+// presses outside before any move, and its loss of activation after one.
+TEST_F(CalendarTest, APressOutsideClosesWithoutAChoice) {
+    auto f = Open("05/03/2007");
+    Key(*f, 39);
+    f->MouseDown(1, 0, -1, 5);
+    EXPECT_FALSE(f->IsOpen());
+    EXPECT_TRUE(written_.empty());
+    EXPECT_EQ(HookedCalendar(), nullptr);
 }
 
 // Only the hooked popup closes when it loses activation.

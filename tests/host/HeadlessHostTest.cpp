@@ -9,7 +9,7 @@ namespace {
 
 using kelvarin::test::ErrorOf;
 
-// A control that counts its timer's ticks.
+// A control that logs its timer's ticks and the focus coming and going.
 class Ticker : public Control {
 public:
     Ticker(std::vector<std::string>& log, std::string tag)
@@ -21,6 +21,8 @@ public:
         });
     }
     Timer& Clock() { return *timer_; }
+    void GotFocus() override { log_.push_back(tag_ + " got focus"); }
+    void LostFocus() override { log_.push_back(tag_ + " lost focus"); }
     bool failOnTick = false;
 
 private:
@@ -68,13 +70,17 @@ TEST(HeadlessHost, TimersFireInTimeOrderAndTheTickWraps) {
     EXPECT_EQ(host.TickCount(), 19u);
 }
 
-// A control that keeps the focus is datebox_focus's; a removed one loses it.
-TEST(HeadlessHost, RemovingTheFocusedControlLeavesNoFocus) {
+// The focus leaves one control before it reaches the next; a control that
+// keeps it is datebox_focus's. A removed control loses it.
+TEST(HeadlessHost, FocusLeavesOneControlBeforeItReachesTheNext) {
     HeadlessHost host;
     std::vector<std::string> log;
-    Placed& placed = host.Add("a", std::make_unique<Ticker>(log, "a"), {10, 10});
-    EXPECT_TRUE(host.SetFocus(&placed));
-    host.Remove("A");  // names in any case
+    Placed& a = host.Add("a", std::make_unique<Ticker>(log, "a"), {10, 10});
+    Placed& b = host.Add("b", std::make_unique<Ticker>(log, "b"), {10, 10});
+    host.SetFocus(&a);
+    host.SetFocus(&b);
+    EXPECT_EQ(log, (std::vector<std::string>{"a got focus", "a lost focus", "b got focus"}));
+    host.Remove("B");  // names in any case
     EXPECT_EQ(host.Focused(), nullptr);
 }
 
