@@ -3,28 +3,12 @@
 // allocation counter shows what a write allocates besides its surface.
 #include <benchmark/benchmark.h>
 
-#include <atomic>
-#include <cstdlib>
-#include <new>
-
+#include "bench/AllocationCounter.h"
 #include "controls/progressbox/ProgressBox.h"
 #include "host/Site.h"
 #include "host/headless/HeadlessHost.h"
 
-namespace {
-std::atomic<long> g_allocations{0};
-}  // namespace
-
-// Counting replacements of the global allocation functions; GCC cannot see
-// that they pair with each other.
-#pragma GCC diagnostic ignored "-Wmismatched-new-delete"
-void* operator new(std::size_t size) {
-    ++g_allocations;
-    if (void* p = std::malloc(size ? size : 1)) return p;
-    throw std::bad_alloc();
-}
-void operator delete(void* p) noexcept { std::free(p); }
-void operator delete(void* p, std::size_t) noexcept { std::free(p); }
+using kelvarin::bench::g_allocations;
 
 namespace {
 

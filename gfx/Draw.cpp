@@ -28,8 +28,6 @@ using namespace gfx_detail;
 
 namespace {
 
-constexpr int kRandomRingSize = 7002;
-
 // Recursion below this depth halves nothing: a curve with 32-bit coordinates
 // is down to single pixels long before, and deeper levels only redraw the
 // same chords. The bound keeps a huge lngMaxRecursive off the stack.

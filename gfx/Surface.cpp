@@ -42,6 +42,7 @@ clsGFX_2D::~clsGFX_2D() { Release(); }
 void clsGFX_2D::Release() noexcept {
     Draw_EndSession();
     bits_.reset();
+    effects_.reset();  // particles, heat and heights belong to the old bitmap
 }
 
 bool clsGFX_2D::Create(Long lWidth, Long lHeight, Long BitPerPixels) {

@@ -16,7 +16,7 @@
 //
 // Sections (and their sources): surface, picture exchange and pixel array
 // (Surface.cpp); drawing (Draw.cpp); transforms (Transform.cpp); colour
-// (Color.cpp); filters (Filter.cpp).
+// (Color.cpp); filters (Filter.cpp); effects (Effect.cpp).
 #pragma once
 
 #include <array>
@@ -182,6 +182,95 @@ public:
     // rule of Filter.cpp) inside a frame two pixels wide.
     void Filter_Smoothing(bool blnLinePreserve = false);
 
+    // ---- Effects: 24 bits, own session unless one is open -------------------
+    // Animated effects, one step a call. Each keeps its state (particles,
+    // streams, heat, water heights) with the surface until the next Create.
+    // Their randomness comes from the surface's one generator, the ring that
+    // Draw_RandomBits reads, so after Effect_Seed the frames repeat exactly.
+    // Where an effect takes an Original, it is a 24-bit picture of this
+    // surface's size that the effect is drawn over ("Original must have
+    // identical size of this" otherwise); this surface itself stands for none.
+    // On an empty surface the effects set "Image has width=0".
+
+    // Fills the generator's ring afresh from lngSeed and starts reading it
+    // from its first entry.
+    void Effect_Seed(Long lngSeed);
+    // The Euclidean distance between two points rounded down to a whole
+    // pixel: the exact integer square root of dx^2 + dy^2, no table. A
+    // distance beyond a Long raises Overflow (6). Water drops take their
+    // shape from it.
+    static Long Effect_CalculateDist(Long X1, Long Y1, Long X2, Long Y2);
+
+    // Adds lngCount particles at (X, Y), each moving (VX, VY) pixels a step
+    // plus a random push of up to sngSpread pixels a step in a random
+    // direction, in colour lngColor, for lngLife steps. The pool holds at
+    // most kMaxParticles: dead particles' places are reused, and what does
+    // not fit is refused (false, "Effect_ParticleAdd: the pool is full").
+    bool Effect_ParticleAdd(Single X, Single Y, Single VX, Single VY, Long lngColor, Long lngLife,
+                            Long lngCount = 1, Single sngSpread = 0);
+    // One step: the picture first fades half way back to Original (black
+    // without one), which leaves short trails; then every particle falls by
+    // sngGravity (pixels a step per step, towards row 0), loses the fraction
+    // sngDrag (0 to 1) of its speed, moves, ages, and is added onto the
+    // surface, a dot with a halo, in its colour scaled by the life it has
+    // left. A particle that dies or leaves through the sides or the bottom
+    // frees its place; one above the top is kept, unseen, while it lives.
+    bool Effect_Particle(Single sngGravity = 0.05f, Single sngDrag = 0.01f,
+                         const clsGFX_2D* Original = nullptr);
+    // How many particles live.
+    Long Get_ParticleCount() const noexcept;
+    static constexpr Long kMaxParticles = 65536;
+
+    // Starts a stream of glyphs falling down glyph column lngColumn (cells of
+    // kGlyphCellWidth x kGlyphCellHeight from the top left; -1 picks one at
+    // random) at sngSpeed glyph rows a step (0 or less: a random speed from
+    // 0.15 to 0.6), its trail in lngColor. At most kMaxStreams fall at once
+    // ("Effect_MatrixAdd: too many streams" beyond).
+    bool Effect_MatrixAdd(Long lngColumn = -1, Single sngSpeed = 0, Long lngColor = 0x0046FF00);
+    // One step of the rain: the picture fades towards Original (black
+    // without one) by lngFade 256ths (1 to 256: smaller leaves longer
+    // trails); each stream falls, and the glyph at its head, from the
+    // built-in font, is drawn near white and changes at random while the
+    // head is in its cell; once the head moves on, that glyph stays in the
+    // stream's colour, at a random brightness, and fades with the picture.
+    // A stream whose head has left the bottom ends.
+    bool Effect_Matrix(Long lngFade = 16, const clsGFX_2D* Original = nullptr);
+    static constexpr Long kGlyphCellWidth = 12;
+    static constexpr Long kGlyphCellHeight = 16;
+    static constexpr Long kMaxStreams = 4096;
+
+    // Seeds the fire's hot rows. The fire is a heat field, the true fire,
+    // that the surface shows through a palette; it reaches two rows below the
+    // surface, and those are the hot rows: each of their cells gets lngHeat
+    // (0 to 255) or none, in random runs of 1 to 8 cells, so that the flames
+    // flicker. With Mask (24 bits), every pixel of it that is not black
+    // burns at lngHeat too ("True Fire must have identical size of Mask"
+    // when the sizes differ).
+    bool Effect_FireTest(Long lngHeat = 255, const clsGFX_2D* Mask = nullptr);
+    // One step of the fire: every heat cell above the hot rows becomes
+    // the sum of the four below it (left, under and right in the row below,
+    // under in the row below that) less lngCooling (0 to 1020), divided by 4
+    // and at least 0, so the heat rises, spreads and dies away: each 4 of
+    // lngCooling take one step of heat a row. The surface then shows the
+    // heat through the fire palette, black through red, orange and yellow to
+    // white. With Original, the palette colour is added onto the picture
+    // instead, so that cold air shows the picture as it is.
+    bool Effect_Fire(Long lngCooling = 4, const clsGFX_2D* Original = nullptr);
+
+    // One step of the water, a height per pixel kept in two buffers (this
+    // step and the one before). A drop of radius lngRadius (none when 0 or
+    // less) and depth lngDepth (heights are kept within +-8191) goes in at
+    // (X, Y) first, its height falling off linearly with Effect_CalculateDist
+    // from the centre. Then each height becomes half the sum of its four
+    // neighbours (halved towards zero, so that troughs and crests fare
+    // alike) less its value of the step before, and loses 1/2^lngDamping
+    // of itself (1 to 15), rounded away from zero so that every ripple comes
+    // to rest. The surface shows Original (without one: the picture the
+    // surface held when the water was last at rest) displaced by the slope
+    // of the water and lit by it.
+    bool Effect_Water(Long X = 0, Long Y = 0, Long lngRadius = 0, Long lngDepth = 0,
+                      Long lngDamping = 5, const clsGFX_2D* Original = nullptr);
+
     // ---- DeviceContext -------------------------------------------------------
 
     int PixelWidth() const override { return HasSurface() ? width_ : 0; }
@@ -247,6 +336,16 @@ private:
     void LineChecked(Long x1, Long y1, Long x2, Long y2, Long c);
     void Bezier(PointD s, PointD c1, PointD c2, PointD e, Long c, Long depth, bool clipped);
 
+    // The effects' state, made on first use (Effect.cpp).
+    struct EffectState;
+    struct EffectStateDelete {
+        void operator()(EffectState* state) const noexcept;
+    };
+    EffectState& Effects();
+    // The session's rows for an effect, after the checks every effect makes:
+    // a surface, 24 bits (else message), and an Original that fits.
+    bool EffectCheck(const char* message, const clsGFX_2D* Original);
+
     // Header of the current bitmap, as last asked for by Create.
     Long width_ = 0;
     Long height_ = 0;
@@ -264,6 +363,7 @@ private:
 
     std::string lastError_;
     ViewportRect viewport_;
+    static constexpr int kRandomRingSize = 7002;
     std::vector<float> randomRing_;
     Long randomIndex_ = -1;
 
@@ -272,6 +372,8 @@ private:
     Long kernelSize_ = 0;
     Long kernelWeight_ = 0;
     std::vector<Long> kernel_;
+
+    std::unique_ptr<EffectState, EffectStateDelete> effects_;
 };
 
 }  // namespace kelvarin

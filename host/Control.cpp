@@ -38,6 +38,13 @@ void PaintBorder(Surface& whole, const SurfaceProperties& surface, int width, in
          TranslateSysColor(SystemColor(COLOR_3DLIGHT)));
 }
 
+bool Control::HasAccessKey(int keyCode) const noexcept {
+    const auto lower = [](int c) { return c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c; };
+    for (const char c : surface_.accessKeys)
+        if (lower(static_cast<unsigned char>(c)) == lower(keyCode)) return true;
+    return false;
+}
+
 ControlSite& Control::Site() const {
     assert(site_ != nullptr && "a control is used before the host has sited it");
     return *site_;

@@ -33,6 +33,11 @@ struct SurfaceProperties {
     Integer appearance = 1;   // 0 flat, 1 3D
     Integer mousePointer = 0;
     std::shared_ptr<Object> mouseIcon;  // a Picture, or none
+    Integer oleDropMode = 0;
+    bool rightToLeft = false;
+    OLE_COLOR maskColor = 0x00FF00FF;  // the surface's own, which only loading changes
+    // The characters that, typed with Alt, are this control's access keys.
+    std::string accessKeys;
 };
 
 // Width of the border the frame draws around the client area, in pixels.
@@ -85,6 +90,11 @@ public:
     }
     virtual void Click() {}
     virtual void DblClick() {}
+    // The user typed one of the control's access keys (Alt and the character).
+    virtual void AccessKeyPress(Integer keyAscii) { (void)keyAscii; }
+    // Whether the key (its key code) is one of the control's access keys,
+    // whatever the case.
+    bool HasAccessKey(int keyCode) const noexcept;
     virtual void GotFocus() {}
     // Asked before the focus leaves; false keeps it here.
     virtual bool QueryLeaveFocus() { return true; }
@@ -103,6 +113,8 @@ public:
     Integer Appearance() const noexcept { return surface_.appearance; }
     Integer MousePointer() const noexcept { return surface_.mousePointer; }
     std::shared_ptr<Object> MouseIcon() const { return surface_.mouseIcon; }
+    Integer OLEDropMode() const noexcept { return surface_.oleDropMode; }
+    bool RightToLeft() const noexcept { return surface_.rightToLeft; }
     // The window handle, as the hWnd property gives it.
     Long HWnd() const { return Site().WindowHandle(); }
 

@@ -71,6 +71,7 @@ Variant GetMember(const Member& m, Control& control) {
 }
 
 Variant DefaultOf(const Member& m, Control& control) {
+    if (m.defaultFrom) return m.defaultFrom(control);
     if (m.type.base == BaseType::Font && m.defaultValue.IsEmpty()) return AmbientFont(control);
     return m.defaultValue;
 }
@@ -95,7 +96,8 @@ void WriteMembers(PropertyBag& bag, Control& control, std::span<const int> order
     const MemberTable table = control.Members();
     for (const int row : order) {
         const Member& m = table[static_cast<std::size_t>(row)];
-        bag.WriteProperty(m.persisted, GetMember(m, control), DefaultOf(m, control));
+        bag.WriteProperty(m.persisted, m.save ? m.save(control) : GetMember(m, control),
+                          DefaultOf(m, control));
     }
 }
 

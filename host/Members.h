@@ -77,6 +77,12 @@ struct Member {
     // default is the container's ambient font.
     std::string_view persisted;
     Variant defaultValue;
+    // A default the control works out when it reads or writes (the
+    // container's name for a caption), in place of defaultValue.
+    Variant (*defaultFrom)(Control&) = nullptr;
+    // What the store keeps when it is not the public value (a length kept
+    // in pixels but published in the container's units).
+    Variant (*save)(Control&) = nullptr;
 
     // Accessors. Values arrive converted to the member's type. `load` stores
     // a value read from the property store as it is: no clamping, no
@@ -223,6 +229,15 @@ struct Row : Member {
     Row&& With(unsigned accessor, F& slot, F function) && {
         slot = function;
         access |= accessor;
+        return std::move(*this);
+    }
+    Row&& DefaultFrom(Variant (*compute)(Control&)) && {
+        defaultFrom = compute;
+        return std::move(*this);
+    }
+    template <auto Getter>
+    Row&& SaveVia() && {
+        save = &GetVia<Getter>;
         return std::move(*this);
     }
     Row&& Help(std::string_view text) && {

@@ -27,8 +27,10 @@ void PointerProtocol::Move(const PointerEvent& e) {
     control_.MouseMove(e.button, e.shift, e.x, e.y);
 }
 
+// The host's click notice follows a release of any button over the control,
+// as a form's does; a control that answers only the left button asks which.
 void PointerProtocol::Release(const PointerEvent& e, bool over) {
-    const bool click = e.button == kLeftButton && over && !inDouble_;
+    const bool click = over && !inDouble_;
     inDouble_ = false;
     dblClickRaised_ = false;
     control_.MouseUp(e.button, e.shift, e.x, e.y);

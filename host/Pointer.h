@@ -4,9 +4,9 @@
 //   press                         MouseDown
 //   press, second of a double     DblClick in place of MouseDown
 //   host's double-click notice    DblClick, unless its press raised it already
-//   release                       MouseUp, then Click for the left button
-//                                 let go over the control, unless it ends a
-//                                 double click
+//   release                       MouseUp, then Click for any button let go
+//                                 over the control, unless it ends a double
+//                                 click
 //
 // What counts as a double click (time and distance) is the host's to judge:
 // it says so with the press, or afterwards with its own notice.

@@ -7,7 +7,7 @@
 
 namespace kelvarin::library {
 
-// Empty for a class that cannot be created yet (or never: the property page).
+// The creator of each creatable class of the library; empty for any other name.
 ControlCreator CreatorOf(std::string_view className);
 
 }  // namespace kelvarin::library

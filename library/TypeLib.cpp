@@ -7,6 +7,7 @@
 #include <cctype>
 #include <cstdio>
 
+#include "controls/commandbox/CommandBox.h"
 #include "controls/datebox/DateBox.h"
 #include "controls/progressbox/ProgressBox.h"
 
@@ -237,67 +238,6 @@ ClassInfo DateBox() {
 
 // CommandBox ---------------------------------------------------------------------
 
-// The command button's interface until its control is built: its members
-// have no accessors yet, so dispatch refuses them.
-host::MemberTable CommandBoxMembers() {
-    const auto prop = [](int row, std::string_view name, std::uint32_t id, TypeRef type,
-                         unsigned access, std::string_view help) {
-        return Property(row, name, Id(id), type).Raw(access, nullptr).Help(help);
-    };
-    static const host::Member rows[] = {
-        prop(0, "BackColor", 0x68030037, AsColor, kGet | kLet,
-             "Set or retrieve the background color of the object"),
-        prop(1, "ForeColor", 0x68030036, AsColor, kGet | kLet,
-             "Set or retrieve the color used to draw text in the control"),
-        prop(2, "Enabled", 0x68030035, AsBoolean, kGet | kLet,
-             "Set or retrieve a value which indicates if the object is allowed to answer to "
-             "systen events"),
-        prop(3, "Font", 0xFFFFFE00, AsFont, kGet | kSet,
-             "Set or retrieve the font object of the control"),
-        Method(4, "Refresh", Id(0x60030049), AsVoid, {}, nullptr)
-            .Help("Ridisegna completamente un oggetto."),
-        prop(5, "MouseIcon", 0x68030034, AsPicture, kGet | kSet,
-             "Imposta un'icona personalizzata per il puntatore del mouse."),
-        prop(6, "MousePointer", 0x68030033, AsInteger, kGet | kLet,
-             "Set or retrieve mouse pointer style when the mouse in on the object"),
-        prop(7, "OLEDropMode", 0x68030032, AsInteger, kGet | kLet,
-             "Restituisce o imposta un valore che indica se l'oggetto pu\u00F2 fungere da "
-             "destinazione di rilascio per il trascinamento OLE."),
-        prop(8, "Picture", 0x68030031, AsPicture, kGet | kSet,
-             "Set or retrieve a graphical element for the control"),
-        prop(9, "RightToLeft", 0x68030030, AsBoolean, kGet | kLet,
-             "Determina la direzione di visualizzazione del testo e l'aspetto del controllo in "
-             "un sistema bidirezionale."),
-        prop(10, "Alignment", 0x6803002F, Enum("eAlignmentText"), kGet | kLet,
-             "Set or retrieve the text alignment"),
-        prop(11, "AlignPicture", 0x6803002E, Enum("eAlignPicture"), kGet | kLet,
-             "Set or retrieve the picture alignment"),
-        prop(12, "Interleave", 0x6803002D, AsLong, kGet | kLet,
-             "Set or retrieve the distance between control border and object, and between text "
-             "and picture"),
-        prop(13, "Text", 0x6803002C, AsString, kGet | kLet,
-             "Set or retrieve the text of the control"),
-        // Lower case in the interface; persisted as "Style".
-        prop(14, "style", 0x6803002B, Enum("eStyle"), kGet | kLet,
-             "Set or retrieve the style of the control"),
-        prop(15, "ShowFocusRect", 0x6803002A, AsBoolean, kGet | kLet,
-             "Set or retrieve the value which determinates if the focus rect is drawn or not"),
-        prop(16, "hWnd", 0x68030029, AsLong, kGet, "Retrieve control handle").Hidden(),
-        prop(17, "MaskColor", 0x68030028, AsColor, kGet | kLet,
-             "Set or retrieve the color which will be treated as trasparent"),
-        prop(18, "UseMaskColor", 0x68030027, AsBoolean, kGet | kLet,
-             "Set or retrieve the value which indicates if the control shoul use mask color"),
-        prop(19, "HighLighted", 0x68030026, AsBoolean, kGet | kLet,
-             "Set or retrieve the value which indicates if the pictuer change with mouse over "
-             "event"),
-        prop(20, "ForeColorHighLighted", 0x68030025, AsColor, kGet | kLet,
-             "Set or retrieve the value which indicates if the color of the text when the "
-             "mouse is over and the property HiLighted is set to True"),
-    };
-    static const host::MemberTable table = host::CheckedTable(rows);
-    return table;
-}
-
 ClassInfo CommandBox() {
     return ClassInfo{
         "CommandBox",
@@ -306,7 +246,7 @@ ClassInfo CommandBox() {
         kCommandBoxIid,
         "__CommandBox",
         kCommandBoxEventsIid,
-        CommandBoxMembers(),
+        controls::CommandBox::Table(),
         Events({"Click", "DblClick", "KeyDown", "KeyPress", "KeyUp", "MouseDown", "MouseMove",
                 "MouseUp"}),
     };

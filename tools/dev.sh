@@ -16,9 +16,10 @@ cd "$(dirname "$0")/.."
 
 packages=(g++ cmake ninja-build pkg-config libgtest-dev libgmock-dev libbenchmark-dev
           nlohmann-json3-dev clang-format
-          # Qt 6 Widgets, Designer's plugin interface, and what the offscreen
+          # Qt 6 Widgets, Designer's plugin and extension interfaces (Designer
+          # needs the OpenGL module's CMake files), and what the offscreen
           # platform needs to draw text in tests and screenshots.
-          qt6-base-dev qt6-tools-dev libgl-dev fonts-dejavu-core)
+          qt6-base-dev qt6-tools-dev libqt6opengl6-dev libgl-dev fonts-dejavu-core)
 
 install_missing() {
     local missing=()

@@ -20,10 +20,12 @@
 
 #include "apps/gallery/Cards.h"
 #include "apps/gallery/DatePage.h"
+#include "apps/gallery/EffectsPage.h"
 #include "common/OleColor.h"
 #include "host/FormFile.h"
 #include "library/ClassFactory.h"
 #include "qt/Forms.h"
+#include "qt/GeneralDialog.h"
 #include "qt/Guard.h"
 #include "qt/ProgressBoxWidget.h"
 #include "qt/QtPlatform.h"
@@ -112,6 +114,9 @@ GalleryWindow::GalleryWindow(QWidget* parent) : QWidget(parent) {
 
     datePage_ = new DatePage(tabs_);
     tabs_->addTab(datePage_, QStringLiteral("DateBox"));
+
+    effectsPage_ = new EffectsPage(tabs_);
+    tabs_->addTab(effectsPage_, QStringLiteral("Effects"));
 
     // Controls of a loaded form that the gallery lacks get a page of their own.
     auto* formPage = new QWidget(tabs_);
@@ -408,6 +413,12 @@ void GalleryWindow::buildPlayground(QGridLayout* grid) {
                 [this, swatch, property] { pickColor(swatch, property); });
     }
     colours->addStretch(1);
+    // The property page, as a form designer shows it for the bar.
+    auto* properties = new QPushButton(QStringLiteral("Properties\u2026"), frame);
+    properties->setObjectName(QStringLiteral("properties"));
+    colours->addWidget(properties);
+    connect(properties, &QPushButton::clicked, this,
+            [this] { qt::GeneralDialog::Open({playBar_}, this); });
 
     form->addWidget(label("Value"), 0, 0);
     form->addWidget(valueSlider_, 0, 1);

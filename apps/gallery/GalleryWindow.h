@@ -1,8 +1,9 @@
 // The gallery: one window that shows the controls at work, a page each.
 // For the progress bar: the three gradient styles, captions and alignments,
 // a simulated job timed by the bar itself, and a playground whose controls
-// change value, range, style, caption and colours. The date field has its
-// own page (DatePage).
+// change value, range, style, caption and colours and open the property
+// page. The date field has its own page (DatePage), and so do the raster
+// effects (EffectsPage).
 //
 // Sections: construction; forms; the simulated job; the playground.
 #pragma once
@@ -33,6 +34,7 @@ class ProgressBoxWidget;
 namespace kelvarin::gallery {
 
 class DatePage;
+class EffectsPage;
 
 class GalleryWindow : public QWidget {
     Q_OBJECT
@@ -62,6 +64,7 @@ public:
     int timerChanges() const noexcept { return timerChanges_; }
 
     DatePage* datePage() const noexcept { return datePage_; }
+    EffectsPage* effectsPage() const noexcept { return effectsPage_; }
     // Brings a page to the front by its tab's title ("DateBox"); false if
     // there is none.
     bool showPage(const QString& name);
@@ -89,9 +92,10 @@ private:
     void watchErrors(qt::ControlWidget* w);
     void showStatus(const QString& text);
 
-    static constexpr int kFormTab = 2;
+    static constexpr int kFormTab = 3;
     QTabWidget* tabs_ = nullptr;
     DatePage* datePage_ = nullptr;
+    EffectsPage* effectsPage_ = nullptr;
     QLabel* statusLine_ = nullptr;
     QVBoxLayout* formBody_ = nullptr;
     QFrame* formCard_ = nullptr;

@@ -52,7 +52,7 @@ int main(int argc, char** argv) {
                                         QStringLiteral("Render the window to a PNG file and exit."),
                                         QStringLiteral("FILE"));
     const QCommandLineOption page(QStringLiteral("page"),
-                                  QStringLiteral("Open a page: ProgressBox or DateBox."),
+                                  QStringLiteral("Open a page: ProgressBox, DateBox or Effects."),
                                   QStringLiteral("NAME"));
     parser.addOptions({page, form, save, screenshot});
     parser.process(app);

@@ -128,9 +128,14 @@ void ScriptHost::Create(const std::string& className, const std::string& name, h
     try {
         host::PlaceNew(placed.Get(), placed);
     } catch (...) {
-        host_.Remove(name);
+        Remove(name);
         throw;
     }
+}
+
+void ScriptHost::Remove(std::string_view name) {
+    if (Placed* p = host_.Find(name); p && page_) page_->Forget(p->Get());
+    host_.Remove(name);
 }
 
 void ScriptHost::Save(const std::string& path) {
@@ -177,7 +182,10 @@ void ScriptHost::Load(const std::string& path) {
         host_.AttachAll(std::move(old));
         throw;
     }
-    for (auto& p : old) p->Get().Terminate();
+    for (auto& p : old) {
+        if (page_) page_->Forget(p->Get());
+        p->Get().Terminate();
+    }
     if (controlError) throw *controlError;
 }
 
@@ -325,6 +333,60 @@ void ScriptHost::PaintToFile(std::string_view target, const std::string& path) {
     if (afterPaint) afterPaint(r, path);
 }
 
+// ---- The property page ---------------------------------------------------------------
+
+void ScriptHost::Page(const Words& w) {
+    constexpr std::string_view usage =
+        "usage: page open NAME [NAME...] | clear FIELD | type FIELD TEXT | key FIELD ASCII | "
+        "check FIELD True|False | apply | dump";
+    const std::string& action = w[1];
+    const auto words = [&](std::size_t n) {
+        if (w.size() != n) throw ScriptError{std::string(usage)};
+    };
+    if (!page_) {
+        auto created = library::ClassRegistry::Instance().Create("General");
+        page_.reset(static_cast<pages::General*>(created.release()));
+    }
+    pages::General& page = *page_;
+    if (action == "open") {
+        if (w.size() < 3) throw ScriptError{std::string(usage)};
+        std::vector<host::Control*> selected;
+        for (std::size_t i = 2; i < w.size(); ++i) selected.push_back(&Control(w[i]).Get());
+        page.SelectionChanged(selected);
+    } else if (action == "clear") {
+        words(3);
+        page.SetText(w[2], "");
+    } else if (action == "type") {
+        words(4);
+        // A quoted word is read as a value; a bare one is the text itself.
+        page.Type(w[2], w[3].front() == '"' ? ParseValue(w[3]).ToString() : w[3]);
+    } else if (action == "key") {
+        words(4);
+        const int ascii = ToInt(w[3]);
+        if (ascii < 0 || ascii > 255) throw ScriptError{"a character code is 0 to 255"};
+        page.TypeCharacter(w[2], ascii);
+    } else if (action == "check") {
+        words(4);
+        page.SetChecked(w[2], ParseValue(w[3]).ToBoolean());
+    } else if (action == "apply") {
+        words(2);
+        page.Apply();
+    } else if (action == "dump") {
+        words(2);
+        out_ << "group " << pages::GroupName(page.Shown()) << "\n";
+        for (const pages::Field& f : page.Fields()) {
+            if (f.group != page.Shown()) continue;
+            out_ << f.name << " "
+                 << (f.kind == pages::FieldKind::Check ? FormatValue(Variant(f.checked))
+                                                       : FormatValue(Variant(f.text)))
+                 << "\n";
+        }
+        out_ << "changed " << FormatValue(Variant(page.Changed())) << "\n";
+    } else {
+        throw ScriptError{std::string(usage)};
+    }
+}
+
 // ---- The command table ---------------------------------------------------------------------
 
 struct ScriptHost::Command {
@@ -370,8 +432,10 @@ const std::vector<ScriptHost::Command>& ScriptHost::Commands() {
     };
     constexpr auto click = [](ScriptHost& h, const Words& w, L) {
         const double x = ToNumber(w[2]), y = ToNumber(w[3]);
-        h.SendMouse(w[1], "down", host::kLeftButton, 0, x, y);
-        h.SendMouse(w[1], "up", host::kLeftButton, 0, x, y);
+        const int button = w.size() == 5 ? ToInt(w[4]) : host::kLeftButton;
+        if (button < 1 || button > 7) throw ScriptError{"a button is 1 to 7"};
+        h.SendMouse(w[1], "down", button, 0, x, y);
+        h.SendMouse(w[1], "up", button, 0, x, y);
         // The second press only reaches a control that took the first click.
         if (w[0] != "dblclick" || EqualsIgnoreCase(w[1], "popup") || h.host_.openPopup ||
             !h.Control(w[1]).Get().SurfaceState().enabled)
@@ -394,7 +458,7 @@ const std::vector<ScriptHost::Command>& ScriptHost::Commands() {
         {"destroy", "destroy NAME", 2, 2,
          [](ScriptHost& h, const Words& w, L) {
              h.Control(w[1]);
-             h.host_.Remove(w[1]);
+             h.Remove(w[1]);
          }},
         {"resize", "resize NAME WIDTH HEIGHT", 4, 4,
          [](ScriptHost& h, const Words& w, L) {
@@ -409,6 +473,12 @@ const std::vector<ScriptHost::Command>& ScriptHost::Commands() {
         {"move", "move NAME X Y", 4, 4,
          [](ScriptHost& h, const Words& w, L) {
              h.Control(w[1]).MoveTo({ToInt(w[2]), ToInt(w[3])});
+         }},
+        {"scale", "scale pixels|twips", 2, 2,
+         [](ScriptHost& h, const Words& w, L) {
+             if (w[1] != "pixels" && w[1] != "twips")
+                 throw ScriptError{"usage: scale pixels|twips"};
+             h.host_.unitsPerPixel = w[1] == "twips" ? 15.0 : 1.0;
          }},
         {"screen", "screen WIDTH HEIGHT", 3, 3,
          [](ScriptHost& h, const Words& w, L) {
@@ -468,6 +538,14 @@ const std::vector<ScriptHost::Command>& ScriptHost::Commands() {
         {"stroke", "stroke CODE [SHIFT]", 2, 3,
          [](ScriptHost& h, const Words& w, L) {
              const int code = ToInt(w[1]), shift = w.size() == 3 ? ToInt(w[2]) : 0;
+             // Alt and a control's access key is the form's: it goes to that
+             // control and no further, and the focus stays where it is.
+             if ((shift & host::kAltMask) && !h.host_.openPopup) {
+                 if (Placed* owner = h.host_.AccessKeyOwner(code)) {
+                     owner->Get().AccessKeyPress(static_cast<Integer>(code));
+                     return;
+                 }
+             }
              h.SendKey("down", code, shift);
              if (const int c = TypedCharacter(code)) h.SendKey("press", c, shift);
              h.SendKey("up", code, shift);
@@ -483,8 +561,8 @@ const std::vector<ScriptHost::Command>& ScriptHost::Commands() {
                  throw ScriptError{"usage: mouse TARGET down|up|move BUTTON SHIFT X Y"};
              h.SendMouse(w[1], w[2], ToInt(w[3]), ToInt(w[4]), ToNumber(w[5]), ToNumber(w[6]));
          }},
-        {"click", "click|dblclick TARGET X Y", 4, 4, click},
-        {"dblclick", "click|dblclick TARGET X Y", 4, 4, click},
+        {"click", "click TARGET X Y [BUTTON]", 4, 5, click},
+        {"dblclick", "dblclick TARGET X Y", 4, 4, click},
         {"pointer", "pointer NAME over|away", 3, 3,
          [](ScriptHost& h, const Words& w, L) {
              if (w[2] != "over" && w[2] != "away")
@@ -513,6 +591,8 @@ const std::vector<ScriptHost::Command>& ScriptHost::Commands() {
         {"notified", "notified [NAME]", 1, 2,
          [](ScriptHost& h, const Words& w, L) { h.PrintNotifications(w.size() == 2 ? w[1] : ""); }},
         {"dump", "dump NAME", 2, 2, [](ScriptHost& h, const Words& w, L) { h.PrintDump(w[1]); }},
+        {"page", "page open|clear|type|key|check|apply|dump ...", 2, kAnyNumber,
+         [](ScriptHost& h, const Words& w, L) { h.Page(w); }},
         {"deactivate", "deactivate popup", 2, 2,
          [](ScriptHost& h, const Words&, L) {
              if (!h.host_.openPopup) throw ScriptError{"no popup is open"};

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "host/headless/HeadlessHost.h"
+#include "pages/general/General.h"
 
 namespace kelvarin::script {
 
@@ -54,12 +55,17 @@ private:
     void PrintNotifications(std::string_view name);
     void PrintDump(std::string_view target);
     void PaintToFile(std::string_view target, const std::string& path);
+    // The property page's commands (the words after "page").
+    void Page(const Words& words);
+    // Removes a control from the form, and from the page's selection.
+    void Remove(std::string_view name);
 
     std::ostream& out_;
     host::headless::HeadlessHost host_;
     std::istream* in_ = nullptr;
     bool failed_ = false;
     host::Point popupPosition_;
+    std::unique_ptr<pages::General> page_;
 };
 
 }  // namespace kelvarin::script

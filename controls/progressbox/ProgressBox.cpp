@@ -220,11 +220,11 @@ void ProgressBox::InitProperties() {
 void ProgressBox::Show() {}
 
 void ProgressBox::Resize() {
-    if (ready_) Redraw();
+    if (ready_) Repaint();
 }
 
 void ProgressBox::Paint() {
-    if (ready_) Redraw();
+    if (ready_) Repaint();
 }
 
 // ---- Input: raised to the container unchanged ----------------------------------
@@ -274,11 +274,57 @@ Long RoundedSquare(Long x) { return ToLong(std::pow(static_cast<double>(x), 2.0)
 // The whole repaint: a fresh surface one pixel wider and taller than the
 // client area, the bar drawn column by column, copied to the control, and
 // the caption over it.
+std::pair<Long, Long> ProgressBox::LinearColumns(double from, double to, Long last) const {
+    const double range = maxValue_ - minValue_;
+    const Long first = ToLong(Divide((from - minValue_) * last, range));
+    const Long end = CheckedSub(ToLong(Divide((to - minValue_) * last, range)), 1);
+    return {first, end};
+}
+
+Long ProgressBox::PivotColumn(double to, Long width) const {
+    return ToLong(Divide((to - minValue_) * (width - 2), maxValue_ - minValue_));
+}
+
+ProgressBox::Look ProgressBox::CurrentLook(double sw, double sh) const {
+    Look look;
+    look.width = sw;
+    look.height = sh;
+    look.style = gradientStyle_;
+    look.back = TranslateSysColor(SurfaceState().backColor);
+    look.start = startColorRGB_;
+    look.finish = finishColorRGB_;
+    look.pivot = TranslateSysColor(pivotColor_);
+    look.fore = TranslateSysColor(SurfaceState().foreColor);
+    const Long width = ToLong(sw + 1);
+    if (gradientStyle_ == kLinear)
+        std::tie(look.first, look.end) = LinearColumns(minValue_, value_, width - 1);
+    else if (gradientStyle_ == kGaussian || gradientStyle_ == kGaussianSquared)
+        look.first = look.end = PivotColumn(value_, width);
+    look.caption = Caption();
+    look.alignment = alignment_;
+    look.font = *SurfaceState().font;
+    return look;
+}
+
+void ProgressBox::Repaint() {
+    painted_.reset();
+    Redraw();
+}
+
 void ProgressBox::Redraw() {
     if (!HasSite()) return;
     host::Surface& surface = Site().ClientSurface();
     const double sw = surface.Width();
     const double sh = surface.Height();
+    // A look that fails its arithmetic is never the painted one.
+    std::optional<Look> look;
+    try {
+        look = CurrentLook(sw, sh);
+    } catch (const HostError&) {
+        painted_.reset();
+    }
+    if (look && look == painted_) return;
+    painted_.reset();
     clsGFX_2D gfx;
     gfx.Create(ToLong(sw + 1), ToLong(sh + 1), 24);
     gfx.Draw_StartSession();
@@ -288,6 +334,7 @@ void ProgressBox::Redraw() {
     gfx.Draw_EndSession();
     gfx.BitBlt_PaintPicture(&surface, 0, 0, -1, -1, 0, 0, SRCCOPY);
     DrawCaption(surface, sw, sh);
+    painted_ = std::move(look);
     Site().Refresh();
 }
 
@@ -306,9 +353,7 @@ void ProgressBox::DrawBar(clsGFX_2D& gfx, double& from, double& to) {
             const double stepR = Divide(f.r - s.r, last);
             const double stepG = Divide(f.g - s.g, last);
             const double stepB = Divide(f.b - s.b, last);
-            const double range = maxValue_ - minValue_;
-            const Long first = ToLong(Divide((from - minValue_) * last, range));
-            const Long end = CheckedSub(ToLong(Divide((to - minValue_) * last, range)), 1);
+            const auto [first, end] = LinearColumns(from, to, last);
             for (Long x = first; x <= end; ++x)
                 column(x, Combine(s.r + x * stepR, s.g + x * stepG, s.b + x * stepB));
             return;
@@ -316,7 +361,7 @@ void ProgressBox::DrawBar(clsGFX_2D& gfx, double& from, double& to) {
         case kGaussian:
         case kGaussianSquared: {
             const bool squared = gradientStyle_ == kGaussianSquared;
-            const Long p = ToLong(Divide((to - minValue_) * (w - 2), maxValue_ - minValue_));
+            const Long p = PivotColumn(to, w);
             const Rgb pv = SplitRGB(TranslateSysColor(pivotColor_));
             if (p != 0) {
                 const double spread = squared ? RoundedSquare(p) : p;

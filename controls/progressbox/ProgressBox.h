@@ -8,7 +8,9 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
+#include <utility>
 
 #include "common/DateTime.h"
 #include "common/OleColor.h"
@@ -138,7 +140,27 @@ private:
     void StartTiming();
     void StopTiming();
     void OnTimer();
+    // What the pixels of a repaint depend on. A write that leaves it as the
+    // last repaint left it skips the raster work; the arithmetic that finds
+    // the bar's columns still runs, so it fails as the repaint would.
+    struct Look {
+        double width = 0, height = 0;
+        Long style = 0;
+        OLE_COLOR back = 0, start = 0, finish = 0, pivot = 0, fore = 0;
+        Long first = 0, end = 0;  // the bar's columns (the pivot's, twice, for a Gaussian)
+        std::string caption;
+        Long alignment = 0;
+        Font font;
+        friend bool operator==(const Look&, const Look&) = default;
+    };
+    Look CurrentLook(double sw, double sh) const;
+    // The first and last column of a linear bar from `from` to `to`, and
+    // the pivot's column of a Gaussian one.
+    std::pair<Long, Long> LinearColumns(double from, double to, Long last) const;
+    Long PivotColumn(double to, Long width) const;
+    // Repaints after a write; a host's paint or resize repaints whatever the look.
     void Redraw();
+    void Repaint();
     void DrawBar(clsGFX_2D& gfx, double& from, double& to);
     void DrawCaption(host::Surface& surface, double sw, double sh);
     void EnsureTimer();
@@ -159,7 +181,8 @@ private:
     std::uint32_t startTick_ = 0;
     bool ready_ = false;
     std::unique_ptr<host::Timer> tmrTimes_;
-    Long pendingInterval_ = 250;  // until the site gives the timer
+    std::optional<Look> painted_;  // none until a repaint has succeeded
+    Long pendingInterval_ = 250;   // until the site gives the timer
 };
 
 }  // namespace kelvarin::controls

@@ -235,6 +235,12 @@ bool HeadlessHost::SetFocus(Placed* target) {
     return true;
 }
 
+Placed* HeadlessHost::AccessKeyOwner(int keyCode) {
+    for (auto& p : placed_)
+        if (p->Get().HasAccessKey(keyCode)) return p.get();
+    return nullptr;
+}
+
 bool HeadlessHost::FocusNext(bool forward) {
     const auto count = static_cast<std::ptrdiff_t>(placed_.size());
     if (count == 0) return true;

@@ -146,6 +146,8 @@ public:
     // creation order (or the previous one), wrapping round; false when the
     // focused control keeps it.
     bool FocusNext(bool forward);
+    // The control whose access keys hold the key, or null.
+    Placed* AccessKeyOwner(int keyCode);
 
     // ---- Records for the script (off: nothing is kept, as a benchmark wants)
     bool recording = true;

@@ -50,11 +50,21 @@ OLE_COLOR RasterSurface::GetPixel(Point p) const {
     return Inside(p.x, p.y) ? raster_->Get(p.x + view_.left, p.y + view_.top) : 0;
 }
 
+// Clipped once to the view and the raster, then written row by row.
 void RasterSurface::FillRect(const Rect& rect, OLE_COLOR color) {
-    const int l = std::max(rect.left, 0), t = std::max(rect.top, 0);
-    const int r = std::min(rect.right, Width()), b = std::min(rect.bottom, Height());
-    for (int y = t; y < b; ++y)
-        for (int x = l; x < r; ++x) SetPixel({x, y}, color);
+    const int l = std::max({rect.left, 0, -view_.left}), t = std::max({rect.top, 0, -view_.top});
+    const int r = std::min({rect.right, Width(), raster_->width - view_.left});
+    const int b = std::min({rect.bottom, Height(), raster_->height - view_.top});
+    if (l >= r || t >= b) return;
+    const std::uint8_t pixel[3] = {static_cast<std::uint8_t>(BlueOf(color)),
+                                   static_cast<std::uint8_t>(GreenOf(color)),
+                                   static_cast<std::uint8_t>(RedOf(color))};
+    for (int y = t; y < b; ++y) {
+        std::uint8_t* p =
+            raster_->bgr.data() +
+            (static_cast<std::size_t>(y + view_.top) * raster_->width + l + view_.left) * 3;
+        for (int x = l; x < r; ++x, p += 3) std::copy(pixel, pixel + 3, p);
+    }
 }
 
 Size RasterSurface::MeasureText(std::string_view text, const Font& font) {

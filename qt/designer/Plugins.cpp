@@ -7,15 +7,18 @@
 #include "qt/DateBoxWidget.h"
 #include "qt/ProgressBoxWidget.h"
 #include "qt/QtPlatform.h"
+#include "qt/designer/TaskMenu.h"
 
 namespace kelvarin::qt {
 
 WidgetPlugin::WidgetPlugin(Entry entry, QObject* parent)
     : QObject(parent), entry_(std::move(entry)) {}
 
-void WidgetPlugin::initialize(QDesignerFormEditorInterface*) {
+void WidgetPlugin::initialize(QDesignerFormEditorInterface* core) {
     if (initialized_) return;
-    ApplyPlatformSettings();  // idempotent: every entry may be first
+    // Both idempotent: every entry may be first.
+    ApplyPlatformSettings();
+    GeneralTaskMenuFactory::Register(core);
     initialized_ = true;
 }
 

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
+
 #include "host/Site.h"
 #include "host/headless/HeadlessHost.h"
 #include "tests/ErrorOf.h"
@@ -46,5 +48,36 @@ TEST(ProgressBoxTest, UnguardedDivisionsFailTheWriteAndLeaveTheControlUsable) {
     EXPECT_EQ(ErrorOf([&] { host::PlaceLoaded(c, bag, *placed); }), 11);
 }
 
+// A write that leaves the look unchanged skips the raster work: after any
+// sequence of writes the pixels equal those of a full repaint.
+TEST(ProgressBoxTest, SkippedRepaintsLeaveThePixelsOfAFullOne) {
+    host::headless::HeadlessHost host;
+    std::mt19937 random(7);
+    for (Long style :
+         {ProgressBox::kLinear, ProgressBox::kGaussian, ProgressBox::kGaussianSquared}) {
+        SCOPED_TRACE(style);
+        host.Clear();
+        auto box = std::make_unique<ProgressBox>();
+        ProgressBox& bar = *box;
+        host::headless::Placed& placed = host.Add("bar", std::move(box), {97, 13});
+        host::PlaceNew(bar, placed);
+        bar.SetGradientStyle(style);
+        bar.SetPivotColor(RGB(250, 10, 90));
+        for (int step = 0; step < 400; ++step) {
+            const double v = std::uniform_int_distribution<int>(0, 4000)(random) / 10.0;
+            switch (std::uniform_int_distribution<int>(0, 9)(random)) {
+                case 0: bar.SetMaxValue(v); break;
+                case 1: bar.SetMinValue(v - 200); break;
+                case 2: bar.SetPercentual(v / 4); break;
+                case 3: bar.SetShowPercentual(!bar.ShowPercentual()); break;
+                case 4: bar.SetText(step % 2 ? "x" : ""); break;
+                default: bar.SetValue(v); break;  // mostly values, often unchanged looks
+            }
+            const std::vector<std::uint8_t> written = placed.Pixels().bgr;
+            bar.Paint();
+            ASSERT_EQ(placed.Pixels().bgr, written) << "after step " << step;
+        }
+    }
+}
 }  // namespace
 }  // namespace kelvarin::controls

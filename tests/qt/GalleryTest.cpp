@@ -17,6 +17,7 @@
 #include <QTest>
 
 #include "apps/gallery/DatePage.h"
+#include "apps/gallery/EffectsPage.h"
 #include "host/FormFile.h"
 #include "library/ClassFactory.h"
 #include "qt/DateBoxWidget.h"
@@ -145,6 +146,39 @@ TEST(GalleryTest, TheProgramSavesLoadsAndTakesAScreenshot) {
     EXPECT_TRUE(missing.err.contains(QStringLiteral("none.json"))) << missing.err.toStdString();
 
     EXPECT_EQ(Gallery({QStringLiteral("surplus")}).exitCode, 2);
+}
+
+// The effects play while their page is shown, the same frames for the
+// same seed, and the pointer drops water where it presses.
+TEST(GalleryTest, TheEffectsPagePlaysItsSeedAndTakesThePointer) {
+    GalleryWindow window;
+    window.show();
+    ASSERT_TRUE(window.showPage(QStringLiteral("Effects")));
+    EffectsPage* page = window.effectsPage();
+    QTRY_VERIFY(page->frames() > 3);
+    ASSERT_TRUE(window.showPage(QStringLiteral("DateBox")));  // stops the timer
+
+    const auto play = [page](int seed) {
+        page->setSeed(seed);
+        QList<QImage> frames;
+        for (int i = 0; i < 30; ++i) page->step();
+        for (auto kind : {EffectView::Particles, EffectView::Rain, EffectView::Fire})
+            frames << page->view(kind)->frame();
+        return frames;
+    };
+    EXPECT_EQ(play(5), play(5));
+    EXPECT_NE(play(5), play(6));
+    EXPECT_TRUE(page->readout().contains(QStringLiteral("ms a step")))
+        << page->readout().toStdString();
+
+    EffectView* water = page->view(EffectView::Water);
+    page->setSeed(5);
+    const QImage calm = water->frame();
+    QTest::mousePress(water, Qt::LeftButton, {}, water->rect().center());
+    page->step();
+    QTest::mouseRelease(water, Qt::LeftButton, {}, water->rect().center());
+    for (int i = 0; i < 5; ++i) page->step();
+    EXPECT_NE(water->frame(), calm);
 }
 
 }  // namespace
