@@ -172,6 +172,8 @@ TEST_F(DateEditorTest, AStepThatOverflowsIsTheHostsError) {
 
 // ---- Leaving a field --------------------------------------------------------
 
+// A partly typed year completed as Enter leaves it is datebox_keys_typing's;
+// these rows are the other edges of leaving a field.
 TEST_F(DateEditorTest, CommitCompletesAndClampsTheFieldBeingLeft) {
     struct Case {
         const char* pattern;
@@ -184,7 +186,6 @@ TEST_F(DateEditorTest, CommitCompletesAndClampsTheFieldBeingLeft) {
         int changes;  // one for a stored part that differs, one more for a correction
     };
     const Case cases[] = {
-        {"dd/mm/yyyy", kXmas, 3, "0___", true, "25/12/2000", true, 1},
         {"dd/mm/yyyy", kXmas, 3, "9999", true, "25/12/9980", true, 2},
         {"dd/mm/yyyy", kXmas, 3, "0050", true, "25/12/0100", true, 2},
         {"dd/mm/yyyy", kXmas, 2, "00", true, "25/01/2007", true, 2},

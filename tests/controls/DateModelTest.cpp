@@ -32,20 +32,15 @@ std::vector<std::string> Describe(const std::vector<FormatToken>& tokens) {
 
 using Tokens = std::vector<std::string>;
 
-const Tokens kDayMonthYear = {"field dd Day 2", "literal '/'", "field mm Month 2", "literal '/'",
-                              "field yyyy Year 4"};
-
+// Upper case, a two-digit year widened, "c" and the patterns the date box
+// shows in datebox_format are cut there; these are the other shapes.
 TEST(DateModelTest, ParseFormatCutsAndClassifiesThePattern) {
     const struct {
         const char* pattern;
         Tokens tokens;
     } cases[] = {
-        {"dd/mm/yyyy", kDayMonthYear},
-        {"DD/MM/YY", kDayMonthYear},  // upper case, and a two-digit year widened
-        {"ddddd", kDayMonthYear},
-        {"ttttt",
-         {"field hh Hour 2", "literal ':'", "field nn Minute 2", "literal ':'",
-          "field ss Second 2"}},
+        {"dd/mm/yyyy",
+         {"field dd Day 2", "literal '/'", "field mm Month 2", "literal '/'", "field yyyy Year 4"}},
         {"dddddd",
          {"field dd Day 2", "literal ' '", "field mmmm Month shown", "literal ','", "literal ' '",
           "field yyyy Year 4"}},

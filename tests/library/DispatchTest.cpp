@@ -4,7 +4,6 @@
 
 #include <vector>
 
-#include "common/HostError.h"
 #include "host/headless/HeadlessHost.h"
 #include "library/ClassFactory.h"
 #include "tests/ErrorOf.h"
@@ -42,7 +41,7 @@ TEST_F(DispatchTest, BindsByNameInAnyCaseAndByDispId) {
 }
 
 // A value that cannot be converted raises the host's error, and nothing
-// reaches the control.
+// reaches the control; which values convert is the variant's own test.
 TEST_F(DispatchTest, ConvertsArgumentsToTheMembersTypeOrRaises) {
     constexpr auto kButtonFace = static_cast<Long>(0x8000000F);
     const struct {
@@ -65,10 +64,7 @@ TEST_F(DispatchTest, ConvertsArgumentsToTheMembersTypeOrRaises) {
         {"Colour", Variant(2147483663.0), Variant(kButtonFace)},
         {"Colour", Variant(4294967296.0), {}, 6},
         {"Colour", Variant("red"), {}, 13},
-        {"Number", Variant("twelve"), {}, 13},
         {"Number", Variant(std::make_shared<Font>()), {}, 13},
-        {"Caption", Variant::Null(), {}, 94},
-        {"Small", Variant(Long{40000}), {}, 6},
     };
     for (const auto& r : rows) {
         probe.puts.clear();
@@ -114,13 +110,6 @@ TEST_F(DispatchTest, MissingMembersAndAccessorsRaise438) {
     EXPECT_TRUE(unsupported([&] { Call(probe, "Number", none); }));  // a property
     EXPECT_TRUE(probe.puts.empty());
     EXPECT_EQ(Get(probe, "hANDLE"), Variant(Long{0x1234}));
-
-    try {
-        Get(probe, "Nonsense");
-        FAIL() << "no error";
-    } catch (const HostError& e) {
-        EXPECT_STREQ(e.what(), "Object doesn't support this property or method");
-    }
 }
 
 TEST_F(DispatchTest, AControlOfAnUnregisteredClassHasNoMembers) {
@@ -136,13 +125,7 @@ TEST_F(DispatchTest, MethodsCheckTheirArgumentCount) {
     std::vector<Variant> one{Variant(Long{1})};
     std::vector<Variant> three{Variant(Long{1}), Variant(Long{2}), Variant(Long{3})};
     std::vector<Variant> none;
-    try {
-        Call(probe, "Add", one);
-        FAIL() << "no error";
-    } catch (const HostError& e) {
-        EXPECT_EQ(e.Number(), 450);
-        EXPECT_STREQ(e.what(), "Wrong number of arguments or invalid property assignment");
-    }
+    EXPECT_EQ(ErrorOf([&] { Call(probe, "Add", one); }), 450);
     EXPECT_EQ(ErrorOf([&] { Call(probe, "Add", three); }), 450);
     EXPECT_EQ(ErrorOf([&] { Call(probe, "Ring", one); }), 450);
 
@@ -175,17 +158,11 @@ public:
     }
 };
 
-TEST_F(DispatchTest, EventsReachTheContainerByNumberAndName) {
+// Events reach the container by number and name in every acceptance script;
+// here, the container changes a by-reference argument and the control sees it.
+TEST_F(DispatchTest, TheContainerChangesAByReferenceEventArgument) {
     host::headless::HeadlessHost host;
     host.eventNames = EventName;
-    host::headless::Placed& placed = host.Add("P1", std::make_unique<Probe>(), {40, 20});
-    std::vector<Variant> none;
-    Call(placed.Get(), "Ring", none);
-    ASSERT_EQ(host.events.size(), 1u);
-    EXPECT_EQ(host.events[0].name, "Rang");
-    EXPECT_EQ(host.events[0].args, std::vector<Variant>{Variant(Long{3})});
-
-    // The container changes a by-reference argument and the control sees it.
     CancellingSite site(host, "P2", std::make_unique<Probe>());
     std::vector<Variant> key{Variant(Integer{65})};
     EXPECT_EQ(Call(site.Get(), "Type", key), Variant(Integer{0}));

@@ -45,15 +45,13 @@ Variant Bump(host::Control&, std::span<Variant> args) {
     return Variant(Long{7});
 }
 
-Variant Ring(host::Control& c, std::span<Variant>) {
-    Variant count(Long{3});
-    static_cast<Probe&>(c).Raise(1, {&count, 1});
+Variant Ring(host::Control&, std::span<Variant>) {
     return Variant(Long{99});  // ignored: Ring returns nothing
 }
 
 Variant Type(host::Control& c, std::span<Variant> args) {
     Variant key = args[0];
-    static_cast<Probe&>(c).Raise(2, {&key, 1});
+    static_cast<Probe&>(c).Raise(1, {&key, 1});
     return key;
 }
 
@@ -89,14 +87,11 @@ const ClassInfo& RegisterProbe() {
         "Probe",
         Guid{0x5E1F0C11, 0x2B7A, 0x4C3D, {0x9A, 0x10, 0x44, 0x21, 0x6B, 0x0D, 0x3E, 0x77}},
         "_Probe",
-        Guid{0x5E1F0C12, 0x2B7A, 0x4C3D, {0x9A, 0x10, 0x44, 0x21, 0x6B, 0x0D, 0x3E, 0x77}},
+        {},
         "__Probe",
-        Guid{0x5E1F0C13, 0x2B7A, 0x4C3D, {0x9A, 0x10, 0x44, 0x21, 0x6B, 0x0D, 0x3E, 0x77}},
+        {},
         Probe::Table(),
-        {
-            {1, "Rang", {{"Count", {BaseType::Long}}}, {}},
-            {2, "Typed", {{"KeyAscii", {BaseType::Integer}}}, {}},
-        },
+        {{1, "Typed", {{"KeyAscii", {BaseType::Integer}}}, {}}},
     };
     ClassRegistry::Instance().Register(info, [] { return std::make_unique<Probe>(); });
     return info;
@@ -109,22 +104,14 @@ TempDir::TempDir() {
     path_ = pattern;
 }
 
-TempDir::~TempDir() {
-    std::error_code ec;
-    std::filesystem::permissions(path_, std::filesystem::perms::owner_all,
-                                 std::filesystem::perm_options::add, ec);
-    std::filesystem::remove_all(path_, ec);
-}
-
 ScopedEnv::ScopedEnv(const char* name, const char* value) : name_(name) {
     if (const char* old = std::getenv(name)) old_ = old;
-    if (value) ::setenv(name, value, 1);
-    else ::unsetenv(name);
+    Put(name, value);
 }
 
-ScopedEnv::~ScopedEnv() {
-    if (old_) ::setenv(name_, old_->c_str(), 1);
-    else ::unsetenv(name_);
+void ScopedEnv::Put(const char* name, const char* value) {
+    if (value) ::setenv(name, value, 1);
+    else ::unsetenv(name);
 }
 
 std::string ReadFile(const std::filesystem::path& file) {

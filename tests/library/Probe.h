@@ -1,5 +1,5 @@
 // A small control for the library tests: one property of every boundary
-// type, a read-only one, methods with and without arguments, and events.
+// type, a read-only one, methods with and without arguments, and an event.
 #pragma once
 
 #include <filesystem>
@@ -30,7 +30,7 @@ enum ProbeId : DispId {
     kIcon,        // Picture
     kAdd,         // method Add(A As Long, B As Long) As Long
     kBump,        // method Bump(N As Integer): adds one to N
-    kRing,        // method Ring(): raises Rang, returns nothing
+    kRing,        // method Ring(): returns nothing
     kType,        // method Type(KeyAscii As Integer) As Integer: raises Typed
 };
 
@@ -54,24 +54,26 @@ const ClassInfo& RegisterProbe();
 class TempDir {
 public:
     TempDir();
-    ~TempDir();
+    ~TempDir() { std::filesystem::remove_all(path_, ignored_); }
     TempDir(const TempDir&) = delete;
     TempDir& operator=(const TempDir&) = delete;
     const std::filesystem::path& Path() const noexcept { return path_; }
 
 private:
     std::filesystem::path path_;
+    std::error_code ignored_;
 };
 
 // Sets (or, for nullptr, clears) an environment variable while it lives.
 class ScopedEnv {
 public:
     ScopedEnv(const char* name, const char* value);
-    ~ScopedEnv();
+    ~ScopedEnv() { Put(name_, old_ ? old_->c_str() : nullptr); }
     ScopedEnv(const ScopedEnv&) = delete;
     ScopedEnv& operator=(const ScopedEnv&) = delete;
 
 private:
+    static void Put(const char* name, const char* value);
     const char* name_;
     std::optional<std::string> old_;
 };

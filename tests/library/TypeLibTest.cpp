@@ -20,10 +20,7 @@ const ClassInfo& Class(std::string_view name) {
 TEST(GuidTest, PrintsAndReadsTheRegistryForm) {
     const Guid g{0x0F9AFF12, 0x8B64, 0x47CA, {0x93, 0x84, 0xD9, 0x2B, 0x80, 0x90, 0x44, 0xBD}};
     EXPECT_EQ(g.ToString(), "{0F9AFF12-8B64-47CA-9384-D92B809044BD}");
-    EXPECT_EQ(Guid::Parse("{0F9AFF12-8B64-47CA-9384-D92B809044BD}"), g);
-    EXPECT_EQ(Guid::Parse("0f9aff12-8b64-47ca-9384-d92b809044bd"), g);
-    EXPECT_EQ(Guid{}.ToString(), "{00000000-0000-0000-0000-000000000000}");
-
+    // Both spellings read back in the registration's tests; these do not.
     for (const char* bad :
          {"", "{0F9AFF12-8B64-47CA-9384-D92B809044BD", "0F9AFF12-8B64-47CA-9384_D92B809044BD",
           "0F9AFF12-8B64-47CA-9384-D92B809044BG"}) {
@@ -45,8 +42,8 @@ TEST(TypeLibTest, IdentifiersAreFixedAndDistinct) {
     }
 }
 
-// Classes by name, programmatic name or identifier, members by name or
-// DISPID, all names in any case.
+// Classes by name, programmatic name or identifier, and events by name,
+// all names in any case.
 TEST(TypeLibTest, LookupsIgnoreCaseAndRefuseNearMisses) {
     const TypeLibrary& lib = Kelvarin();
     const ClassInfo* dateBox = lib.FindClass("DateBox");
@@ -60,12 +57,7 @@ TEST(TypeLibTest, LookupsIgnoreCaseAndRefuseNearMisses) {
     EXPECT_EQ(lib.FindClass("frmMese"), nullptr);     // private
     EXPECT_EQ(lib.FindClass(dateBox->iid), nullptr);  // an interface, not a class
 
-    const ClassInfo& commandBox = Class("CommandBox");
-    const MemberInfo* style = commandBox.FindMember("Style");  // "style" in the interface
-    ASSERT_NE(style, nullptr);
-    EXPECT_EQ(commandBox.FindMember("STYLE"), style);
-    EXPECT_EQ(commandBox.FindMember("styles"), nullptr);
-    EXPECT_EQ(commandBox.FindMember(0x12345678), nullptr);
+    // Members by name in any case, and near misses, are dispatch's.
     const EventInfo* change = Class("ProgressBox").FindEvent("change");
     ASSERT_NE(change, nullptr);
     EXPECT_EQ(Class("ProgressBox").FindEvent("CHANGE"), change);
@@ -98,17 +90,6 @@ TEST(TypeLibTest, EveryTableIsComplete) {
     }
     // The superscript two of the last gradient style is UTF-8.
     EXPECT_EQ(Kelvarin().FindEnum("eGradientStyle")->FindMember("GAUSSIAN\xC2\xB2")->value, 2);
-}
-
-TEST(TypeLibTest, EventsAreNumberedByPosition) {
-    for (const ClassInfo& c : Kelvarin().classes) {
-        for (std::size_t i = 0; i < c.events.size(); ++i) {
-            EXPECT_EQ(c.events[i].number, static_cast<int>(i + 1)) << c.name;
-            EXPECT_EQ(c.FindEvent(c.events[i].number), &c.events[i]);
-        }
-    }
-    const ClassInfo& progressBox = Class("ProgressBox");
-    EXPECT_EQ(progressBox.FindEvent(static_cast<int>(progressBox.events.size()) + 1), nullptr);
 }
 
 }  // namespace

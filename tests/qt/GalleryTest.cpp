@@ -151,21 +151,15 @@ TEST(GalleryTest, TheProgramSavesLoadsAndTakesAScreenshot) {
         for (int x = 0; x < image.width(); x += 3) colours.insert(image.pixel(x, y));
     EXPECT_GT(colours.size(), 200);  // gradients, text, cards: not a blank window
 
-    // Loading a saved form and saving again gives the same file, once a
-    // loaded date field has lowered its default upper limit (31/12/9999 to
-    // 31/12/9980) the one time it does so.
-    const QString third = dir.filePath(QStringLiteral("third.json"));
-    for (const auto& [from, to] : {std::pair{first, second}, std::pair{second, third}}) {
-        const test::ProgramRun again =
-            Gallery({QStringLiteral("--form"), from, QStringLiteral("--save"), to});
-        ASSERT_EQ(again.exitCode, 0) << again.err.toStdString();
-    }
-    QFile b(second), c(third);
-    ASSERT_TRUE(b.open(QIODevice::ReadOnly));
-    ASSERT_TRUE(c.open(QIODevice::ReadOnly));
-    const QByteArray settled = b.readAll();
-    EXPECT_EQ(settled, c.readAll());
-    EXPECT_EQ(settled.count("\"9980-12-31T00:00:00\""), 8);  // all date fields but the limited one
+    // A saved form loads: a fresh window writes no date limit, a loaded date
+    // field lowers its default upper limit (31/12/9999 to 31/12/9980) and
+    // writes it. That the next save keeps it is datebox_persist's.
+    const test::ProgramRun again =
+        Gallery({QStringLiteral("--form"), first, QStringLiteral("--save"), second});
+    ASSERT_EQ(again.exitCode, 0) << again.err.toStdString();
+    QFile loaded(second);
+    ASSERT_TRUE(loaded.open(QIODevice::ReadOnly));
+    EXPECT_EQ(loaded.readAll().count("\"9980-12-31T00:00:00\""), 8);  // but the limited one
 
     const test::ProgramRun missing =
         Gallery({QStringLiteral("--form"), dir.filePath(QStringLiteral("none.json")),

@@ -20,14 +20,15 @@ struct KeyCase {
     int expected;
 };
 
-// Digits, the numeric pad's 0 and 3, Return, Escape, the arrows, PageUp and
-// F4 are typed through real widgets in DateBoxWidgetTest and GalleryTest;
-// these rows are the other keys, and Backspace, which those tests type where
-// Delete would act alike.
+// Digits, Return, Escape, Left, Up, Down, PageUp and F4 are typed through
+// real widgets in DateBoxWidgetTest and GalleryTest; these rows are the
+// other keys, and Backspace, which those tests type where Delete would act
+// alike.
 TEST(QtPlatformTest, KeysMapToTheHostsCodesWithTheNumericPadApart) {
     const KeyCase cases[] = {
         {Qt::Key_A, Qt::NoModifier, 65},
         {Qt::Key_9, Qt::KeypadModifier, 105},
+        {Qt::Key_Right, Qt::NoModifier, 39},
         {Qt::Key_Comma, Qt::KeypadModifier, 110},
         {Qt::Key_Enter, Qt::KeypadModifier, 13},
         {Qt::Key_Backspace, Qt::NoModifier, 8},
@@ -80,13 +81,11 @@ TEST(QtPlatformTest, LocalesGiveNamesAndAShortDateWithFourDigitYears) {
     EXPECT_EQ(it.monthNames[0], "gennaio");
     EXPECT_EQ(it.weekdayNames[0], "domenica");  // Sunday first
     EXPECT_EQ(it.thousandsSeparator, '.');
-    EXPECT_EQ(FormatDate(christmas, it.shortDatePattern, it), "25/12/2007");
     EXPECT_EQ(FormatDate(christmas, it.timePattern, it), "13:45:00");
 
     const Locale us = LocaleFrom(QLocale(QLocale::English, QLocale::UnitedStates));
     EXPECT_EQ(us.shortDatePattern, "m/d/yyyy");
     EXPECT_EQ(us.weekdayNames[6], "Saturday");
-    EXPECT_EQ(FormatDate(christmas, us.shortDatePattern, us), "12/25/2007");
     EXPECT_EQ(FormatDate(christmas, us.timePattern, us), "1:45:00 PM");
 
     // A group separator the conversions cannot hold (a narrow no-break

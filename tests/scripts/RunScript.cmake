@@ -1,4 +1,5 @@
-# Runs one acceptance script and compares what it prints with NAME.out.
+# Runs one acceptance script and compares what it prints with NAME.out;
+# HOST_ARGS, if given, go before the script.
 # A script may end with status 1 (a command failed on purpose); a crash fails.
 file(REMOVE_RECURSE ${WORKDIR})
 file(MAKE_DIRECTORY ${WORKDIR})
@@ -7,7 +8,7 @@ file(GLOB data ${DATADIR}/*)
 if(data)
   file(COPY ${data} DESTINATION ${WORKDIR})
 endif()
-execute_process(COMMAND ${HOST} ${SCRIPT}
+execute_process(COMMAND ${HOST} ${HOST_ARGS} ${SCRIPT}
                 WORKING_DIRECTORY ${WORKDIR}
                 OUTPUT_VARIABLE actual
                 ERROR_VARIABLE errors
