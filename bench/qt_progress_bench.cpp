@@ -12,7 +12,6 @@
 
 #include <QApplication>
 #include <QProgressBar>
-#include <QStyleFactory>
 
 #include "qt/ProgressBoxWidget.h"
 #include "qt/QtPlatform.h"
@@ -85,14 +84,4 @@ BENCHMARK(BM_SameRun)->Unit(benchmark::kMillisecond)->Iterations(5);
 
 }  // namespace
 
-int main(int argc, char** argv) {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication app(argc, argv);
-    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
-    kelvarin::qt::ApplyPlatformSettings();
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
-}
+#include "bench/QtBenchMain.h"

@@ -3,9 +3,20 @@
 #include <QFrame>
 #include <QGridLayout>
 #include <QLabel>
+#include <QPushButton>
 #include <QVBoxLayout>
 
+#include "qt/GeneralDialog.h"
+
 namespace kelvarin::gallery {
+
+QPushButton* PropertiesButton(QWidget* parent, const char* name, qt::ControlWidget* control) {
+    auto* button = new QPushButton(QStringLiteral("Properties\u2026"), parent);
+    button->setObjectName(QString::fromLatin1(name));
+    QObject::connect(button, &QPushButton::clicked, parent,
+                     [parent, control] { qt::GeneralDialog::Open({control}, parent); });
+    return button;
+}
 
 QGridLayout* CardGrid(QWidget* page) {
     auto* grid = new QGridLayout(page);

@@ -7,9 +7,14 @@
 
 class QFrame;
 class QGridLayout;
+class QPushButton;
 class QLabel;
 class QVBoxLayout;
 class QWidget;
+
+namespace kelvarin::qt {
+class ControlWidget;
+}
 
 namespace kelvarin::gallery {
 
@@ -29,6 +34,10 @@ QVBoxLayout* GridCard(QGridLayout* grid, int row, int column, const QString& tit
 // `wrap` breaks a long text into lines.
 QLabel* Styled(QWidget* parent, const char* look, const QString& text = QString(),
                bool wrap = false);
+
+// A "Properties…" button that opens the property page for the widget, as
+// a form designer does for the selected control.
+QPushButton* PropertiesButton(QWidget* parent, const char* name, qt::ControlWidget* control);
 
 // A grey caption for a row of a card.
 inline QLabel* Caption(QWidget* parent, const QString& text) {

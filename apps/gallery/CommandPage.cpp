@@ -15,7 +15,6 @@
 #include "apps/gallery/Cards.h"
 #include "common/OleColor.h"
 #include "qt/CommandBoxWidget.h"
-#include "qt/GeneralDialog.h"
 #include "qt/QtPlatform.h"
 
 namespace kelvarin::gallery {
@@ -309,12 +308,7 @@ void CommandPage::buildPlayground(QGridLayout* grid) {
     }
     colours->addWidget(maskBox_);
     colours->addStretch(1);
-    // The property page, as a form designer shows it for the button.
-    auto* properties = new QPushButton(QStringLiteral("Properties\u2026"), frame);
-    properties->setObjectName(QStringLiteral("commandProperties"));
-    colours->addWidget(properties);
-    connect(properties, &QPushButton::clicked, this,
-            [this] { qt::GeneralDialog::Open({playButton_}, this); });
+    colours->addWidget(PropertiesButton(this, "commandProperties", playButton_));
     form->addWidget(Caption(frame, QStringLiteral("Colours")), 3, 0);
     form->addLayout(colours, 3, 1);
     body->addLayout(form);

@@ -26,7 +26,6 @@
 #include "host/FormFile.h"
 #include "library/ClassFactory.h"
 #include "qt/Forms.h"
-#include "qt/GeneralDialog.h"
 #include "qt/Guard.h"
 #include "qt/ProgressBoxWidget.h"
 #include "qt/QtPlatform.h"
@@ -417,12 +416,7 @@ void GalleryWindow::buildPlayground(QGridLayout* grid) {
                 [this, swatch, property] { pickColor(swatch, property); });
     }
     colours->addStretch(1);
-    // The property page, as a form designer shows it for the bar.
-    auto* properties = new QPushButton(QStringLiteral("Properties\u2026"), frame);
-    properties->setObjectName(QStringLiteral("properties"));
-    colours->addWidget(properties);
-    connect(properties, &QPushButton::clicked, this,
-            [this] { qt::GeneralDialog::Open({playBar_}, this); });
+    colours->addWidget(PropertiesButton(this, "properties", playBar_));
 
     form->addWidget(label("Value"), 0, 0);
     form->addWidget(valueSlider_, 0, 1);
