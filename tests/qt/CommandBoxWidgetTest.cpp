@@ -28,18 +28,6 @@ using controls::CommandBox;
 
 const CommandBox& Box(CommandBoxWidget& w) { return dynamic_cast<const CommandBox&>(*w.control()); }
 
-// The events seen since the last call, as "Name(arg, ...)".
-QStringList Seen(QSignalSpy& events) {
-    QStringList out;
-    for (const QList<QVariant>& e : events) {
-        QStringList args;
-        for (const QVariant& a : e.at(2).toList()) args << a.toString();
-        out << e.at(1).toString() + "(" + args.join(", ") + ")";
-    }
-    events.clear();
-    return out;
-}
-
 OLE_COLOR Shown(CommandBoxWidget& w, host::Point at) {
     const QRgb c = w.grab().toImage().pixel(at.x, at.y);
     return RGB(qRed(c), qGreen(c), qBlue(c));

@@ -160,16 +160,7 @@ TEST(ProgressBoxWidgetTest, InputRaisesEventsInTheHostsOrder) {
     w.show();
     QSignalSpy events(&w, &ControlWidget::eventRaised);
     QSignalSpy mouseDown(&w, &ProgressBoxWidget::MouseDown);
-    const auto seen = [&events] {
-        QStringList out;
-        for (const QList<QVariant>& e : events) {
-            QStringList args;
-            for (const QVariant& a : e.at(2).toList()) args << a.toString();
-            out << e.at(1).toString() + "(" + args.join(", ") + ")";
-        }
-        events.clear();
-        return out;
-    };
+    const auto seen = [&events] { return Seen(events); };
 
     QTest::mouseClick(&w, Qt::LeftButton, Qt::ShiftModifier, QPoint(10, 5));
     EXPECT_EQ(events.at(0).at(0).toInt(), ProgressBox::kMouseDown);
