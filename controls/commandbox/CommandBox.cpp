@@ -93,14 +93,12 @@ void CommandBox::SetAlignPicture(Long align) {
 
 // The public value is in the container's units, the stored one in pixels;
 // in a container of more than two pixels per unit the factor rounds to 0.
-Long CommandBox::UnitFactor() const {
-    const Single f = ToSingle(Site().ContainerUnitsPerPixel());
-    return ToLong(f);
-}
+Single CommandBox::UnitsPerPixel() const { return ToSingle(Site().ContainerUnitsPerPixel()); }
+
+Long CommandBox::UnitFactor() const { return ToLong(UnitsPerPixel()); }
 
 Long CommandBox::Interleave() const {
-    const Single f = ToSingle(Site().ContainerUnitsPerPixel());
-    return ToLong(static_cast<double>(f) * interleave_);
+    return ToLong(static_cast<double>(UnitsPerPixel()) * interleave_);
 }
 
 void CommandBox::SetInterleave(Long interleave) {

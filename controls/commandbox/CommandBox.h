@@ -150,7 +150,8 @@ public:
     bool HoverWatchRunning() const;
 
 private:
-    // Container units per pixel, rounded (15 in twips, 1 in pixels).
+    // Container units per pixel (15 in twips, 1 in pixels), and rounded.
+    Single UnitsPerPixel() const;
     Long UnitFactor() const;
 
     // ---- Layout and painting (CommandBoxFace.cpp)
