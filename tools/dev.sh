@@ -19,7 +19,10 @@ packages=(g++ cmake ninja-build pkg-config libgtest-dev libgmock-dev libbenchmar
           # Qt 6 Widgets, Designer's plugin and extension interfaces (Designer
           # needs the OpenGL module's CMake files), SVG pictures, and what the
           # offscreen platform needs to draw text in tests and screenshots.
-          qt6-base-dev qt6-tools-dev libqt6opengl6-dev qt6-svg-dev libgl-dev fonts-dejavu-core)
+          qt6-base-dev qt6-tools-dev libqt6opengl6-dev qt6-svg-dev libgl-dev fonts-dejavu-core
+          # The gallery's end-to-end test: a real X server, a pointer and a
+          # keyboard driven from its script.
+          xvfb xdotool python3)
 
 install_missing() {
     local missing=()

@@ -285,7 +285,10 @@ EffectsPage::EffectsPage(QWidget* parent) : QWidget(parent) {
     seedBox_->setValue(2024);
     seedBox_->setMinimumWidth(96);
     auto* again = new QPushButton(QStringLiteral("Restart"), this);
-    rate_ = Styled(this, "readout");
+    seedBox_->setKeyboardTracking(false);  // one restart for a typed seed, not one a digit
+    auto* rate = new Readout(this, "readout", 1);
+    rate->reserveWidth(QStringLiteral("000 frames a second"));
+    rate_ = rate;
     bar->addWidget(Caption(this, QStringLiteral("Seed")));
     bar->addWidget(seedBox_);
     bar->addWidget(again);
