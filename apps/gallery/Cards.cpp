@@ -28,13 +28,18 @@ QString Mix(const QColor& a, const QColor& b, double t) {
 QString StyleSheetFor(const QPalette& palette) {
     const QColor window = palette.color(QPalette::Window);
     const QColor windowText = palette.color(QPalette::WindowText);
-    const QColor base = palette.color(QPalette::Base);
     const QColor text = palette.color(QPalette::Text);
+    // A card stands out from the window: in a light theme it is the fields'
+    // white, in a dark one a shade lighter than the window, the fields on
+    // it darker still.
+    const bool dark = window.lightness() < palette.color(QPalette::WindowText).lightness();
+    const QColor base =
+        dark ? QColor(Mix(window, windowText, 0.07)) : palette.color(QPalette::Base);
     // Titles in the text colour, explanations and captions between it and
     // the background, lines barely off the background.
     return QStringLiteral(R"(
     kelvarin--gallery--GalleryWindow { background: %1; }
-    QLabel#title { font-size: 20pt; font-weight: 600; color: %2; }
+    QLabel#title { font-size: 17pt; font-weight: 600; color: %2; }
     QLabel#subtitle, QLabel#status { color: %3; }
     QTabWidget#pages::pane { border: none; }
     QTabBar::tab { padding: 6px 16px; color: %4; background: transparent; border: none;
@@ -63,7 +68,7 @@ QString StyleSheetFor(const QPalette& palette) {
 
 QPalette DarkPalette() {
     QPalette p;
-    const QColor window(32, 34, 38), base(24, 26, 30), text(229, 231, 235), button(48, 51, 57);
+    const QColor window(30, 32, 36), base(20, 21, 24), text(229, 231, 235), button(52, 56, 62);
     const QColor muted(128, 132, 140);
     p.setColor(QPalette::Window, window);
     p.setColor(QPalette::WindowText, text);
@@ -135,8 +140,8 @@ QPushButton* PropertiesButton(QWidget* parent, const char* name, qt::ControlWidg
 QGridLayout* CardGrid(QWidget* page) {
     auto* grid = new QGridLayout(page);
     grid->setContentsMargins(0, 8, 0, 0);
-    grid->setHorizontalSpacing(16);
-    grid->setVerticalSpacing(16);
+    grid->setHorizontalSpacing(14);
+    grid->setVerticalSpacing(14);
     grid->setColumnStretch(0, 1);
     grid->setColumnStretch(1, 1);
     return grid;
@@ -146,7 +151,7 @@ QFrame* Card(QWidget* parent, const QString& title, const QString& subtitle, QVB
     auto* frame = new QFrame(parent);
     frame->setObjectName(QStringLiteral("card"));
     auto* layout = new QVBoxLayout(frame);
-    layout->setContentsMargins(18, 14, 18, 16);
+    layout->setContentsMargins(16, 12, 16, 12);
     layout->setSpacing(8);
     layout->addWidget(Styled(frame, "cardTitle", title));
     QLabel* sub = Styled(frame, "cardSubtitle", subtitle, true);

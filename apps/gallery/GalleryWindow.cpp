@@ -73,8 +73,8 @@ GalleryWindow::GalleryWindow(QWidget* parent) : QWidget(parent) {
     restyle();
 
     auto* outer = new QVBoxLayout(this);
-    outer->setContentsMargins(28, 24, 28, 16);
-    outer->setSpacing(16);
+    outer->setContentsMargins(24, 14, 24, 8);
+    outer->setSpacing(10);
 
     outer->addWidget(Styled(this, "title", QStringLiteral("Kelvarin Gallery")));
     outer->addWidget(Styled(
@@ -245,7 +245,7 @@ void GalleryWindow::buildJob(QGridLayout* grid) {
     jobBar_->SetTimerChangedInterval(250);
     body->addWidget(jobBar_);
 
-    readout_ = new Readout(frame, "readout", 2, QStringLiteral("Press Start to run the job."));
+    readout_ = new Readout(frame, "readout", 1, QStringLiteral("Press Start to run the job."));
     body->addWidget(readout_);
     eventLine_ = new Readout(frame, "cardSubtitle", 1);  // empty until the first event
     body->addWidget(eventLine_);
@@ -334,13 +334,10 @@ void GalleryWindow::advanceJob() {
     pauseButton_->setText(QStringLiteral("Pause"));
     // The bar's own measure: from its start to its end, pauses included. It
     // raises no TimerChange as it stops, so its last report is a little earlier.
-    QString text =
-        QStringLiteral("Done in %1, pauses included.").arg(Seconds(int(runClock_.elapsed())));
-    if (lastElapsed_ >= 0)
-        text += QStringLiteral("\nLast report: %1 elapsed, %2 estimated.")
-                    .arg(Seconds(lastElapsed_), lastEstimated_ < 0 ? QStringLiteral("no estimate")
-                                                                   : Seconds(lastEstimated_));
-    readout_->setText(text);
+    QString text = QStringLiteral("Done in %1, pauses included")
+                       .arg(Seconds(static_cast<int>(runClock_.elapsed())));
+    if (lastElapsed_ >= 0) text += QStringLiteral("; last report at %1").arg(Seconds(lastElapsed_));
+    readout_->setText(text + QLatin1Char('.'));
 }
 
 void GalleryWindow::onTimerChange(int elapsed, int estimated) {
