@@ -130,7 +130,7 @@ EffectView::EffectView(Kind kind, QWidget* parent)
       surface_(std::make_unique<clsGFX_2D>()),
       backdrop_(std::make_unique<clsGFX_2D>()),
       mask_(std::make_unique<clsGFX_2D>()) {
-    setMinimumSize(240, 150);
+    setMinimumSize(240, 120);  // four of them fit a small screen
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
     setAttribute(Qt::WA_OpaquePaintEvent);
     setCursor(Qt::CrossCursor);

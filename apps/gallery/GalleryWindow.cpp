@@ -140,7 +140,9 @@ void GalleryWindow::restyle() {
 
 void GalleryWindow::changeEvent(QEvent* event) {
     // The system's colours changed (a dark theme chosen, say): the cards follow.
-    if (event->type() == QEvent::ApplicationPaletteChange) restyle();
+    // (Restyling changes the window's palette too: the sheet is then the same.)
+    if (event->type() == QEvent::ApplicationPaletteChange || event->type() == QEvent::PaletteChange)
+        restyle();
     QWidget::changeEvent(event);
 }
 

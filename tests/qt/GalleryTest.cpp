@@ -156,14 +156,15 @@ TEST(GalleryTest, FitsASmallScreenAndKeepsItsLayoutWhenReadoutsGrow) {
     QApplication::processEvents();
     EXPECT_EQ(window.size(), QSize(1340, 690));  // its minimum is smaller
 
+    // Where every widget of the window stands, the readouts included.
     const auto places = [&window] {
-        QMap<QString, QRect> at;
-        for (qt::ControlWidget* w : window.controls())
-            if (w->isVisible()) at[w->objectName()] = {w->mapTo(&window, QPoint()), w->size()};
+        QMap<const QWidget*, QRect> at;
+        for (const QWidget* w : window.findChildren<QWidget*>())
+            if (w->isVisible()) at[w] = {w->mapTo(&window, QPoint()), w->size()};
         return at;
     };
     const QList<Readout*> readouts = window.findChildren<Readout*>();
-    ASSERT_GE(readouts.size(), 10);
+    ASSERT_GE(readouts.size(), 9);
     for (const char* name : {"ProgressBox", "DateBox", "Effects", "CommandBox"}) {
         ASSERT_TRUE(window.showPage(QString::fromLatin1(name)));
         QApplication::processEvents();
@@ -173,8 +174,7 @@ TEST(GalleryTest, FitsASmallScreenAndKeepsItsLayoutWhenReadoutsGrow) {
         ASSERT_NE(shown, nullptr) << name;
         EXPECT_FALSE(shown->horizontalScrollBar()->isVisible()) << name;
 
-        const QMap<QString, QRect> before = places();
-        ASSERT_FALSE(before.isEmpty()) << name;
+        const QMap<const QWidget*, QRect> before = places();
         for (Readout* r : readouts)
             r->setText(QStringLiteral("Last event: MouseMove(1, 0, 1234.5, 678.9) ").repeated(12) +
                        QStringLiteral("\nand a line more").repeated(12));
