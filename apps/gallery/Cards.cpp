@@ -25,6 +25,12 @@ QString Mix(const QColor& a, const QColor& b, double t) {
 
 }  // namespace
 
+QString EventText(const QString& event, const QVariantList& args) {
+    QStringList shown;
+    for (const QVariant& a : args) shown << a.toString();
+    return event + QLatin1Char('(') + shown.join(QStringLiteral(", ")) + QLatin1Char(')');
+}
+
 QString StyleSheetFor(const QPalette& palette) {
     const QColor window = palette.color(QPalette::Window);
     const QColor windowText = palette.color(QPalette::WindowText);

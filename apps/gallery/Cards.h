@@ -6,6 +6,7 @@
 
 #include <QLabel>
 #include <QString>
+#include <QVariantList>
 
 class QFrame;
 class QGridLayout;
@@ -70,6 +71,9 @@ QScrollArea* Scrolled(QWidget* page);
 QString StyleSheetFor(const QPalette& palette);
 // The palette of --dark: light text on dark grey, a blue highlight.
 QPalette DarkPalette();
+
+// An event as the readouts show it: "MouseUp(1, 0, 4, 11)".
+QString EventText(const QString& event, const QVariantList& args);
 
 // A grey caption for a row of a card.
 inline QLabel* Caption(QWidget* parent, const QString& text) {

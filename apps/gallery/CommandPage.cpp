@@ -184,9 +184,7 @@ void CommandPage::buildLooks(QGridLayout* grid) {
 void CommandPage::follow(CommandBoxWidget* box) {
     connect(box, &qt::ControlWidget::eventRaised, this,
             [this, box](int, const QString& event, const QVariantList& args) {
-                QStringList shown;
-                for (const QVariant& a : args) shown << a.toString();
-                const QString text = event + "(" + shown.join(QStringLiteral(", ")) + ")";
+                const QString text = EventText(event, args);
                 if (!events_.isEmpty() && events_.last().button == box &&
                     events_.last().name == event) {
                     ++events_.last().repeats;

@@ -71,17 +71,13 @@ DateBoxWidget* DatePage::dateBox(QWidget* parent, const QString& name, const QSt
 
 // The readout follows the box the user works in, whatever happens there.
 void DatePage::follow(DateBoxWidget* box) {
-    connect(
-        box, &qt::ControlWidget::eventRaised, this,
-        [this, box](int, const QString& event, const QVariantList& args) {
-            QStringList shown;
-            for (const QVariant& a : args) shown << a.toString();
-            eventLine_->setText(
-                QStringLiteral("Last event: %1(%2)").arg(event, shown.join(QStringLiteral(", "))));
-            if (box != watched_) changes_ = 0;
-            if (event == QStringLiteral("Change")) ++changes_;
-            watch(box);
-        });
+    connect(box, &qt::ControlWidget::eventRaised, this,
+            [this, box](int, const QString& event, const QVariantList& args) {
+                eventLine_->setText(QStringLiteral("Last event: ") + EventText(event, args));
+                if (box != watched_) changes_ = 0;
+                if (event == QStringLiteral("Change")) ++changes_;
+                watch(box);
+            });
 }
 
 void DatePage::replace(qt::ControlWidget* own, qt::ControlWidget* loaded) {

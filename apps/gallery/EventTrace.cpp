@@ -7,6 +7,7 @@
 #include <QTimer>
 #include <QWindow>
 
+#include "apps/gallery/Cards.h"
 #include "apps/gallery/GalleryWindow.h"
 #include "qt/ControlWidget.h"
 #include "qt/DateBoxWidget.h"
@@ -74,10 +75,7 @@ void EventTrace::follow(ControlWidget* control) {
 
 QString EventTrace::eventLine(ControlWidget* control, const QString& event,
                               const QVariantList& args) {
-    QStringList shown;
-    for (const QVariant& a : args) shown << a.toString();
-    return QStringLiteral("EVENT %1 %2(%3)")
-        .arg(control->objectName(), event, shown.join(QStringLiteral(", ")));
+    return QStringLiteral("EVENT %1 %2").arg(control->objectName(), EventText(event, args));
 }
 
 QString EventTrace::valueLine(ControlWidget* control) {
