@@ -32,6 +32,17 @@ class Failure(Exception):
     pass
 
 
+def end(process):
+    """Ends a process this script started: politely, then for sure."""
+    if process.poll() is None:
+        process.terminate()
+    try:
+        process.wait(5)
+    except subprocess.TimeoutExpired:
+        process.kill()
+        process.wait()
+
+
 class XServer:
     """An Xvfb of its own, on the first free display, 1366 x 768."""
 
@@ -56,12 +67,7 @@ class XServer:
         return ":" + number.decode().strip()
 
     def __exit__(self, *exc):
-        self.process.terminate()
-        try:
-            self.process.wait(5)
-        except subprocess.TimeoutExpired:
-            self.process.kill()
-            self.process.wait()
+        end(self.process)
 
 
 class Gallery:
@@ -101,13 +107,7 @@ class Gallery:
                 return match
 
     def stop(self):
-        if self.process.poll() is None:
-            self.process.terminate()
-        try:
-            self.process.wait(5)
-        except subprocess.TimeoutExpired:
-            self.process.kill()
-            self.process.wait()
+        end(self.process)
 
     def stderr(self):
         self.errors.seek(0)
