@@ -3,7 +3,9 @@
 // a simulated job timed by the bar itself, and a playground whose controls
 // change value, range, style, caption and colours and open the property
 // page. The date field has its own page (DatePage), and so do the raster
-// effects (EffectsPage).
+// effects (EffectsPage) and the picture button (CommandPage). Each page
+// scrolls, so the window fits a small screen; its colours follow the
+// application's palette, light or dark, as it changes.
 //
 // Sections: construction; forms; the simulated job; the playground.
 #pragma once
