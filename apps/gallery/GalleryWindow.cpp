@@ -79,8 +79,8 @@ GalleryWindow::GalleryWindow(QWidget* parent) : QWidget(parent) {
     outer->addWidget(Styled(this, "title", QStringLiteral("Kelvarin Gallery")));
     outer->addWidget(Styled(
         this, "subtitle",
-        QStringLiteral("The Kelvarin controls at work: every bar and every date field here is one "
-                       "control, set up through its properties."),
+        QStringLiteral("The Kelvarin controls at work: every bar, date field and picture button "
+                       "here is one control, set up through its properties."),
         true));
 
     tabs_ = new QTabWidget(this);

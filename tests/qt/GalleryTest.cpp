@@ -27,6 +27,7 @@
 #include "apps/gallery/CommandPage.h"
 #include "apps/gallery/DatePage.h"
 #include "apps/gallery/EffectsPage.h"
+#include "apps/gallery/EventTrace.h"
 #include "host/FormFile.h"
 #include "library/ClassFactory.h"
 #include "qt/CommandBoxWidget.h"
@@ -269,6 +270,53 @@ TEST(GalleryTest, FollowsTheApplicationPaletteLightOrDark) {
     QApplication::processEvents();
     EXPECT_FALSE(window.styleSheet().contains(DarkPalette().color(QPalette::Window).name()));
     EXPECT_GT(lightness(), 200);
+}
+
+// --trace's lines, as the X11 test reads them: where the page's controls
+// and the tabs stand, then every event of a control and a date field's
+// value after it.
+TEST(GalleryTest, TheTraceTellsPlacesEventsAndValues) {
+    std::FILE* out = std::tmpfile();
+    ASSERT_NE(out, nullptr);
+    GalleryWindow window;
+    ASSERT_TRUE(window.showPage(QStringLiteral("DateBox")));
+    window.show();
+    QApplication::setActiveWindow(&window);
+    QApplication::processEvents();
+    auto* trace = new EventTrace(window, out);
+
+    const QString layout = trace->layoutLines();
+    const auto has = [&layout](const char* pattern) {
+        return QRegularExpression(QString::fromLatin1(pattern), QRegularExpression::MultilineOption)
+            .match(layout)
+            .hasMatch();
+    };
+    EXPECT_TRUE(layout.startsWith(QStringLiteral("PAGE DateBox\n"))) << layout.toStdString();
+    EXPECT_TRUE(has("^TAB CommandBox -?\\d+ -?\\d+ \\d+ \\d+$")) << layout.toStdString();
+    EXPECT_TRUE(has("^AT nullable -?\\d+ -?\\d+ \\d+ \\d+$")) << layout.toStdString();
+    EXPECT_TRUE(has("^FIELDS nullable 0 \\d+ \\d+ \\d+$")) << layout.toStdString();
+    EXPECT_FALSE(has("^AT cmdSalva ")) << "not on the page in front";
+
+    auto* box = qobject_cast<qt::DateBoxWidget*>(window.control(QStringLiteral("nullable")));
+    ASSERT_NE(box, nullptr);
+    box->setFocus(Qt::TabFocusReason);
+    QTest::keyClick(box, Qt::Key_2);
+    box->SetValue(QDateTime(QDate(2007, 12, 25), QTime(), Qt::UTC));
+    std::rewind(out);
+    QString printed;
+    char line[512];
+    while (std::fgets(line, sizeof line, out)) printed += QString::fromUtf8(line);
+    delete trace;  // before its file goes
+    std::fclose(out);
+    EXPECT_TRUE(
+        printed.contains(QStringLiteral("EVENT nullable KeyDown(50, 0)\n"
+                                        "VALUE nullable \"2_/__/____\" empty Null\n")))
+        << printed.toStdString();
+    EXPECT_TRUE(
+        printed.endsWith(QStringLiteral("EVENT nullable Change()\nVALUE nullable "
+                                        "\"25/12/2007\" 2007-12-25 00:00:00 "
+                                        "2007-12-25 00:00:00\n")))
+        << printed.toStdString();
 }
 
 // ---- The program -------------------------------------------------------------------------------
