@@ -5,12 +5,16 @@
 // either of the last two the program exits when done (the offscreen
 // platform will do).
 #include <cstdio>
+#include <cstring>
+#include <memory>
 
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QElapsedTimer>
 #include <QFont>
 #include <QStyleFactory>
+
+#include <kelvarin/Version.h>
 
 #include "apps/gallery/GalleryWindow.h"
 #include "qt/ProgressBoxWidget.h"
@@ -29,20 +33,28 @@ void RunJobForPicture(kelvarin::gallery::GalleryWindow& window) {
         QApplication::processEvents(QEventLoop::AllEvents, 20);
 }
 
+// --help and --version answer without opening a window system.
+bool OnlyAsksForText(int argc, char** argv) {
+    for (int i = 1; i < argc; ++i) {
+        for (const char* option : {"--help", "-h", "--help-all", "--version", "-v"})
+            if (std::strcmp(argv[i], option) == 0) return true;
+    }
+    return false;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
-    QApplication app(argc, argv);
-    QApplication::setApplicationName(QStringLiteral("kelvarin-gallery"));
-    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
-    QFont font(QStringLiteral("DejaVu Sans"));
-    font.setPointSizeF(9.5);
-    QApplication::setFont(font);
-    kelvarin::qt::ApplyPlatformSettings();
+    const std::unique_ptr<QCoreApplication> application =
+        OnlyAsksForText(argc, argv) ? std::make_unique<QCoreApplication>(argc, argv)
+                                    : std::make_unique<QApplication>(argc, argv);
+    QCoreApplication::setApplicationName(QStringLiteral("kelvarin-gallery"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(KELVARIN_VERSION_STRING));
 
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral("The Kelvarin controls at work."));
     parser.addHelpOption();
+    parser.addVersionOption();
     const QCommandLineOption form(QStringLiteral("form"), QStringLiteral("Load a form file."),
                                   QStringLiteral("FILE"));
     const QCommandLineOption save(QStringLiteral("save"),
@@ -55,12 +67,17 @@ int main(int argc, char** argv) {
                                   QStringLiteral("Open a page: ProgressBox, DateBox or Effects."),
                                   QStringLiteral("NAME"));
     parser.addOptions({page, form, save, screenshot});
-    parser.process(app);
+    parser.process(*application);
     if (!parser.positionalArguments().isEmpty()) {
         std::fprintf(stderr, "kelvarin-gallery: unexpected argument %s\n",
                      qPrintable(parser.positionalArguments().first()));
         return 2;
     }
+    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    QFont font(QStringLiteral("DejaVu Sans"));
+    font.setPointSizeF(9.5);
+    QApplication::setFont(font);
+    kelvarin::qt::ApplyPlatformSettings();
 
     kelvarin::gallery::GalleryWindow window;
     int status = 0;
@@ -95,5 +112,5 @@ int main(int argc, char** argv) {
     }
     // Saving or taking a picture is a batch run: it ends here.
     if (parser.isSet(save) || parser.isSet(screenshot)) return status;
-    return app.exec();
+    return QApplication::exec();
 }

@@ -1,0 +1,7 @@
+#include <kelvarin/Version.h>
+
+namespace kelvarin {
+
+const char* Version() noexcept { return KELVARIN_VERSION_STRING; }
+
+}  // namespace kelvarin
