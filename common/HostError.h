@@ -4,6 +4,8 @@
 #include <stdexcept>
 #include <string>
 
+#include <kelvarin/Export.h>
+
 namespace kelvarin {
 
 // Error numbers the runtime raises, with their fixed texts (see HostError::Text).
@@ -19,7 +21,7 @@ enum class HostErrorCode : int {
     WrongNumberOfArguments = 450,
 };
 
-class HostError : public std::runtime_error {
+class KELVARIN_CORE_API HostError : public std::runtime_error {
 public:
     explicit HostError(HostErrorCode code);
     HostError(int number, const std::string& text);
@@ -32,6 +34,6 @@ private:
     int number_;
 };
 
-[[noreturn]] void RaiseHostError(HostErrorCode code);
+[[noreturn]] KELVARIN_CORE_API void RaiseHostError(HostErrorCode code);
 
 }  // namespace kelvarin

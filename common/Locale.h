@@ -6,6 +6,8 @@
 #include <array>
 #include <string>
 
+#include <kelvarin/Export.h>
+
 namespace kelvarin {
 
 struct Locale {
@@ -28,7 +30,7 @@ const Locale& EnglishLocale();  // United States English
 
 // The locale in force on the user-interface thread; Italian until a host
 // sets another. Conversions that do not take a locale use it.
-const Locale& CurrentLocale();
-void SetCurrentLocale(const Locale& locale);
+KELVARIN_CORE_API const Locale& CurrentLocale();
+KELVARIN_CORE_API void SetCurrentLocale(const Locale& locale);
 
 }  // namespace kelvarin

@@ -4,6 +4,8 @@
 
 #include <cstdint>
 
+#include <kelvarin/Export.h>
+
 namespace kelvarin {
 
 using Integer = std::int16_t;  // the host's 16-bit Integer
@@ -22,7 +24,7 @@ double RoundHalfEven(double x) noexcept;
 // outside the target range or for a value that is not a number.
 Integer ToInteger(double x);
 Long ToLong(double x);
-Single ToSingle(double x);
+KELVARIN_CORE_API Single ToSingle(double x);
 // Largest Long not above x (the runtime's Int), Overflow outside Long.
 Long FloorToLong(double x);
 

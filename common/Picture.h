@@ -15,6 +15,8 @@
 #include <string>
 #include <vector>
 
+#include <kelvarin/Export.h>
+
 #include "common/Object.h"
 
 namespace kelvarin {
@@ -37,7 +39,7 @@ enum class PictureType : int {
     EnhancedMetafile = 4,
 };
 
-class Picture final : public Object {
+class KELVARIN_CORE_API Picture final : public Object {
 public:
     // Pixel memory above this is refused, whatever its source.
     static constexpr std::int64_t kMaxPixelBytes = std::int64_t{1} << 30;

@@ -5,6 +5,8 @@
 #include <string>
 #include <variant>
 
+#include <kelvarin/Export.h>
+
 #include "common/DateTime.h"
 #include "common/Numeric.h"
 #include "common/Object.h"
@@ -16,7 +18,7 @@ enum class VarType { Empty, Null, Boolean, Integer, Long, Single, Double, Date, 
 // The host's name of a type ("Integer", "Date", ...).
 const char* VarTypeName(VarType type) noexcept;
 
-class Variant {
+class KELVARIN_CORE_API Variant {
 public:
     Variant() noexcept = default;  // Empty
     Variant(bool b) noexcept : value_(b) {}

@@ -12,6 +12,8 @@
 // it says so with the press, or afterwards with its own notice.
 #pragma once
 
+#include <kelvarin/Export.h>
+
 #include "common/Numeric.h"
 #include "host/Control.h"
 
@@ -25,7 +27,7 @@ struct PointerEvent {
     Single y = 0;
 };
 
-class PointerProtocol {
+class KELVARIN_CORE_API PointerProtocol {
 public:
     explicit PointerProtocol(Control& control) noexcept : control_(control) {}
 

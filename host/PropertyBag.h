@@ -6,6 +6,8 @@
 #include <utility>
 #include <vector>
 
+#include <kelvarin/Export.h>
+
 #include "common/Variant.h"
 
 namespace kelvarin::host {
@@ -26,7 +28,7 @@ public:
 bool SameValue(const Variant& a, const Variant& b);
 
 // The store in memory, in the order the names were first written.
-class MemoryPropertyBag : public PropertyBag {
+class KELVARIN_CORE_API MemoryPropertyBag : public PropertyBag {
 public:
     Variant ReadProperty(std::string_view name, const Variant& defaultValue) override;
     void WriteProperty(std::string_view name, const Variant& value,

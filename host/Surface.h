@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <string_view>
 
+#include <kelvarin/Export.h>
+
 #include "common/Font.h"
 #include "common/OleColor.h"
 #include "gfx/DeviceContext.h"
@@ -29,7 +31,7 @@ enum TextFormat : unsigned {
 enum AlignmentText : int { kLeftJustify = DT_LEFT, kCenter = DT_CENTER, kRightJustify = DT_RIGHT };
 
 // A surface is also a 24-bit device context, so raster surfaces blit to it.
-class Surface : public DeviceContext {
+class KELVARIN_CORE_API Surface : public DeviceContext {
 public:
     virtual int Width() const = 0;
     virtual int Height() const = 0;

@@ -8,6 +8,8 @@
 #include <string_view>
 #include <vector>
 
+#include <kelvarin/Export.h>
+
 #include "host/Control.h"
 #include "library/TypeLib.h"
 
@@ -15,7 +17,7 @@ namespace kelvarin::library {
 
 using ControlCreator = std::function<std::unique_ptr<host::Control>()>;
 
-class ClassRegistry {
+class KELVARIN_CORE_API ClassRegistry {
 public:
     // The registry of the process, holding the library's own classes.
     static ClassRegistry& Instance();

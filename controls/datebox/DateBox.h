@@ -21,6 +21,8 @@
 #include <string>
 #include <vector>
 
+#include <kelvarin/Export.h>
+
 #include "common/DateTime.h"
 #include "common/OleColor.h"
 #include "controls/datebox/Constituents.h"
@@ -29,7 +31,7 @@
 
 namespace kelvarin::controls {
 
-class DateBox : public host::Control, private DateEditorContext {
+class KELVARIN_CORE_API DateBox : public host::Control, private DateEditorContext {
 public:
     // ---- Members ------------------------------------------------------------
     // The rows of the member table, in type-library order (DateBoxMembers.cpp).

@@ -12,6 +12,8 @@
 #include <string>
 #include <utility>
 
+#include <kelvarin/Export.h>
+
 #include "common/DateTime.h"
 #include "common/OleColor.h"
 #include "host/Control.h"
@@ -22,7 +24,7 @@ class clsGFX_2D;
 
 namespace kelvarin::controls {
 
-class ProgressBox : public host::Control {
+class KELVARIN_CORE_API ProgressBox : public host::Control {
 public:
     // The rows of the member table, in type-library order
     // (ProgressBoxMembers.cpp).

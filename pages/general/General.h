@@ -17,6 +17,8 @@
 #include <string_view>
 #include <vector>
 
+#include <kelvarin/Export.h>
+
 #include "common/Variant.h"
 #include "host/Control.h"
 
@@ -50,7 +52,7 @@ struct PropertyAccess {
     void (*let)(host::Control& control, std::string_view property, const Variant& value) = nullptr;
 };
 
-class General : public host::Control {
+class KELVARIN_CORE_API General : public host::Control {
 public:
     explicit General(PropertyAccess access);
 
