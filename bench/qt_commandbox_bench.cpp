@@ -25,8 +25,8 @@
 #include <QPainter>
 #include <QPushButton>
 
+#include <kelvarin/CommandBoxWidget.h>
 #include "controls/commandbox/CommandBox.h"
-#include "qt/CommandBoxWidget.h"
 #include "qt/QtPlatform.h"
 
 namespace {

@@ -13,7 +13,7 @@
 #include <QApplication>
 #include <QProgressBar>
 
-#include "qt/ProgressBoxWidget.h"
+#include <kelvarin/ProgressBoxWidget.h>
 #include "qt/QtPlatform.h"
 
 namespace {

@@ -1,5 +1,5 @@
 // The exported entry points of libkelvarin.so. No exception crosses them.
-#include "library/Kelvarin.h"
+#include <kelvarin/Kelvarin.h>
 
 #include <exception>
 

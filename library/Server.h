@@ -5,7 +5,7 @@
 
 #include <string_view>
 
-#include "library/Kelvarin.h"
+#include <kelvarin/Kelvarin.h>
 #include "library/TypeLib.h"
 
 namespace kelvarin::library {

@@ -1,4 +1,4 @@
-#include "qt/CommandBoxWidget.h"
+#include <kelvarin/CommandBoxWidget.h>
 
 #include "common/HostError.h"
 #include "controls/commandbox/CommandBox.h"

@@ -1,4 +1,4 @@
-#include "qt/DateBoxWidget.h"
+#include <kelvarin/DateBoxWidget.h>
 
 #include "controls/datebox/DateBox.h"
 #include "library/ClassFactory.h"

@@ -1,4 +1,4 @@
-#include "qt/ProgressBoxWidget.h"
+#include <kelvarin/ProgressBoxWidget.h>
 
 #include "controls/progressbox/ProgressBox.h"
 #include "library/ClassFactory.h"

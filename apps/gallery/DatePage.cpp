@@ -11,10 +11,11 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include <kelvarin/DateBoxWidget.h>
 #include "apps/gallery/Cards.h"
 #include "common/DateTime.h"
 #include "common/OleColor.h"
-#include "qt/DateBoxWidget.h"
+#include "common/Variant.h"
 
 namespace kelvarin::gallery {
 

@@ -16,8 +16,8 @@
 
 #include <kelvarin/Version.h>
 
+#include <kelvarin/ProgressBoxWidget.h>
 #include "apps/gallery/GalleryWindow.h"
-#include "qt/ProgressBoxWidget.h"
 #include "qt/QtPlatform.h"
 
 namespace {

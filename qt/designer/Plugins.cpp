@@ -4,9 +4,9 @@
 #include <QPainter>
 #include <QPixmap>
 
-#include "qt/CommandBoxWidget.h"
-#include "qt/DateBoxWidget.h"
-#include "qt/ProgressBoxWidget.h"
+#include <kelvarin/CommandBoxWidget.h>
+#include <kelvarin/DateBoxWidget.h>
+#include <kelvarin/ProgressBoxWidget.h>
 #include "qt/QtPlatform.h"
 #include "qt/designer/TaskMenu.h"
 

@@ -11,7 +11,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "library/Kelvarin.h"
+#include <kelvarin/Kelvarin.h>
 #include "library/Server.h"
 #include "library/TypeLib.h"
 #include "tests/library/Probe.h"

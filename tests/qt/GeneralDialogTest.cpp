@@ -14,11 +14,11 @@
 #include <QPushButton>
 #include <QTest>
 
+#include <kelvarin/DateBoxWidget.h>
+#include <kelvarin/ProgressBoxWidget.h>
 #include "apps/gallery/GalleryWindow.h"
 #include "library/ClassFactory.h"
 #include "pages/general/General.h"
-#include "qt/DateBoxWidget.h"
-#include "qt/ProgressBoxWidget.h"
 #include "tests/qt/QtPrinters.h"
 
 namespace kelvarin::qt {

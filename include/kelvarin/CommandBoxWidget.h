@@ -13,11 +13,12 @@
 #include <QPixmap>
 #include <QString>
 
-#include "qt/ControlWidget.h"
+#include <kelvarin/ControlWidget.h>
+#include <kelvarin/Export.h>
 
 namespace kelvarin::qt {
 
-class CommandBoxWidget : public ControlWidget {
+class KELVARIN_WIDGETS_API CommandBoxWidget : public ControlWidget {
     Q_OBJECT
     Q_PROPERTY(uint BackColor READ BackColor WRITE SetBackColor)
     Q_PROPERTY(uint ForeColor READ ForeColor WRITE SetForeColor)

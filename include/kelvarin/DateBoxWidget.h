@@ -13,11 +13,12 @@
 #include <QString>
 #include <QVariant>
 
-#include "qt/ControlWidget.h"
+#include <kelvarin/ControlWidget.h>
+#include <kelvarin/Export.h>
 
 namespace kelvarin::qt {
 
-class DateBoxWidget : public ControlWidget {
+class KELVARIN_WIDGETS_API DateBoxWidget : public ControlWidget {
     Q_OBJECT
     Q_PROPERTY(ControlWidget::AppearanceKind Appearance READ Appearance WRITE SetAppearance)
     Q_PROPERTY(uint BackColor READ BackColor WRITE SetBackColor)
