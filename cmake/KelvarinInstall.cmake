@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # What `cmake --install` puts under the prefix, in the components the Debian
 # packages are made of (cpack -G DEB in the build directory):
 #   runtime   the shared libraries and the component library

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # Debian packages from the install components: `cpack -G DEB` in a build
 # directory configured with -DCMAKE_INSTALL_PREFIX=/usr (Debian's library
 # folder). Dependencies on system libraries come from dpkg-shlibdeps.

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # The two shared libraries a distribution ships and an application links:
 #   kelvarin_core    (Kelvarin::Core, libkelvarin-core.so.MAJOR): the controls,
 #                    the raster class, the hosts' interfaces and dispatch;

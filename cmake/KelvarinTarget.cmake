@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # Settings shared by every target of our own code.
 #   kelvarin_target(<target>) : warnings (errors with KELVARIN_WERROR),
 #                               repository-root includes, sanitizers when

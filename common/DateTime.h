@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The host's date type and the date library the controls need.
 //
 // A Date is a double counting days since 30 December 1899; the fraction is

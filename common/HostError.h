@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The host runtime's errors: the one exception type of the library.
 #pragma once
 

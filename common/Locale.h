@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The user's locale as the date library and the value conversions see it:
 // month and weekday names, the short date and time patterns, and the
 // number separators. Hosts choose one; Italian is the default.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The host's number types, its rounding, and the arithmetic helpers for the
 // places where the runtime raises Overflow or Division by zero.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // OLE colours: 0x00BBGGRR for a plain colour, 0x80000000 + n for system
 // colour n, and TranslateSysColor to turn either into plain RGB.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The picture object: a bitmap of 8, 16, 24 or 32 bits per pixel with an
 // optional colour table, an icon (colour pixels, transparency mask and hot
 // spot), or a picture of another kind that is known by its type code only.

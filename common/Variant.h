@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The host's tagged value and its conversion rules.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A control as a host drives it: life-cycle, input, its member table, and
 // the user-control surface properties every control has (colours, font,
 // border, enabled) that the host's frame keeps.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The form file: a form's controls, each with class, name, geometry and
 // stored properties, as JSON (fonts as objects, pictures as embedded
 // bitmap files in base64). Reading validates the whole file first, so a

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The pointer protocol every host follows: presses, moves and releases
 // become the control's MouseDown, MouseMove, MouseUp, Click and DblClick.
 //

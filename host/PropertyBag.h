@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The host's property store: what a control reads on load and writes on save.
 #pragma once
 

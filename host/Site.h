@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The life-cycle every host runs for a control it places: a new control is
 // initialised, a loaded one reads its stored properties, and either is then
 // framed, shown, sized and painted. The frame (the border the host draws

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What a control draws on: its client area, in pixels, top-left origin.
 #pragma once
 

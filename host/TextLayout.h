@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Laying out text the way the platform's text drawing does: access-key
 // prefixes, word breaking, single-line alignment. Hosts measure and draw;
 // this places. A single line without prefixes is placed without allocating.

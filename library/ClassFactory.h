@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Creating controls by class name ("DateBox") or programmatic name
 // ("Kelvarin.DateBox").
 #pragma once

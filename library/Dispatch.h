@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Dispatch by name or DISPID: the one path through which hosts, the script
 // host and the property page read and write properties, call methods.
 #pragma once

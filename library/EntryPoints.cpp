@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The exported entry points of libkelvarin.so. No exception crosses them.
 #include <kelvarin/Kelvarin.h>
 

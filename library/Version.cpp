@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <kelvarin/Version.h>
 
 namespace kelvarin {

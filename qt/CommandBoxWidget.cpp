@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <kelvarin/CommandBoxWidget.h>
 
 #include "common/HostError.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <kelvarin/DateBoxWidget.h>
 
 #include "controls/datebox/DateBox.h"

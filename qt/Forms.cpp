@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <kelvarin/Forms.h>
 
 #include <kelvarin/CommandBoxWidget.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <kelvarin/ProgressBoxWidget.h>
 
 #include "controls/progressbox/ProgressBox.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "qt/QtPlatform.h"
 
 #include <chrono>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the Qt host takes from the platform: the system colour table and the
 // user's locale from the application (ApplyPlatformSettings installs them),
 // the millisecond tick, fonts, colours, and the translation of Qt's keys,

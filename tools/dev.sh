@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # One entry point for set-up, build and run on Debian 12.
 #   tools/dev.sh test   install what is missing, check the formatting, build, run
 #                       every test (a normal build, then one under address and UB

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "apps/gallery/CommandPage.h"
 
 #include <QCheckBox>

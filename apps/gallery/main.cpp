@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // kelvarin-gallery [--page NAME] [--form FILE] [--save FILE] [--screenshot FILE.png]:
 // the controls at work in a real window. --page opens a page ("DateBox"),
 // --form loads a form file into the gallery, --save writes the gallery's

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Sections: words and keys; running lines; controls and forms; keys and the
 // pointer; records and pixels; the command table.
 #include "apps/host/ScriptHost.h"

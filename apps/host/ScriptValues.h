@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The script language's values: how they are read from a word and printed.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // kelvarin-host [--scale pixels|twips] [--qt] [SCRIPT]: runs a control
 // script against the headless host (standard input when no file is given);
 // with --qt, text is measured and drawn with Qt's fonts and paint also

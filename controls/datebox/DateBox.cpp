@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Sections: construction; editor context; value; properties; life-cycle;
 // focus and mouse; keyboard; dispatch; diagnostics. Layout, painting and
 // the calendar are in DateBoxLayout.cpp, DateBoxPaint.cpp and

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // DateBox: a one-line date entry field made of one small box per date or
 // time field of its pattern (DateFormat), literal separators between them,
 // and a button that opens a month calendar. The value may be empty when the

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // ProgressBox: a progress bar painted as a colour gradient, with a caption
 // of its text and percentage, that times a run from its minimum to its
 // maximum and reports elapsed and estimated time.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A window with a date field, a progress bar and a button that moves the
 // bar on, using Kelvarin's widgets as an application does. With --once it
 // prints what the widgets show and exits as soon as the window is up (the

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The picture button as a Qt widget. Its properties carry the names of the
 // type library (setProperty("AlignPicture", 3), Designer's property sheet)
 // and go through dispatch like any host's; its events are signals in the

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // One control in a Qt window: the widget is the control's site and frame.
 // It places the control as every host does (host/Site.h), keeps its
 // persistent image (painted by the control, shown by paintEvent with the

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The date field as a Qt widget. Its properties carry the names of the type
 // library (setProperty("DateFormat", "d mmmm yyyy")) and go through dispatch
 // like any host's; its events are signals in the order of the event

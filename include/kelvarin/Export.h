@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the shared libraries export. Everything else in them is hidden, so
 // only what carries one of these marks is Kelvarin's binary interface.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Control widgets by class name, and whole forms of them saved to and
 // loaded from a form file.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the Qt widgets take from the platform.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The gradient progress bar as a Qt widget. Its properties carry the names
 // of the type library (setProperty("Value", 40), Designer's property sheet)
 // and go through dispatch like any host's; its events are signals in the

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // General: the design-time property page of the progress bar and the
 // command button. Two groups of fields, one per control class; the group
 // shown is the first selected control's. A selection fills the fields from

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A control widget as a site: a new control is initialised and a loaded one
 // only reads, each framed before it is shown; a border written through
 // dispatch lays it out again; Qt's presses, releases and double clicks reach

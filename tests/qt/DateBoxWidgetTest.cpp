@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The date field as a real widget: its Qt properties are dispatch's, keys
 // typed through Qt edit and step it, Tab leaves it, and F4 or Alt+Down drop
 // the calendar down below it as a modal popup window that the keys drive

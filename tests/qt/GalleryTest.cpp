@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The gallery in this process (its forms, its timed job) and as the
 // program a user runs (load, save, screenshot, exit status).
 #include "apps/gallery/GalleryWindow.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The property page as a Qt dialog, driven by real key and mouse events:
 // numeric fields swallow what the page's filter rejects, Apply follows the
 // changed flag, an apply writes in the page's order and an error it raises

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The progress bar as a real widget: properties through Qt and through
 // dispatch agree, input arrives as events in the host's order, a real timer
 // reports time, the painted widget shows the gradient, errors stay inside,
