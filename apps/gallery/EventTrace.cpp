@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "apps/gallery/EventTrace.h"
 
 #include <QApplication>
@@ -7,10 +8,10 @@
 #include <QTimer>
 #include <QWindow>
 
+#include <kelvarin/ControlWidget.h>
+#include <kelvarin/DateBoxWidget.h>
 #include "apps/gallery/Cards.h"
 #include "apps/gallery/GalleryWindow.h"
-#include "qt/ControlWidget.h"
-#include "qt/DateBoxWidget.h"
 
 namespace kelvarin::gallery {
 

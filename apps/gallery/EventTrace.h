@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // kelvarin-gallery --trace: what the controls do and where they stand, a
 // line each on standard output, so that a program driving the gallery with
 // a real pointer and keyboard can aim its clicks and check the outcome.

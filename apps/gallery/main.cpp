@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // kelvarin-gallery [--page NAME] [--form FILE] [--save FILE] [--screenshot FILE.png]
 //                  [--size WxH] [--dark] [--trace]:
 // the controls at work in a real window. --page opens a page ("DateBox"),
@@ -8,6 +9,8 @@
 // it the gallery follows the system's), and --trace prints the controls'
 // events, values and places (EventTrace.h).
 #include <cstdio>
+#include <cstring>
+#include <memory>
 
 #include <QApplication>
 #include <QCommandLineParser>
@@ -16,10 +19,12 @@
 #include <QRegularExpression>
 #include <QStyleFactory>
 
+#include <kelvarin/Version.h>
+
+#include <kelvarin/ProgressBoxWidget.h>
 #include "apps/gallery/Cards.h"
 #include "apps/gallery/EventTrace.h"
 #include "apps/gallery/GalleryWindow.h"
-#include "qt/ProgressBoxWidget.h"
 #include "qt/QtPlatform.h"
 
 namespace {
@@ -35,19 +40,28 @@ void RunJobForPicture(kelvarin::gallery::GalleryWindow& window) {
         QApplication::processEvents(QEventLoop::AllEvents, 20);
 }
 
+// --help and --version answer without opening a window system.
+bool OnlyAsksForText(int argc, char** argv) {
+    for (int i = 1; i < argc; ++i) {
+        for (const char* option : {"--help", "-h", "--help-all", "--version", "-v"})
+            if (std::strcmp(argv[i], option) == 0) return true;
+    }
+    return false;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
-    QApplication app(argc, argv);
-    QApplication::setApplicationName(QStringLiteral("kelvarin-gallery"));
-    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
-    QFont font(QStringLiteral("DejaVu Sans"));
-    font.setPointSizeF(9.5);
-    QApplication::setFont(font);
+    const std::unique_ptr<QCoreApplication> application =
+        OnlyAsksForText(argc, argv) ? std::make_unique<QCoreApplication>(argc, argv)
+                                    : std::make_unique<QApplication>(argc, argv);
+    QCoreApplication::setApplicationName(QStringLiteral("kelvarin-gallery"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(KELVARIN_VERSION_STRING));
 
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral("The Kelvarin controls at work."));
     parser.addHelpOption();
+    parser.addVersionOption();
     const QCommandLineOption form(QStringLiteral("form"), QStringLiteral("Load a form file."),
                                   QStringLiteral("FILE"));
     const QCommandLineOption save(QStringLiteral("save"),
@@ -69,7 +83,7 @@ int main(int argc, char** argv) {
         QStringLiteral("trace"),
         QStringLiteral("Print the controls' events, values and places to standard output."));
     parser.addOptions({page, form, save, screenshot, size, dark, trace});
-    parser.process(app);
+    parser.process(*application);
     if (!parser.positionalArguments().isEmpty()) {
         std::fprintf(stderr, "kelvarin-gallery: unexpected argument %s\n",
                      qPrintable(parser.positionalArguments().first()));
@@ -86,6 +100,10 @@ int main(int argc, char** argv) {
         }
         windowSize = QSize(match.captured(1).toInt(), match.captured(2).toInt());
     }
+    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    QFont font(QStringLiteral("DejaVu Sans"));
+    font.setPointSizeF(9.5);
+    QApplication::setFont(font);
     if (parser.isSet(dark)) QApplication::setPalette(kelvarin::gallery::DarkPalette());
     kelvarin::qt::ApplyPlatformSettings();  // the system colours of the palette in force
 
@@ -124,5 +142,5 @@ int main(int argc, char** argv) {
     }
     // Saving or taking a picture is a batch run: it ends here.
     if (parser.isSet(save) || parser.isSet(screenshot)) return status;
-    return app.exec();
+    return QApplication::exec();
 }

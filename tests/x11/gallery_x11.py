@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """The gallery in a real X server, driven by a real pointer and keyboard.
 
 Starts Xvfb and the gallery with --trace (which prints where its controls
