@@ -116,7 +116,9 @@ run)
     if [ -z "${DISPLAY:-}" ] && [ -z "${WAYLAND_DISPLAY:-}" ]; then
         shot=build/kelvarin-gallery.png
         echo "No display (DISPLAY and WAYLAND_DISPLAY are unset): running the gallery offscreen."
-        QT_QPA_PLATFORM=offscreen build/apps/gallery/kelvarin-gallery --screenshot "$shot" "$@"
+        # The offscreen screen is small: the window of a 1366 x 768 screen.
+        QT_QPA_PLATFORM=offscreen build/apps/gallery/kelvarin-gallery --screenshot "$shot" \
+            --size 1340x690 "$@"
         echo "Open $PWD/$shot to see the window."
         exit 0
     fi
