@@ -505,9 +505,9 @@ std::unique_ptr<host::Timer> ControlWidget::Site::CreateTimer(host::TimerCallbac
     return std::make_unique<QtTimer>([this, cb = std::move(onTick)] { w_.guard("Timer", cb); });
 }
 
-// The topmost widget under the pointer is this one: another widget lying
-// on top of the control counts as outside.
-bool ControlWidget::Site::IsPointerOver() { return QApplication::widgetAt(QCursor::pos()) == &w_; }
+bool ControlWidget::Site::IsPointerOver() { return w_.isPointerOver(); }
+
+bool ControlWidget::isPointerOver() const { return QApplication::widgetAt(QCursor::pos()) == this; }
 
 host::Size ControlWidget::Site::ScreenSize() {
     const QScreen* s = w_.screen() ? w_.screen() : QApplication::primaryScreen();

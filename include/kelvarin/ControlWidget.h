@@ -145,6 +145,10 @@ public:
     void SetMousePointer(int pointer) { letMember(QStringLiteral("MousePointer"), pointer); }
 
 protected:
+    // Whether the pointer is over the control: the topmost widget under the
+    // cursor is this one (another widget lying on top counts as outside).
+    virtual bool isPointerOver() const;
+
     // Emits the subclass's typed signal for an event.
     virtual void emitTypedEvent(int number, const QVariantList& args) {
         (void)number;
