@@ -24,6 +24,7 @@
 #include <QFont>
 #include <QImage>
 #include <QPixmap>
+#include <QPointer>
 #include <QString>
 #include <QVariant>
 #include <QWidget>
@@ -225,6 +226,9 @@ private:
     bool displayAsDefault_ = false;
     bool placed_ = false;           // the placing sequence has run
     bool hasControlFocus_ = false;  // GotFocus told, LostFocus not yet
+    bool leaveGranted_ = false;     // Tab has asked the control already
+    // The control that refused to be left and is taking the focus back.
+    static inline QPointer<ControlWidget> reclaiming_;
     quint64 lastPressTime_ = 0;
     Qt::MouseButton lastPressButton_ = Qt::NoButton;
     QPoint lastPressAt_;
