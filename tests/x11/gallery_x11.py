@@ -5,7 +5,9 @@
 Starts Xvfb and the gallery with --trace (which prints where its controls
 stand and what they do), then with xdotool: clicks into the day of an empty
 date field, types a date, steps it with Up, opens the month calendar with
-the field's button, picks a day in it, brings the CommandBox page to the
+the field's button and closes it with Escape (the day keeps its selection,
+so typing goes on over it), opens it again and picks a day, brings the
+CommandBox page to the
 front and presses Salva by its access key; and checks what the gallery
 printed at each step. Clicks are aimed from the places the gallery prints.
 
@@ -123,6 +125,19 @@ def xdotool(display, *args):
     return result.stdout
 
 
+pointer = [None]  # where the last click left the pointer
+
+
+def click_at(display, x, y):
+    """A left click at a screen point. The pointer is moved there first and
+    the move waited for, unless it is there already (xdotool would wait for
+    a move that never comes)."""
+    if pointer[0] != (x, y):
+        xdotool(display, "mousemove", "--sync", x, y)
+        pointer[0] = (x, y)
+    xdotool(display, "click", 1)
+
+
 def places(gallery, kind):
     """The last page's lines of one kind ("AT", "FIELDS", "TAB"), by name: numbers."""
     found = {}
@@ -167,7 +182,7 @@ def drive(gallery, display):
     left, top, _, height = fields["nullable"]
 
     step("a click on the day of the empty field")
-    xdotool(display, "mousemove", "--sync", x + left + 6, y + top + height // 2, "click", 1)
+    click_at(display, x + left + 6, y + top + height // 2)
     gallery.expect(r"EVENT nullable MouseUp\(1, 0, .*\)", "the field's MouseUp")
     gallery.expect(r'VALUE nullable "__/__/____" empty Null', "the empty value after the click")
 
@@ -183,14 +198,24 @@ def drive(gallery, display):
     gallery.expect(r'VALUE nullable "26/12/2007" 2007-12-26 00:00:00 2007-12-26 00:00:00',
                    "26/12/2007 after Up")
 
+    step("Escape closes the calendar, and typing goes on over the day")
+    click_at(display, x + w - 10, y + h // 2)
+    gallery.expect(r"POPUP .*", "the calendar popup")
+    xdotool(display, "key", "Escape")
+    gallery.expect(r"POPUP closed", "the calendar closing")
+    xdotool(display, "type", "--delay", "60", "26")
+    gallery.expect(r'VALUE nullable "2_/12/2007" .*', "a 2 typed over the selected day")
+    gallery.expect(r'VALUE nullable "26/12/2007" 2007-12-26 00:00:00 2007-12-26 00:00:00',
+                   "26/12/2007 again")
+
     step("the calendar button opens the month calendar")
-    xdotool(display, "mousemove", "--sync", x + w - 10, y + h // 2, "click", 1)
+    click_at(display, x + w - 10, y + h // 2)
     popup = gallery.expect(r"POPUP (-?\d+) (-?\d+) (\d+) (\d+)", "the calendar popup")
     px, py, pw, ph = map(int, popup.groups())
 
     step("a click on the 10th picks it")
     cx, cy = cell_of(datetime.date(2007, 12, 10), pw, ph)
-    xdotool(display, "mousemove", "--sync", px + cx, py + cy, "click", 1)
+    click_at(display, px + cx, py + cy)
     gallery.expect(r"POPUP closed", "the calendar closing")
     gallery.expect(r"EVENT nullable Change\(\)", "a Change for the picked day")
     gallery.expect(r'VALUE nullable "10/12/2007" 2007-12-10 00:00:00 2007-12-10 00:00:00',
@@ -201,7 +226,7 @@ def drive(gallery, display):
     if "CommandBox" not in tabs:
         raise Failure("no CommandBox tab")
     tx, ty, tw, th = tabs["CommandBox"]
-    xdotool(display, "mousemove", "--sync", tx + tw // 2, ty + th // 2, "click", 1)
+    click_at(display, tx + tw // 2, ty + th // 2)
     gallery.expect(r"PAGE CommandBox", "the CommandBox page in front")
     xdotool(display, "key", "alt+s")
     gallery.expect(r"EVENT cmdSalva Click\(\)", "Salva's Click")
