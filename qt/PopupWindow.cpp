@@ -11,7 +11,10 @@
 namespace kelvarin::qt {
 
 PopupWindow::PopupWindow(host::Popup& popup, QWidget* owner)
-    : QWidget(owner, Qt::Popup | Qt::FramelessWindowHint), popup_(popup), surface_(image_, text_) {
+    : QWidget(owner, Qt::Popup | Qt::FramelessWindowHint),
+      popup_(popup),
+      surface_(image_, text_),
+      colors_(SysColorsFrom(owner ? owner->palette() : QApplication::palette())) {
     setAttribute(Qt::WA_OpaquePaintEvent);
     setMouseTracking(true);
     setFocusPolicy(Qt::StrongFocus);
@@ -24,6 +27,7 @@ PopupWindow::PopupWindow(host::Popup& popup, QWidget* owner)
 
 template <typename F>
 void PopupWindow::guard(const char* where, F&& f) noexcept {
+    const ScopedSysColors colors(colors_);
     const Failure failure = Guard(std::forward<F>(f));
     if (!failure) return;
     WarnFailure(QStringLiteral("popup"), where, failure);
