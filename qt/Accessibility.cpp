@@ -22,7 +22,7 @@ QString WithoutAccessKeyMarks(const QString& caption) {
     out.reserve(caption.size());
     for (qsizetype i = 0; i < caption.size(); ++i) {
         if (caption[i] == u'&' && i + 1 < caption.size()) ++i;  // "&x" is x, "&&" is "&"
-        else if (caption[i] == u'&') continue;                    // a trailing "&" shows nothing
+        else if (caption[i] == u'&') continue;                  // a trailing "&" shows nothing
         out += caption[i];
     }
     return out;
@@ -81,8 +81,7 @@ public:
 
     // Increase and decrease step the focused field, as Up and Down do.
     QStringList actionNames() const override {
-        return QAccessibleWidget::actionNames()
-               << increaseAction() << decreaseAction();
+        return QAccessibleWidget::actionNames() << increaseAction() << decreaseAction();
     }
     void doAction(const QString& action) override {
         if (action != increaseAction() && action != decreaseAction())
@@ -92,7 +91,9 @@ public:
     }
 
     // ---- Text: the shown date; the caret and selection are the focused field's.
-    QString text(int start, int end) const override { return box()->displayText().mid(start, end - start); }
+    QString text(int start, int end) const override {
+        return box()->displayText().mid(start, end - start);
+    }
     int characterCount() const override { return static_cast<int>(box()->displayText().size()); }
     int cursorPosition() const override {
         const auto f = field();
@@ -166,8 +167,7 @@ public:
     }
 
     QString text(QAccessible::Text t) const override {
-        if (t == QAccessible::Name)
-            return nameOr(t, WithoutAccessKeyMarks(button()->Text()));
+        if (t == QAccessible::Name) return nameOr(t, WithoutAccessKeyMarks(button()->Text()));
         if (t == QAccessible::Accelerator) return shortcut();
         return QAccessibleWidget::text(t);
     }

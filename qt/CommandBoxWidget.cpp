@@ -10,8 +10,7 @@ namespace kelvarin::qt {
 namespace {
 
 // Laid out as QPushButton is: its own width at least, its own height.
-const QSizePolicy kButtonPolicy(QSizePolicy::Minimum, QSizePolicy::Fixed,
-                                QSizePolicy::PushButton);
+const QSizePolicy kButtonPolicy(QSizePolicy::Minimum, QSizePolicy::Fixed, QSizePolicy::PushButton);
 
 }  // namespace
 

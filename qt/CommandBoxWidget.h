@@ -21,10 +21,14 @@ class CommandBoxWidget : public ControlWidget {
     Q_OBJECT
     // Colours: the OLE colour for code (a system colour reads back as one)
     // and, under the Qt name, a QColor for Designer's colour picker.
-    Q_PROPERTY(uint BackColor READ BackColor WRITE SetBackColor NOTIFY BackColorChanged DESIGNABLE false)
-    Q_PROPERTY(QColor backColor READ backColor WRITE setBackColor RESET resetBackColor NOTIFY BackColorChanged)
-    Q_PROPERTY(uint ForeColor READ ForeColor WRITE SetForeColor NOTIFY ForeColorChanged DESIGNABLE false)
-    Q_PROPERTY(QColor foreColor READ foreColor WRITE setForeColor RESET resetForeColor NOTIFY ForeColorChanged)
+    Q_PROPERTY(
+        uint BackColor READ BackColor WRITE SetBackColor NOTIFY BackColorChanged DESIGNABLE false)
+    Q_PROPERTY(QColor backColor READ backColor WRITE setBackColor RESET resetBackColor NOTIFY
+                   BackColorChanged)
+    Q_PROPERTY(
+        uint ForeColor READ ForeColor WRITE SetForeColor NOTIFY ForeColorChanged DESIGNABLE false)
+    Q_PROPERTY(QColor foreColor READ foreColor WRITE setForeColor RESET resetForeColor NOTIFY
+                   ForeColorChanged)
     // The widget's own enabled and font, under the type library's names.
     Q_PROPERTY(bool Enabled READ Enabled WRITE SetEnabled NOTIFY EnabledChanged DESIGNABLE false)
     Q_PROPERTY(QFont Font READ Font WRITE SetFont NOTIFY FontChanged DESIGNABLE false)
@@ -33,20 +37,27 @@ class CommandBoxWidget : public ControlWidget {
     Q_PROPERTY(int OLEDropMode READ OLEDropMode WRITE SetOLEDropMode NOTIFY OLEDropModeChanged)
     Q_PROPERTY(QPixmap Picture READ Picture WRITE SetPicture NOTIFY PictureChanged)
     Q_PROPERTY(bool RightToLeft READ RightToLeft WRITE SetRightToLeft NOTIFY RightToLeftChanged)
-    Q_PROPERTY(ControlWidget::AlignmentText Alignment READ Alignment WRITE SetAlignment NOTIFY AlignmentChanged)
-    Q_PROPERTY(AlignPictureKind AlignPicture READ AlignPicture WRITE SetAlignPicture NOTIFY AlignPictureChanged)
+    Q_PROPERTY(ControlWidget::AlignmentText Alignment READ Alignment WRITE SetAlignment NOTIFY
+                   AlignmentChanged)
+    Q_PROPERTY(AlignPictureKind AlignPicture READ AlignPicture WRITE SetAlignPicture NOTIFY
+                   AlignPictureChanged)
     Q_PROPERTY(int Interleave READ Interleave WRITE SetInterleave NOTIFY InterleaveChanged)
     Q_PROPERTY(QString Text READ Text WRITE SetText NOTIFY TextChanged)
     // Lower case, as the type library spells it.
     Q_PROPERTY(StyleKind style READ Style WRITE SetStyle NOTIFY styleChanged)
-    Q_PROPERTY(bool ShowFocusRect READ ShowFocusRect WRITE SetShowFocusRect NOTIFY ShowFocusRectChanged)
+    Q_PROPERTY(
+        bool ShowFocusRect READ ShowFocusRect WRITE SetShowFocusRect NOTIFY ShowFocusRectChanged)
     Q_PROPERTY(int hWnd READ hWnd CONSTANT DESIGNABLE false)
-    Q_PROPERTY(uint MaskColor READ MaskColor WRITE SetMaskColor NOTIFY MaskColorChanged DESIGNABLE false)
-    Q_PROPERTY(QColor maskColor READ maskColor WRITE setMaskColor RESET resetMaskColor NOTIFY MaskColorChanged)
+    Q_PROPERTY(
+        uint MaskColor READ MaskColor WRITE SetMaskColor NOTIFY MaskColorChanged DESIGNABLE false)
+    Q_PROPERTY(QColor maskColor READ maskColor WRITE setMaskColor RESET resetMaskColor NOTIFY
+                   MaskColorChanged)
     Q_PROPERTY(bool UseMaskColor READ UseMaskColor WRITE SetUseMaskColor NOTIFY UseMaskColorChanged)
     Q_PROPERTY(bool HighLighted READ HighLighted WRITE SetHighLighted NOTIFY HighLightedChanged)
-    Q_PROPERTY(uint ForeColorHighLighted READ ForeColorHighLighted WRITE SetForeColorHighLighted NOTIFY ForeColorHighLightedChanged DESIGNABLE false)
-    Q_PROPERTY(QColor foreColorHighLighted READ foreColorHighLighted WRITE setForeColorHighLighted RESET resetForeColorHighLighted NOTIFY ForeColorHighLightedChanged)
+    Q_PROPERTY(uint ForeColorHighLighted READ ForeColorHighLighted WRITE SetForeColorHighLighted
+                   NOTIFY ForeColorHighLightedChanged DESIGNABLE false)
+    Q_PROPERTY(QColor foreColorHighLighted READ foreColorHighLighted WRITE setForeColorHighLighted
+                   RESET resetForeColorHighLighted NOTIFY ForeColorHighLightedChanged)
 
 public:
     // eAlignPicture and eStyle (the type library's names have blanks). Any
@@ -92,7 +103,9 @@ public:
     void setMaskColor(const QColor& c) { letMember(QStringLiteral("MaskColor"), c); }
     void resetMaskColor() { resetMember("MaskColor"); }
     QColor foreColorHighLighted() const { return qColorMember("ForeColorHighLighted"); }
-    void setForeColorHighLighted(const QColor& c) { letMember(QStringLiteral("ForeColorHighLighted"), c); }
+    void setForeColorHighLighted(const QColor& c) {
+        letMember(QStringLiteral("ForeColorHighLighted"), c);
+    }
     void resetForeColorHighLighted() { resetMember("ForeColorHighLighted"); }
     uint MaskColor() const { return colorMember("MaskColor"); }
     void SetMaskColor(uint c) { letMember(QStringLiteral("MaskColor"), c); }

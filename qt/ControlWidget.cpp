@@ -427,17 +427,25 @@ void ControlWidget::syncSurface() {
     guard("Resize", [&] { host::SyncFrame(*control_, *this); });
 }
 
+bool ControlWidget::hasEnabledAndFont() const {
+    int found = 0;
+    for (const host::Member& m : control_->Members())
+        found += m.kind == host::MemberKind::Property && (m.name == "Enabled" || m.name == "Font");
+    return found == 2;
+}
+
 // The widget's own enabled flag (not its parent's) is the control's
 // Enabled: a control in a disabled panel takes no input, as Qt has it, but
 // keeps, and saves, its own Enabled.
 void ControlWidget::syncEnabledAndFont() {
     if (!control_ || !placed_ || syncing_) return;
+    if (!hasEnabledAndFont()) return;
     bool enabled = true;
     std::shared_ptr<kelvarin::Font> font;
     const bool read = guard("Get", [&] {
         enabled = library::Get(*control_, "Enabled").ToBoolean();
-        font = std::dynamic_pointer_cast<kelvarin::Font>(
-            library::Get(*control_, "Font").ToObject());
+        font =
+            std::dynamic_pointer_cast<kelvarin::Font>(library::Get(*control_, "Font").ToObject());
     });
     if (!read) return;
     syncing_ = true;
@@ -449,7 +457,7 @@ void ControlWidget::syncEnabledAndFont() {
 }
 
 void ControlWidget::takeEnabledAndFont() {
-    if (!control_ || !placed_ || syncing_) return;
+    if (!control_ || !placed_ || syncing_ || !hasEnabledAndFont()) return;
     syncing_ = true;
     const bool enabled = !testAttribute(Qt::WA_ForceDisabled);
     if (getMember(QStringLiteral("Enabled")).toBool() != enabled)
@@ -544,6 +552,17 @@ void ControlWidget::setDisplayAsDefault(bool value) {
 void ControlWidget::paintEvent(QPaintEvent* event) {
     const QRect exposed = event->rect().intersected(image_.rect());
     if (exposed.isEmpty()) return;
+    const qreal ratio = devicePixelRatioF();
+    if (text_.Recording() != (ratio > 1)) {
+        // The ratio changed (another screen): text is kept for it from a
+        // fresh paint on, or no longer kept.
+        text_.SetRecording(ratio > 1);
+        if (control_ && placed_) guard("Paint", [&] { control_->Paint(); });
+    }
+    if (ratio > 1) {
+        QPainter(this).drawImage(QPoint(0, 0), text_.ShowAtRatio(image_, ratio));
+        return;
+    }
     if (shown_.width() < exposed.width() || shown_.height() < exposed.height())
         shown_ = QImage(image_.size(), QImage::Format_RGB32);
     const int w = exposed.width();
@@ -700,7 +719,8 @@ bool ControlWidget::focusNextPrevChild(bool next) {
     // The control may keep the focus (an invalid entry it will not leave).
     bool leave = true;
     // Being disabled moves the focus on whatever the control would say.
-    if (control_ && !syncing_) guard("QueryLeaveFocus", [&] { leave = control_->QueryLeaveFocus(); });
+    if (control_ && !syncing_)
+        guard("QueryLeaveFocus", [&] { leave = control_->QueryLeaveFocus(); });
     if (!leave) return true;
     return QWidget::focusNextPrevChild(next);
 }

@@ -246,6 +246,7 @@ private:
     // The control's Enabled and Font are the widget's enabled and font: each
     // side follows the other after either changed.
     void syncEnabledAndFont();
+    bool hasEnabledAndFont() const;  // every control of the library has both
     void takeEnabledAndFont();
     void paintFrame();
     // Runs a call of input into the control, then follows its surface.

@@ -17,12 +17,20 @@ const QSizePolicy kLineEditPolicy(QSizePolicy::Expanding, QSizePolicy::Fixed,
 
 DateBoxWidget::DateBoxWidget(QWidget* parent)
     : ControlWidget(library::ClassRegistry::Instance().Create("DateBox"), parent) {
-    setSizePolicy(kLineEditPolicy);
+    setUp();
 }
 
 DateBoxWidget::DateBoxWidget(host::FormControl& entry, const QString& place, QWidget* parent)
     : ControlWidget(library::ClassRegistry::Instance().Create("DateBox"), entry, place, parent) {
+    setUp();
+}
+
+void DateBoxWidget::setUp() {
     setSizePolicy(kLineEditPolicy);
+    // Compared by what the field shows: reading Value mid-typing would
+    // complete a half-typed field.
+    notifiedText_ = displayText();
+    connect(this, &DateBoxWidget::ValueChanged, this, [this] { notifiedText_ = displayText(); });
 }
 
 QString DateBoxWidget::displayText() const {
@@ -39,20 +47,13 @@ void DateBoxWidget::SetAlignment(AlignmentKind a) {
 bool DateBoxWidget::Locked() const { return getMember(QStringLiteral("Locked")).toBool(); }
 void DateBoxWidget::SetLocked(bool l) { letMember(QStringLiteral("Locked"), l); }
 
-QDateTime DateBoxWidget::Value() const {
-    const QVariant db = ValueDB();
-    return db.isNull() ? QDateTime() : getMember(QStringLiteral("Value")).toDateTime();
-}
-void DateBoxWidget::SetValue(const QDateTime& v) {
-    if (!v.isValid()) {
-        letMember(QStringLiteral("ValueDB"), QVariant::fromValue(nullptr));
-        return;
-    }
-    letMember(QStringLiteral("Value"), v);
-}
+QDateTime DateBoxWidget::Value() const { return getMember(QStringLiteral("Value")).toDateTime(); }
+void DateBoxWidget::SetValue(const QDateTime& v) { letMember(QStringLiteral("Value"), v); }
 QVariant DateBoxWidget::ValueDB() const { return getMember(QStringLiteral("ValueDB")); }
 void DateBoxWidget::SetValueDB(const QVariant& v) { letMember(QStringLiteral("ValueDB"), v); }
-QString DateBoxWidget::DateFormat() const { return getMember(QStringLiteral("DateFormat")).toString(); }
+QString DateBoxWidget::DateFormat() const {
+    return getMember(QStringLiteral("DateFormat")).toString();
+}
 void DateBoxWidget::SetDateFormat(const QString& p) { letMember(QStringLiteral("DateFormat"), p); }
 int DateBoxWidget::SmallChange() const { return intMember("SmallChange"); }
 void DateBoxWidget::SetSmallChange(int s) { letMember(QStringLiteral("SmallChange"), s); }
@@ -64,9 +65,13 @@ bool DateBoxWidget::CalendarButton() const {
     return getMember(QStringLiteral("CalendarButton")).toBool();
 }
 void DateBoxWidget::SetCalendarButton(bool s) { letMember(QStringLiteral("CalendarButton"), s); }
-QDateTime DateBoxWidget::MinDate() const { return getMember(QStringLiteral("MinDate")).toDateTime(); }
+QDateTime DateBoxWidget::MinDate() const {
+    return getMember(QStringLiteral("MinDate")).toDateTime();
+}
 void DateBoxWidget::SetMinDate(const QDateTime& d) { letMember(QStringLiteral("MinDate"), d); }
-QDateTime DateBoxWidget::MaxDate() const { return getMember(QStringLiteral("MaxDate")).toDateTime(); }
+QDateTime DateBoxWidget::MaxDate() const {
+    return getMember(QStringLiteral("MaxDate")).toDateTime();
+}
 void DateBoxWidget::SetMaxDate(const QDateTime& d) { letMember(QStringLiteral("MaxDate"), d); }
 
 int DateBoxWidget::TextLeft() { return callMember(QStringLiteral("TextLeft")).toInt(); }
@@ -84,7 +89,9 @@ void DateBoxWidget::emitTypedEvent(int number, const QVariantList& a) {
         case DateBox::kKeyUp: emit KeyUp(i(0), i(1)); break;
         case DateBox::kChange:
             emit Change();
-            emit ValueChanged();
+            // Typing and the calendar change the value without a
+            // property-changed notification; a write had one already.
+            if (displayText() != notifiedText_) emit ValueChanged();
             AnnounceValue(this, displayText());
             break;
         case DateBox::kMouseDown: emit MouseDown(i(0), i(1), f(2), f(3)); break;

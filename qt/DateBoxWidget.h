@@ -19,28 +19,33 @@ namespace kelvarin::qt {
 
 class DateBoxWidget : public ControlWidget {
     Q_OBJECT
-    Q_PROPERTY(ControlWidget::AppearanceKind Appearance READ Appearance WRITE SetAppearance NOTIFY AppearanceChanged)
+    Q_PROPERTY(ControlWidget::AppearanceKind Appearance READ Appearance WRITE SetAppearance NOTIFY
+                   AppearanceChanged)
     // Colours: the OLE colour for code (a system colour reads back as one)
     // and, under the Qt name, a QColor for Designer's colour picker.
-    Q_PROPERTY(uint BackColor READ BackColor WRITE SetBackColor NOTIFY BackColorChanged DESIGNABLE false)
-    Q_PROPERTY(QColor backColor READ backColor WRITE setBackColor RESET resetBackColor NOTIFY BackColorChanged)
-    Q_PROPERTY(uint ForeColor READ ForeColor WRITE SetForeColor NOTIFY ForeColorChanged DESIGNABLE false)
-    Q_PROPERTY(QColor foreColor READ foreColor WRITE setForeColor RESET resetForeColor NOTIFY ForeColorChanged)
+    Q_PROPERTY(
+        uint BackColor READ BackColor WRITE SetBackColor NOTIFY BackColorChanged DESIGNABLE false)
+    Q_PROPERTY(QColor backColor READ backColor WRITE setBackColor RESET resetBackColor NOTIFY
+                   BackColorChanged)
+    Q_PROPERTY(
+        uint ForeColor READ ForeColor WRITE SetForeColor NOTIFY ForeColorChanged DESIGNABLE false)
+    Q_PROPERTY(QColor foreColor READ foreColor WRITE setForeColor RESET resetForeColor NOTIFY
+                   ForeColorChanged)
     // The widget's own enabled and font, under the type library's names.
     Q_PROPERTY(bool Enabled READ Enabled WRITE SetEnabled NOTIFY EnabledChanged DESIGNABLE false)
     Q_PROPERTY(QFont Font READ Font WRITE SetFont NOTIFY FontChanged DESIGNABLE false)
     Q_PROPERTY(AlignmentKind Alignment READ Alignment WRITE SetAlignment NOTIFY AlignmentChanged)
-    Q_PROPERTY(ControlWidget::BorderStyleKind BorderStyle READ BorderStyle WRITE SetBorderStyle NOTIFY BorderStyleChanged)
+    Q_PROPERTY(ControlWidget::BorderStyleKind BorderStyle READ BorderStyle WRITE SetBorderStyle
+                   NOTIFY BorderStyleChanged)
     Q_PROPERTY(bool Locked READ Locked WRITE SetLocked NOTIFY LockedChanged)
-    // An empty field reads as an invalid QDateTime (Designer's sheet shows it
-    // blank), and one written empties the field.
     Q_PROPERTY(QDateTime Value READ Value WRITE SetValue NOTIFY ValueChanged)
     Q_PROPERTY(QVariant ValueDB READ ValueDB WRITE SetValueDB NOTIFY ValueChanged DESIGNABLE false)
     Q_PROPERTY(QString DateFormat READ DateFormat WRITE SetDateFormat NOTIFY DateFormatChanged)
     Q_PROPERTY(int SmallChange READ SmallChange WRITE SetSmallChange NOTIFY SmallChangeChanged)
     Q_PROPERTY(int LargeChange READ LargeChange WRITE SetLargeChange NOTIFY LargeChangeChanged)
     Q_PROPERTY(bool Nullable READ Nullable WRITE SetNullable NOTIFY NullableChanged)
-    Q_PROPERTY(bool CalendarButton READ CalendarButton WRITE SetCalendarButton NOTIFY CalendarButtonChanged)
+    Q_PROPERTY(bool CalendarButton READ CalendarButton WRITE SetCalendarButton NOTIFY
+                   CalendarButtonChanged)
     Q_PROPERTY(QDateTime MinDate READ MinDate WRITE SetMinDate NOTIFY MinDateChanged)
     Q_PROPERTY(QDateTime MaxDate READ MaxDate WRITE SetMaxDate NOTIFY MaxDateChanged)
 
@@ -109,6 +114,11 @@ signals:
 
 protected:
     void emitTypedEvent(int number, const QVariantList& args) override;
+
+private:
+    void setUp();
+
+    QString notifiedText_;  // the field as the last ValueChanged left it
 };
 
 }  // namespace kelvarin::qt

@@ -63,8 +63,12 @@ void PopupWindow::paintEvent(QPaintEvent*) {
         image_ = QImage(std::max(size.width, 1), std::max(size.height, 1), QImage::Format_BGR888);
     image_.fill(Qt::white);
     surface_.SetView(image_.rect());
+    // Sharp text above a device pixel ratio of 1 (see qt/QtText.h).
+    const qreal ratio = devicePixelRatioF();
+    text_.SetRecording(ratio > 1);
     guard("Paint", [&] { popup_.Paint(surface_); });
-    QPainter(this).drawImage(0, 0, image_);
+    if (ratio > 1) QPainter(this).drawImage(0, 0, text_.ShowAtRatio(image_, ratio));
+    else QPainter(this).drawImage(0, 0, image_);
 }
 
 void PopupWindow::keyPressEvent(QKeyEvent* event) {

@@ -54,9 +54,13 @@ void ProgressBoxWidget::SetAlignment(AlignmentText a) {
     letMember(QStringLiteral("Alignment"), static_cast<int>(a));
 }
 
-double ProgressBoxWidget::MinValue() const { return getMember(QStringLiteral("MinValue")).toDouble(); }
+double ProgressBoxWidget::MinValue() const {
+    return getMember(QStringLiteral("MinValue")).toDouble();
+}
 void ProgressBoxWidget::SetMinValue(double v) { letMember(QStringLiteral("MinValue"), v); }
-double ProgressBoxWidget::MaxValue() const { return getMember(QStringLiteral("MaxValue")).toDouble(); }
+double ProgressBoxWidget::MaxValue() const {
+    return getMember(QStringLiteral("MaxValue")).toDouble();
+}
 void ProgressBoxWidget::SetMaxValue(double v) { letMember(QStringLiteral("MaxValue"), v); }
 double ProgressBoxWidget::Percentual() const {
     return getMember(QStringLiteral("Percentual")).toDouble();

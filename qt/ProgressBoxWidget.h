@@ -19,33 +19,49 @@ class ProgressBoxWidget : public ControlWidget {
     Q_OBJECT
     // Colours: the OLE colour for code (a system colour reads back as one)
     // and, under the Qt name, a QColor for Designer's colour picker.
-    Q_PROPERTY(uint BackColor READ BackColor WRITE SetBackColor NOTIFY BackColorChanged DESIGNABLE false)
-    Q_PROPERTY(QColor backColor READ backColor WRITE setBackColor RESET resetBackColor NOTIFY BackColorChanged)
-    Q_PROPERTY(uint ForeColor READ ForeColor WRITE SetForeColor NOTIFY ForeColorChanged DESIGNABLE false)
-    Q_PROPERTY(QColor foreColor READ foreColor WRITE setForeColor RESET resetForeColor NOTIFY ForeColorChanged)
+    Q_PROPERTY(
+        uint BackColor READ BackColor WRITE SetBackColor NOTIFY BackColorChanged DESIGNABLE false)
+    Q_PROPERTY(QColor backColor READ backColor WRITE setBackColor RESET resetBackColor NOTIFY
+                   BackColorChanged)
+    Q_PROPERTY(
+        uint ForeColor READ ForeColor WRITE SetForeColor NOTIFY ForeColorChanged DESIGNABLE false)
+    Q_PROPERTY(QColor foreColor READ foreColor WRITE setForeColor RESET resetForeColor NOTIFY
+                   ForeColorChanged)
     // The widget's own enabled and font, under the type library's names.
     Q_PROPERTY(bool Enabled READ Enabled WRITE SetEnabled NOTIFY EnabledChanged DESIGNABLE false)
     Q_PROPERTY(QFont Font READ Font WRITE SetFont NOTIFY FontChanged DESIGNABLE false)
-    Q_PROPERTY(ControlWidget::BorderStyleKind BorderStyle READ BorderStyle WRITE SetBorderStyle NOTIFY BorderStyleChanged)
-    Q_PROPERTY(ControlWidget::AppearanceKind Appearance READ Appearance WRITE SetAppearance NOTIFY AppearanceChanged)
+    Q_PROPERTY(ControlWidget::BorderStyleKind BorderStyle READ BorderStyle WRITE SetBorderStyle
+                   NOTIFY BorderStyleChanged)
+    Q_PROPERTY(ControlWidget::AppearanceKind Appearance READ Appearance WRITE SetAppearance NOTIFY
+                   AppearanceChanged)
     Q_PROPERTY(int hWnd READ hWnd CONSTANT DESIGNABLE false)
     Q_PROPERTY(QPixmap MouseIcon READ MouseIcon WRITE SetMouseIcon NOTIFY MouseIconChanged)
     Q_PROPERTY(int MousePointer READ MousePointer WRITE SetMousePointer NOTIFY MousePointerChanged)
-    Q_PROPERTY(uint StartColor READ StartColor WRITE SetStartColor NOTIFY StartColorChanged DESIGNABLE false)
-    Q_PROPERTY(QColor startColor READ startColor WRITE setStartColor RESET resetStartColor NOTIFY StartColorChanged)
-    Q_PROPERTY(uint FinishColor READ FinishColor WRITE SetFinishColor NOTIFY FinishColorChanged DESIGNABLE false)
-    Q_PROPERTY(QColor finishColor READ finishColor WRITE setFinishColor RESET resetFinishColor NOTIFY FinishColorChanged)
+    Q_PROPERTY(uint StartColor READ StartColor WRITE SetStartColor NOTIFY StartColorChanged
+                   DESIGNABLE false)
+    Q_PROPERTY(QColor startColor READ startColor WRITE setStartColor RESET resetStartColor NOTIFY
+                   StartColorChanged)
+    Q_PROPERTY(uint FinishColor READ FinishColor WRITE SetFinishColor NOTIFY FinishColorChanged
+                   DESIGNABLE false)
+    Q_PROPERTY(QColor finishColor READ finishColor WRITE setFinishColor RESET resetFinishColor
+                   NOTIFY FinishColorChanged)
     Q_PROPERTY(double Value READ Value WRITE SetValue NOTIFY ValueChanged)
     Q_PROPERTY(QString Text READ Text WRITE SetText NOTIFY TextChanged)
-    Q_PROPERTY(bool ShowPercentual READ ShowPercentual WRITE SetShowPercentual NOTIFY ShowPercentualChanged)
-    Q_PROPERTY(ControlWidget::AlignmentText Alignment READ Alignment WRITE SetAlignment NOTIFY AlignmentChanged)
+    Q_PROPERTY(bool ShowPercentual READ ShowPercentual WRITE SetShowPercentual NOTIFY
+                   ShowPercentualChanged)
+    Q_PROPERTY(ControlWidget::AlignmentText Alignment READ Alignment WRITE SetAlignment NOTIFY
+                   AlignmentChanged)
     Q_PROPERTY(double MinValue READ MinValue WRITE SetMinValue NOTIFY MinValueChanged)
     Q_PROPERTY(double MaxValue READ MaxValue WRITE SetMaxValue NOTIFY MaxValueChanged)
     Q_PROPERTY(double Percentual READ Percentual WRITE SetPercentual NOTIFY PercentualChanged)
-    Q_PROPERTY(GradientStyleKind GradientStyle READ GradientStyle WRITE SetGradientStyle NOTIFY GradientStyleChanged)
-    Q_PROPERTY(uint PivotColor READ PivotColor WRITE SetPivotColor NOTIFY PivotColorChanged DESIGNABLE false)
-    Q_PROPERTY(QColor pivotColor READ pivotColor WRITE setPivotColor RESET resetPivotColor NOTIFY PivotColorChanged)
-    Q_PROPERTY(int TimerChangedInterval READ TimerChangedInterval WRITE SetTimerChangedInterval NOTIFY TimerChangedIntervalChanged)
+    Q_PROPERTY(GradientStyleKind GradientStyle READ GradientStyle WRITE SetGradientStyle NOTIFY
+                   GradientStyleChanged)
+    Q_PROPERTY(uint PivotColor READ PivotColor WRITE SetPivotColor NOTIFY PivotColorChanged
+                   DESIGNABLE false)
+    Q_PROPERTY(QColor pivotColor READ pivotColor WRITE setPivotColor RESET resetPivotColor NOTIFY
+                   PivotColorChanged)
+    Q_PROPERTY(int TimerChangedInterval READ TimerChangedInterval WRITE SetTimerChangedInterval
+                   NOTIFY TimerChangedIntervalChanged)
 
 public:
     // eGradientStyle (the names in the type library have blanks).
