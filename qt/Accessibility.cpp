@@ -7,13 +7,13 @@
 #include <QKeySequence>
 #include <QLocale>
 
+#include <kelvarin/CommandBoxWidget.h>
+#include <kelvarin/DateBoxWidget.h>
+#include <kelvarin/ProgressBoxWidget.h>
 #include "common/DateTime.h"
 #include "controls/calendar/frmMese.h"
 #include "controls/datebox/DateBox.h"
-#include "qt/CommandBoxWidget.h"
-#include "qt/DateBoxWidget.h"
 #include "qt/PopupWindow.h"
-#include "qt/ProgressBoxWidget.h"
 
 namespace kelvarin::qt {
 

@@ -13,9 +13,9 @@
 #include <QTest>
 #include <QVBoxLayout>
 
-#include "qt/CommandBoxWidget.h"
-#include "qt/DateBoxWidget.h"
-#include "qt/ProgressBoxWidget.h"
+#include <kelvarin/CommandBoxWidget.h>
+#include <kelvarin/DateBoxWidget.h>
+#include <kelvarin/ProgressBoxWidget.h>
 #include "tests/qt/QtPrinters.h"
 
 namespace kelvarin::qt {

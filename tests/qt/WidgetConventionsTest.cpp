@@ -13,10 +13,11 @@
 #include <QTest>
 #include <QVBoxLayout>
 
+#include <kelvarin/CommandBoxWidget.h>
+#include <kelvarin/DateBoxWidget.h>
+#include <kelvarin/ProgressBoxWidget.h>
+#include "host/FormFile.h"
 #include "library/Dispatch.h"
-#include "qt/CommandBoxWidget.h"
-#include "qt/DateBoxWidget.h"
-#include "qt/ProgressBoxWidget.h"
 #include "qt/QtPlatform.h"
 #include "tests/qt/QtPrinters.h"
 
