@@ -11,7 +11,6 @@
 #include <kelvarin/DateBoxWidget.h>
 #include <kelvarin/ProgressBoxWidget.h>
 #include "common/DateTime.h"
-#include "controls/calendar/frmMese.h"
 #include "controls/datebox/DateBox.h"
 #include "qt/PopupWindow.h"
 
@@ -200,8 +199,8 @@ public:
     explicit CalendarAccessible(QWidget* widget) : QAccessibleWidget(widget, QAccessible::Table) {}
 
     QString text(QAccessible::Text t) const override {
-        const controls::frmMese* calendar = this->calendar();
-        if (!calendar) return QAccessibleWidget::text(t);
+        const host::Popup* calendar = &static_cast<PopupWindow*>(widget())->popup();
+        if (calendar->ShownMonth() == 0) return QAccessibleWidget::text(t);
         const DateParts d = SplitDate(calendar->CurrentDate());
         const QDate current(d.year, d.month, d.day);
         switch (t) {
@@ -214,12 +213,6 @@ public:
             case QAccessible::Value: return QLocale().toString(current, QLocale::LongFormat);
             default: return QAccessibleWidget::text(t);
         }
-    }
-
-private:
-    const controls::frmMese* calendar() const {
-        return dynamic_cast<const controls::frmMese*>(
-            &static_cast<PopupWindow*>(widget())->popup());
     }
 };
 
