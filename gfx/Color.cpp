@@ -94,6 +94,12 @@ void ForEachPixel(Rows rows, Visit visit) {
     }
 }
 
+// The vector kernel of op as a row kernel of ForEachPixel24.
+auto HslKernel(HslRow op, std::uint8_t hue = 0, std::uint8_t saturation = 0) {
+    return
+        [=](std::uint8_t* row, Long width) { return HslRowSimd(row, width, op, hue, saturation); };
+}
+
 // GFX2D_conv_cRGB_cHLS of the pixel at p.
 Hls ScaledHlsOf(const std::uint8_t* p) {
     Hls c;
@@ -413,18 +419,27 @@ void clsGFX_2D::GFX2D_conv_cHLS_cRGB(Single hue, Single saturation, Single lumin
     blue = FractionToByte(Hexcone(m1, m2, h - 2));
 }
 
-template <typename Visit>
-bool clsGFX_2D::ForEachPixel24(const char* message, Visit visit) {
+template <typename Visit, typename RowKernel>
+bool clsGFX_2D::ForEachPixel24(const char* message, Visit visit, RowKernel rowKernel) {
     if (!Require24(message)) return false;
     SessionScope session(*this);
-    ForEachPixel(SessionRows(), visit);
+    const ImageRows rows = SessionRows();
+    for (Long y = 0; y < rows.height; ++y) {
+        std::uint8_t* p = rows.Row(y);
+        const Long done = rowKernel(p, rows.width);
+        p += 3 * static_cast<std::ptrdiff_t>(done);
+        for (Long x = done; x < rows.width; ++x, p += 3) visit(p);
+    }
     return true;
 }
 
 bool clsGFX_2D::Color_Colourise(std::uint8_t bytHue, std::uint8_t bytSaturation) {
-    return ForEachPixel24("Color_Colourise is only for 24bit depth images", [&](std::uint8_t* p) {
-        GFX2D_conv_cHLS_cRGB(bytHue, bytSaturation, ScaledHlsOf(p).luminance, p[2], p[1], p[0]);
-    });
+    return ForEachPixel24(
+        "Color_Colourise is only for 24bit depth images",
+        [&](std::uint8_t* p) {
+            GFX2D_conv_cHLS_cRGB(bytHue, bytSaturation, ScaledHlsOf(p).luminance, p[2], p[1], p[0]);
+        },
+        HslKernel(HslRow::Colourise, bytHue, bytSaturation));
 }
 
 bool clsGFX_2D::Color_ChannelComponent(Long lngChannel) {
@@ -433,16 +448,25 @@ bool clsGFX_2D::Color_ChannelComponent(Long lngChannel) {
         lngChannel != 8 && lngChannel != 16) {
         return Require24(message);  // any other code changes nothing
     }
-    return ForEachPixel24(message, [&](std::uint8_t* p) {
-        std::uint8_t v;
-        if (lngChannel <= 2) {
-            v = p[2 - lngChannel];  // red is byte 2, blue byte 0
-        } else {
+    if (lngChannel <= 2) {
+        return ForEachPixel24(
+            message,
+            [&](std::uint8_t* p) {
+                p[0] = p[1] = p[2] = p[2 - lngChannel];  // red is byte 2, blue byte 0
+            },
+            [](std::uint8_t*, Long) { return Long{0}; });
+    }
+    return ForEachPixel24(
+        message,
+        [&](std::uint8_t* p) {
             const Hls c = ScaledHlsOf(p);
-            v = ScaleToByte(lngChannel == 4 ? c.hue : lngChannel == 8 ? c.saturation : c.luminance);
-        }
-        p[0] = p[1] = p[2] = v;
-    });
+            p[0] = p[1] = p[2] = ScaleToByte(lngChannel == 4   ? c.hue
+                                             : lngChannel == 8 ? c.saturation
+                                                               : c.luminance);
+        },
+        HslKernel(lngChannel == 4   ? HslRow::Hue
+                  : lngChannel == 8 ? HslRow::Saturation
+                                    : HslRow::Luminance));
 }
 
 bool clsGFX_2D::Color_ConvertRGBToHSL() {
@@ -452,7 +476,8 @@ bool clsGFX_2D::Color_ConvertRGBToHSL() {
         p[1] = ScaleToByte(c.saturation);
         p[0] = ScaleToByte(c.luminance);
     };
-    return ForEachPixel24("Color_ConvertRGBToHSL is only for 24bit depth images", convert);
+    return ForEachPixel24("Color_ConvertRGBToHSL is only for 24bit depth images", convert,
+                          HslKernel(HslRow::ToHsl));
 }
 
 bool clsGFX_2D::Color_ConvertHSLToRGB() {
@@ -460,7 +485,8 @@ bool clsGFX_2D::Color_ConvertHSLToRGB() {
         const std::uint8_t hue = p[2], saturation = p[1], luminance = p[0];
         GFX2D_conv_cHLS_cRGB(hue, saturation, luminance, p[2], p[1], p[0]);
     };
-    return ForEachPixel24("Color_ConvertHSLToRGB is only for 24bit depth images", convert);
+    return ForEachPixel24("Color_ConvertHSLToRGB is only for 24bit depth images", convert,
+                          HslKernel(HslRow::ToRgb));
 }
 
 // ---- 4. Histograms ---------------------------------------------------------

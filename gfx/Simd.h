@@ -16,6 +16,9 @@ void EnableSimd(bool on) noexcept;
 bool SimdEnabled() noexcept;
 // Whether the 256-bit kernels may run: enabled and the processor has AVX2.
 bool Avx2Enabled() noexcept;
+// Whether the 512-bit kernels may run: enabled and the processor has
+// AVX-512 F and BW.
+bool Avx512Enabled() noexcept;
 // Whether the 512-bit byte-permute kernels may run: enabled and the
 // processor has AVX-512 F, BW and VBMI.
 bool Avx512VbmiEnabled() noexcept;
@@ -42,5 +45,20 @@ Long FadeRowSimd(std::uint8_t* row, Long width, const std::uint8_t mask[3], cons
 // green, red) become to[0..2]. Returns how many pixels it did, as GrayRowSimd.
 Long ReplaceRowSimd(std::uint8_t* row, Long width, const std::uint8_t from[3],
                     const std::uint8_t to[3]) noexcept;
+
+// The hue, saturation and luminance operations on 24-bit rows.
+enum class HslRow {
+    ToHsl,      // Color_ConvertRGBToHSL
+    ToRgb,      // Color_ConvertHSLToRGB
+    Colourise,  // Color_Colourise with the given hue and saturation
+    Hue,        // Color_ChannelComponent 4, 8 and 16
+    Saturation,
+    Luminance,
+};
+// One of them over one row, with 256-bit or 512-bit vectors (the plain
+// loops are the reference; there is no 128-bit kernel). Returns how many
+// pixels it did (a multiple of 16), as GrayRowSimd.
+Long HslRowSimd(std::uint8_t* row, Long width, HslRow op, std::uint8_t hue,
+                std::uint8_t saturation) noexcept;
 
 }  // namespace kelvarin::gfx_detail

@@ -326,9 +326,11 @@ private:
     // The halftones: 24 bits only, and grey by luminance first unless in colour.
     bool Halftone(bool color, void (*method)(ImageRows));
     // The colour operations that change each pixel by itself (Color.cpp):
-    // false with message below 24 bits, else visit(p) for every pixel's bytes.
-    template <typename Visit>
-    bool ForEachPixel24(const char* message, Visit visit);
+    // false with message below 24 bits, else visit(p) for every pixel's
+    // bytes after rowKernel(row, width) did as many as it returns from the
+    // row's start (a vector kernel giving the same bytes, or none).
+    template <typename Visit, typename RowKernel>
+    bool ForEachPixel24(const char* message, Visit visit, RowKernel rowKernel);
     void PutPixelChecked(Long X, Long Y, Long c);
     float NextRandom();
     template <int kBytes>
