@@ -167,6 +167,26 @@ void BM_Color_ConvertRGBToHSL(benchmark::State& state) {
     RunOnSurface(
         state, [](clsGFX_2D& g) { g.Color_ConvertRGBToHSL(); }, true);
 }
+void BM_Color_ConvertHSLToRGB(benchmark::State& state) {
+    RunOnSurface(
+        state, [](clsGFX_2D& g) { g.Color_ConvertHSLToRGB(); }, true);
+}
+void BM_Color_Colourise(benchmark::State& state) {
+    RunOnSurface(
+        state, [](clsGFX_2D& g) { g.Color_Colourise(150, 200); }, true);
+}
+void BM_Color_ChannelComponent_Hue(benchmark::State& state) {
+    RunOnSurface(
+        state, [](clsGFX_2D& g) { g.Color_ChannelComponent(4); }, true);
+}
+void BM_Color_ChannelComponent_Luminance(benchmark::State& state) {
+    RunOnSurface(
+        state, [](clsGFX_2D& g) { g.Color_ChannelComponent(16); }, true);
+}
+void BM_Color_EqualizeIstogram_Saturation(benchmark::State& state) {
+    RunOnSurface(
+        state, [](clsGFX_2D& g) { g.Color_EqualizeIstogram(8); }, true);
+}
 
 // The image is made afresh at 4096 x 4096 before every run (untimed).
 void BM_Image_Resample(benchmark::State& state) {
@@ -258,6 +278,9 @@ void BM_CV_rotate(benchmark::State& state) {
 void BM_CV_cvtColor_HLS(benchmark::State& state) {
     RunOnMat(state, [](const cv::Mat& s, cv::Mat& d) { cv::cvtColor(s, d, cv::COLOR_BGR2HLS); });
 }
+void BM_CV_cvtColor_HLS2BGR(benchmark::State& state) {
+    RunOnMat(state, [](const cv::Mat& s, cv::Mat& d) { cv::cvtColor(s, d, cv::COLOR_HLS2BGR); });
+}
 #endif
 
 void Sizes(benchmark::internal::Benchmark* b) {
@@ -284,6 +307,11 @@ BENCHMARK(BM_Image_FlipX)->Apply(Large);
 BENCHMARK(BM_Image_FlipY)->Apply(Large);
 BENCHMARK(BM_Image_Rotate)->Apply(Large);
 BENCHMARK(BM_Color_ConvertRGBToHSL)->Apply(Large);
+BENCHMARK(BM_Color_ConvertHSLToRGB)->Apply(Large);
+BENCHMARK(BM_Color_Colourise)->Apply(Large);
+BENCHMARK(BM_Color_ChannelComponent_Hue)->Apply(Large);
+BENCHMARK(BM_Color_ChannelComponent_Luminance)->Apply(Large);
+BENCHMARK(BM_Color_EqualizeIstogram_Saturation)->Apply(Large);
 #ifdef KELVARIN_BENCH_OPENCV
 BENCHMARK(BM_CV_filter2D)->Apply(KernelTypes);
 BENCHMARK(BM_CV_medianBlur3)->Unit(benchmark::kMillisecond)->UseRealTime();
@@ -297,6 +325,7 @@ BENCHMARK(BM_CV_flip_x)->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(BM_CV_flip_y)->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(BM_CV_rotate)->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(BM_CV_cvtColor_HLS)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(BM_CV_cvtColor_HLS2BGR)->Unit(benchmark::kMillisecond)->UseRealTime();
 #endif
 
 }  // namespace
