@@ -115,6 +115,43 @@ inline std::uint8_t WeightedGrey(unsigned s) {
     return static_cast<std::uint8_t>(q);
 }
 
+// The fade's division as the vector kernel does it (see FadeRowSimd), or
+// shift -1 where none gives every entry of the tables.
+struct FadeDivision {
+    int multiplier = 0, shift = -1;
+};
+
+FadeDivision FadeDivisionOf(const std::uint8_t (&table)[3][256], const int (&part)[3],
+                            double divisor) {
+    for (const int p : part) {
+        if (p < 0 || p + 255 > 0xFFFF) return {};
+    }
+    // A divisor 2^k (weight 1, as the button fades, or 0, 3, 7...) divides
+    // exactly by a shift.
+    for (int k = 0; k < 8; ++k) {
+        if (divisor == static_cast<double>(1 << k)) return {0, k};
+    }
+    // Any other by a 16-bit multiplier near 2^(16 + shift) / divisor, taken
+    // only if it gives every entry of the three tables.
+    const auto gives = [&](unsigned multiplier, int shift) {
+        for (int c = 0; c < 3; ++c) {
+            for (unsigned v = 0; v < 256; ++v) {
+                const unsigned n = v + static_cast<unsigned>(part[c]);
+                if ((n * multiplier) >> (16 + shift) != table[c][v]) return false;
+            }
+        }
+        return true;
+    };
+    for (int shift = 0; shift < 16; ++shift) {
+        const double estimate = std::floor(std::ldexp(1.0, 16 + shift) / divisor);
+        for (double m = estimate; m <= estimate + 1; ++m) {
+            if (m >= 1 && m <= 0xFFFF && gives(static_cast<unsigned>(m), shift))
+                return {static_cast<int>(m), shift};
+        }
+    }
+    return {};
+}
+
 }  // namespace
 
 // ---- 1. Fill, invert, grey, replace, fade ------------------------------------
@@ -276,18 +313,15 @@ bool clsGFX_2D::Color_FadeTo(Long lngMaskColor, Long lngFadeTo, double dblFadeWe
         for (int c = 0; c < 3; ++c) {
             for (int v = 0; v < 256; ++v) fast[c][v] = static_cast<std::uint8_t>(table[c][v]);
         }
-        // A divisor 2^k (weight 1, as the button fades, or 0, 3, 7...) divides
-        // exactly by a shift, which the vector kernel does on whole blocks.
-        int shift = -1;
-        for (int k = 0; k < 8; ++k) {
-            if (divisor == static_cast<double>(1 << k)) shift = k;
-        }
         const std::uint8_t maskBytes[3] = {m0, m1, m2};
         const int parts[3] = {static_cast<int>(part[0]), static_cast<int>(part[1]),
                               static_cast<int>(part[2])};
+        const FadeDivision division = FadeDivisionOf(fast, parts, divisor);
         for (Long y = 0; y < rows.height; ++y) {
-            const Long done =
-                shift >= 0 ? FadeRowSimd(rows.Row(y), rows.width, maskBytes, parts, shift) : 0;
+            const Long done = division.shift >= 0
+                                  ? FadeRowSimd(rows.Row(y), rows.width, maskBytes, parts,
+                                                division.multiplier, division.shift)
+                                  : 0;
             std::uint8_t* p = rows.Row(y) + 3 * static_cast<std::ptrdiff_t>(done);
             std::uint8_t* const end = rows.Row(y) + 3 * static_cast<std::ptrdiff_t>(rows.width);
             for (; p != end; p += 3) {

@@ -163,8 +163,8 @@ Long GrayRowSimd(std::uint8_t* row, Long width, std::uint8_t maskBlue, std::uint
 }
 
 Long FadeRowSimd(std::uint8_t* row, Long width, const std::uint8_t mask[3], const int part[3],
-                 int shift) noexcept {
-    return Widest(v256::Fade, v128::Fade, row, width, mask, part, shift);
+                 int multiplier, int shift) noexcept {
+    return Widest(v256::Fade, v128::Fade, row, width, mask, part, multiplier, shift);
 }
 
 Long ReplaceRowSimd(std::uint8_t* row, Long width, const std::uint8_t from[3],
@@ -184,7 +184,9 @@ Long HslRowSimd(std::uint8_t* row, Long width, HslRow op, std::uint8_t hue,
 Long GrayRowSimd(std::uint8_t*, Long, std::uint8_t, std::uint8_t, std::uint8_t, bool) noexcept {
     return 0;
 }
-Long FadeRowSimd(std::uint8_t*, Long, const std::uint8_t*, const int*, int) noexcept { return 0; }
+Long FadeRowSimd(std::uint8_t*, Long, const std::uint8_t*, const int*, int, int) noexcept {
+    return 0;
+}
 Long ReplaceRowSimd(std::uint8_t*, Long, const std::uint8_t*, const std::uint8_t*) noexcept {
     return 0;
 }

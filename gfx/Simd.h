@@ -34,12 +34,13 @@ void LimitVectorBits(int bits) noexcept;
 Long GrayRowSimd(std::uint8_t* row, Long width, std::uint8_t maskBlue, std::uint8_t maskGreen,
                  std::uint8_t maskRed, bool weighted) noexcept;
 
-// Color_FadeTo over one row when the divisor is 2^shift (weights 0, 1, 3,
-// 7, ...): every pixel whose bytes are not (mask0, mask1, mask2) gets byte
-// (v + part) >> shift, with part[0] for blue, [1] green, [2] red, each below
-// 256 * (2^shift - 1). Returns how many pixels it did, as GrayRowSimd.
+// Color_FadeTo over one row: every pixel whose bytes are not (mask0,
+// mask1, mask2) gets byte (v + part) * multiplier >> (16 + shift), or with
+// multiplier 0 (v + part) >> shift, with part[0] for blue, [1] green, [2]
+// red; v + part must fit 16 bits and the result 8. Returns how many pixels
+// it did, as GrayRowSimd.
 Long FadeRowSimd(std::uint8_t* row, Long width, const std::uint8_t mask[3], const int part[3],
-                 int shift) noexcept;
+                 int multiplier, int shift) noexcept;
 
 // Color_Replace on a 24-bit row: pixels whose bytes are from[0..2] (blue,
 // green, red) become to[0..2]. Returns how many pixels it did, as GrayRowSimd.

@@ -147,7 +147,7 @@ TEST(ColorHalftone, HandCheckedImages) {
     EXPECT_EQ(After(3, 3, grey, [](clsGFX_2D& g) { g.Color_Halftone_Dithering(true); }), dithered);
 }
 
-// The vector kernels (grey, fade by 2^n, replace) against the scalar loops,
+// The vector kernels (grey, fade, replace) against the scalar loops,
 // on random images below, at and across their blocks of 16 pixels, with
 // magenta scattered in to be masked.
 TEST(ColorKernels, MatchTheScalarLoopsOnRandomImages) {
@@ -172,7 +172,7 @@ TEST(ColorKernels, MatchTheScalarLoopsOnRandomImages) {
             }
             // The fade's mask is in memory order: the swapped colour matches.
             const Long swapped = (c & 0x00FF00) | (c >> 16 & 255) | (c & 255) << 16;
-            for (double weight : {0.0, 1.0, 3.0, 7.0, 127.0}) {
+            for (double weight : {0.0, 1.0, 3.0, 7.0, 127.0, 0.6, 2.0, 4.5, 9.3, 99.99, 300.0}) {
                 for (Long mask : {kMagenta, swapped, Long{-1}}) {
                     test::ExpectKernelsAgree("FadeTo", gfx, [&](clsGFX_2D& g) {
                         g.Color_FadeTo(mask, 0x00FF8001, weight);
