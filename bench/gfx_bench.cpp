@@ -22,6 +22,7 @@
 namespace {
 
 using kelvarin::clsGFX_2D;
+using kelvarin::Long;
 using kelvarin::gfx_detail::kBuiltInKernels;
 
 void RandomContent(clsGFX_2D& gfx) {
@@ -48,9 +49,9 @@ void Report(benchmark::State& state, const clsGFX_2D& gfx) {
 // Runs op on a random surface of the benchmark's size; with restore, the
 // surface gets its first content back before every run (untimed).
 template <typename Op>
-void RunOnSurface(benchmark::State& state, Op op, bool restore = false) {
+void RunOnSurface(benchmark::State& state, Op op, bool restore = false, Long bits = 24) {
     clsGFX_2D gfx;
-    if (!gfx.Create(static_cast<int>(state.range(0)), static_cast<int>(state.range(1)), 24)) {
+    if (!gfx.Create(static_cast<int>(state.range(0)), static_cast<int>(state.range(1)), bits)) {
         state.SkipWithError("Create failed");
         return;
     }
@@ -129,6 +130,12 @@ void Large(benchmark::internal::Benchmark* b) {
     b->Args({4096, 4096})->Unit(benchmark::kMillisecond)->UseRealTime();
 }
 
+// The large image at each depth.
+void Depths(benchmark::internal::Benchmark* b) {
+    for (int bits : {8, 16, 24, 32}) b->Args({4096, 4096, bits});
+    b->Unit(benchmark::kMillisecond)->UseRealTime();
+}
+
 void BM_Filter_StandardFilter(benchmark::State& state) {
     const auto type = static_cast<int>(state.range(0));
     state.SetLabel("type " + std::to_string(type));
@@ -161,7 +168,8 @@ void BM_Image_FlipY(benchmark::State& state) {
     RunOnSurface(state, [](clsGFX_2D& g) { g.Image_FlipY(); });
 }
 void BM_Image_Rotate(benchmark::State& state) {
-    RunOnSurface(state, [](clsGFX_2D& g) { g.Image_Rotate(); });
+    RunOnSurface(
+        state, [](clsGFX_2D& g) { g.Image_Rotate(); }, false, state.range(2));
 }
 void BM_Color_ConvertRGBToHSL(benchmark::State& state) {
     RunOnSurface(
@@ -305,7 +313,7 @@ BENCHMARK(BM_Filter_Smoothing_LinePreserve)->Apply(Large);
 BENCHMARK(BM_Image_Resample)->Arg(2048)->Arg(8192)->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(BM_Image_FlipX)->Apply(Large);
 BENCHMARK(BM_Image_FlipY)->Apply(Large);
-BENCHMARK(BM_Image_Rotate)->Apply(Large);
+BENCHMARK(BM_Image_Rotate)->Apply(Depths);
 BENCHMARK(BM_Color_ConvertRGBToHSL)->Apply(Large);
 BENCHMARK(BM_Color_ConvertHSLToRGB)->Apply(Large);
 BENCHMARK(BM_Color_Colourise)->Apply(Large);
