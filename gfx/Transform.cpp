@@ -21,10 +21,6 @@
 #include "gfx/Simd.h"
 #include "gfx/Targets.h"
 
-#if defined(__linux__)
-#include <sys/mman.h>
-#endif
-
 namespace kelvarin {
 
 using namespace gfx_detail;
@@ -457,21 +453,6 @@ void ResampleFast(const Rows& from, const Rows& to, Single sx, Single sy) {
     (void)avx2;
 }
 
-// A large new surface is written once from end to end, and its memory
-// arrives a page at a time as it is first written; where the system offers
-// large pages on request, the whole pages inside it ask for them, which
-// takes most of that cost away. Nothing depends on the answer.
-void AskForLargePages(std::uint8_t* bytes, std::size_t size) {
-#if defined(__linux__) && defined(MADV_HUGEPAGE)
-    constexpr std::uintptr_t kLarge = std::uintptr_t{2} << 20;
-    const auto from = (reinterpret_cast<std::uintptr_t>(bytes) + kLarge - 1) & ~(kLarge - 1);
-    const auto to = (reinterpret_cast<std::uintptr_t>(bytes) + size) & ~(kLarge - 1);
-    if (to > from) madvise(reinterpret_cast<void*>(from), to - from, MADV_HUGEPAGE);
-#else
-    (void)bytes, (void)size;
-#endif
-}
-
 // ---- 3. Quarter turn -------------------------------------------------------
 
 // New pixel (x = r, y = c) is old pixel (x = c, y = n - 1 - r).
@@ -779,8 +760,6 @@ bool clsGFX_2D::Image_Resample(Long lNewWidth, Long lNewHeight) {
     clsGFX_2D target;
     // Every pixel byte is written below; only the padding needs clearing.
     if (!target.Allocate(lNewWidth, lNewHeight, 24, false)) return false;
-    AskForLargePages(target.bits_.get(), static_cast<std::size_t>(target.Get_BytesPerScanLine()) *
-                                             static_cast<std::size_t>(lNewHeight));
     const auto sx = static_cast<Single>(
         Divide(static_cast<double>(width_) - 1, static_cast<double>(lNewWidth) - 1));
     const auto sy = static_cast<Single>(

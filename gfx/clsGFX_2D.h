@@ -30,6 +30,7 @@
 #include "common/Picture.h"
 #include "gfx/DeviceContext.h"
 #include "gfx/PixelArray.h"
+#include "gfx/PixelMemory.h"
 
 namespace kelvarin {
 
@@ -355,7 +356,7 @@ private:
     Long bytesPerPixel_ = 0;
     std::vector<RgbQuad> colorTable_;  // 8 bits only
 
-    std::unique_ptr<std::uint8_t[]> bits_;
+    gfx_detail::PixelBuffer bits_;
     std::uintptr_t handle_ = 0;
 
     bool sessionOpen_ = false;
