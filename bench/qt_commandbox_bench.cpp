@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The pointer passing over a picture button: 2 000 hovers in and out, each
 // state change followed by a synchronous repaint, on a 120 x 32
 // CommandBoxWidget with a 32 x 32 picture (HighLighted: grey until the
@@ -25,8 +26,8 @@
 #include <QPainter>
 #include <QPushButton>
 
+#include <kelvarin/CommandBoxWidget.h>
 #include "controls/commandbox/CommandBox.h"
-#include "qt/CommandBoxWidget.h"
 #include "qt/QtPlatform.h"
 
 namespace {

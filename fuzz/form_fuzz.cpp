@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Fuzz target for the form file reader: any input gives a form or a
 // FormError, never a crash, a hang or a leak.
 #include <cstddef>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Runs the fuzz target over files, for builds without libFuzzer.
 #include <cstdint>
 #include <fstream>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Sections: words and keys; running lines; controls and forms; keys and the
 // pointer; records and pixels; the command table.
 #include "apps/host/ScriptHost.h"
@@ -89,8 +90,9 @@ void ScriptHost::RunModal(host::Popup& popup, host::Point screen) {
 
 void ScriptHost::Execute(std::string_view line) {
     if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
+    line = WithoutComment(line);
     std::size_t first = line.find_first_not_of(" \t");
-    if (first == std::string_view::npos || line[first] == '#') return;
+    if (first == std::string_view::npos) return;
     try {
         const std::vector<std::string> words = SplitWords(line);
         Dispatch(words, line.substr(first));

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the month calendar popup shares with the DateBox that opens it, once
 // per thread: the exchange label, the allowed range, the look, and the hook
 // that closes the popup when it loses activation.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // frmMese: the month calendar a DateBox drops down. One month as seven
 // columns (Monday first) by six week rows under a header with month and
 // year spinners and the weekday names, and a last line with today's date.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // CommandBox: a push button that paints its own face: a word-wrapped
 // caption with an access key, a picture in one of five placements with a
 // full-colour, a grey and a disabled look, two edge styles, a default-button

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Sections: construction; editor context; value; properties; life-cycle;
 // focus and mouse; keyboard; dispatch; diagnostics. Layout, painting and
 // the calendar are in DateBoxLayout.cpp, DateBoxPaint.cpp and
@@ -466,7 +467,11 @@ std::string DateBox::ShownText() const {
 std::vector<std::string> DateBox::Dump() const {
     std::vector<std::string> lines;
     for (const FormatToken& t : editor_.Tokens()) {
-        const std::string index = "(" + std::to_string(t.controlIndex) + ") ";
+        // Appended piece by piece: GCC 12 at -O3 warns (-Wrestrict) about
+        // "literal" + std::string&&, whose insert at the front it misreads.
+        std::string index = "(";
+        index += std::to_string(t.controlIndex);
+        index += ") ";
         if (t.isLiteral) {
             lines.push_back("lblSeparator" + index + Quoted(lblSeparator_(t.controlIndex).caption));
             continue;

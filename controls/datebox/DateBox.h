@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // DateBox: a one-line date entry field made of one small box per date or
 // time field of its pattern (DateFormat), literal separators between them,
 // and a button that opens a month calendar. The value may be empty when the
@@ -21,6 +22,8 @@
 #include <string>
 #include <vector>
 
+#include <kelvarin/Export.h>
+
 #include "common/DateTime.h"
 #include "common/OleColor.h"
 #include "controls/datebox/Constituents.h"
@@ -29,7 +32,7 @@
 
 namespace kelvarin::controls {
 
-class DateBox : public host::Control, private DateEditorContext {
+class KELVARIN_CORE_API DateBox : public host::Control, private DateEditorContext {
 public:
     // ---- Members ------------------------------------------------------------
     // The rows of the member table, in type-library order (DateBoxMembers.cpp).

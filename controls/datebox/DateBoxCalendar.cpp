@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The DateBox's side of the month calendar: filling the per-thread state the
 // popup reads, placing the popup under the control, and taking over the
 // date it writes back through the exchange label (lblValueChanged).

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Sections: pattern and parts; values; cursor; keys (the key table's rows,
 // stepping, today).
 #include "controls/datebox/DateEditor.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // DateEditor: the DateBox's editing engine. It keeps the six part values
 // and the pattern's tokens, writes the field boxes' texts and cursors, and
 // works the keys on the field that has the cursor: typing over a

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "controls/calendar/frmMese.h"
 
 #include <gtest/gtest.h>

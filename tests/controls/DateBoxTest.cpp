@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Sections: value and limits; boxes and layout; mouse; painting;
 // persistence.
 #include "controls/datebox/DateBox.h"

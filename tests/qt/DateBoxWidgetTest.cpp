@@ -1,8 +1,9 @@
+// SPDX-License-Identifier: MIT
 // The date field as a real widget: its Qt properties are dispatch's, keys
 // typed through Qt edit and step it, Tab leaves it, and F4 or Alt+Down drop
 // the calendar down below it as a modal popup window that the keys drive
 // and a loss of activation closes.
-#include "qt/DateBoxWidget.h"
+#include <kelvarin/DateBoxWidget.h>
 
 #include <gtest/gtest.h>
 
