@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The first Image_Resample to 8192 x 8192 in a fresh process, once: its new
 // surface's memory comes from the system, not from memory this process
 // freed before. Run the program many times and compare the worst time with

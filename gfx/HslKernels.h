@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Private to gfx/Simd.cpp: the hue, saturation and luminance row kernels,
 // written once over the register width. Simd.cpp includes this file once
 // with KELVARIN_SIMD_BITS 256 and once with 512, after SimdKernels.h (whose

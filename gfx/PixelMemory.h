@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Private to gfx/: the memory behind surfaces' pixels. A released buffer is
 // kept by its thread (a few, up to kPixelCacheBytes in all) and given to the
 // next surface of about its size, so that a surface made again and again

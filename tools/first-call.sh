@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: MIT
 # The first 8192 x 8192 Image_Resample (and OpenCV's resize, where the
 # benchmark has it) over N fresh processes: median and worst of the
 # processor time (user and system, which includes the system's work on the
