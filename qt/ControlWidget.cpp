@@ -2,6 +2,7 @@
 #include <kelvarin/ControlWidget.h>
 
 #include <cstring>
+#include <utility>
 
 #include <QApplication>
 #include <QCursor>
@@ -505,9 +506,9 @@ std::unique_ptr<host::Timer> ControlWidget::Site::CreateTimer(host::TimerCallbac
     return std::make_unique<QtTimer>([this, cb = std::move(onTick)] { w_.guard("Timer", cb); });
 }
 
-// The topmost widget under the pointer is this one: another widget lying
-// on top of the control counts as outside.
-bool ControlWidget::Site::IsPointerOver() { return QApplication::widgetAt(QCursor::pos()) == &w_; }
+bool ControlWidget::Site::IsPointerOver() { return w_.isPointerOver(); }
+
+bool ControlWidget::isPointerOver() const { return QApplication::widgetAt(QCursor::pos()) == this; }
 
 host::Size ControlWidget::Site::ScreenSize() {
     const QScreen* s = w_.screen() ? w_.screen() : QApplication::primaryScreen();
@@ -671,12 +672,32 @@ void ControlWidget::focusInEvent(QFocusEvent* event) {
     guard("GotFocus", [&] { control_->GotFocus(); });
 }
 
+// Every move inside the window, whatever made it (Tab, the mouse, a
+// shortcut, the application's setFocus), asks the control as Tab does: the
+// field being left is completed, and a control that will not be left takes
+// the focus back at once, before anything else can act on the move.
 void ControlWidget::focusOutEvent(QFocusEvent* event) {
     QWidget::focusOutEvent(event);
     const Qt::FocusReason reason = event->reason();
     if (!control_ || !hasControlFocus_ || reason == Qt::PopupFocusReason ||
         reason == Qt::ActiveWindowFocusReason)
         return;
+    // A control taking the focus back is not asked to give it up again.
+    const bool ask = !std::exchange(leaveGranted_, false) &&
+                     (!reclaiming_ || QApplication::focusWidget() != reclaiming_);
+    bool leave = true;
+    if (ask) guard("QueryLeaveFocus", [&] { leave = control_->QueryLeaveFocus(); });
+    if (!leave) {
+        reclaiming_ = this;
+        QMetaObject::invokeMethod(
+            this,
+            [this] {
+                if (reclaiming_ == this) setFocus(Qt::OtherFocusReason);
+                reclaiming_ = nullptr;
+            },
+            Qt::QueuedConnection);
+        return;
+    }
     hasControlFocus_ = false;
     guard("LostFocus", [&] { control_->LostFocus(); });
 }
@@ -684,9 +705,13 @@ void ControlWidget::focusOutEvent(QFocusEvent* event) {
 bool ControlWidget::focusNextPrevChild(bool next) {
     // The control may keep the focus (an invalid entry it will not leave).
     bool leave = true;
-    if (control_) guard("QueryLeaveFocus", [&] { leave = control_->QueryLeaveFocus(); });
+    if (control_ && hasControlFocus_)
+        guard("QueryLeaveFocus", [&] { leave = control_->QueryLeaveFocus(); });
     if (!leave) return true;
-    return QWidget::focusNextPrevChild(next);
+    leaveGranted_ = hasControlFocus_;
+    const bool moved = QWidget::focusNextPrevChild(next);
+    leaveGranted_ = false;
+    return moved;
 }
 
 }  // namespace kelvarin::qt

@@ -215,6 +215,7 @@ void ScriptHost::SendKey(std::string_view action, int code, int shift) {
     }
     Placed* focused = host_.Focused();
     if (!focused) throw ScriptError{"no control has the focus"};
+    if (!focused->Get().SurfaceState().enabled) return;  // a disabled window gets no input
     if (action == "down") focused->Get().KeyDown(key, mask);
     else if (action == "up") focused->Get().KeyUp(key, mask);
     else focused->Get().KeyPress(key);
@@ -251,12 +252,14 @@ void ScriptHost::SendMouse(std::string_view target, std::string_view action, int
         return;
     }
     Placed& placed = Control(target);
-    if (!placed.Get().SurfaceState().enabled) return;  // a disabled window gets no input
-    if (host_.openPopup) {
-        // A press outside the modal popup reaches the popup, not the control.
-        if (action == "down") host_.openPopup->Deactivated();
-        return;
+    if (host::Popup* popup = host_.openPopup; popup && popup->IsOpen()) {
+        // A press outside the modal popup closes it, as a click outside a
+        // popup window does, and then goes where it was aimed.
+        if (action != "down") return;
+        popup->Deactivated();
+        if (popup->IsOpen()) return;
     }
+    if (!placed.Get().SurfaceState().enabled) return;  // a disabled window gets no input
     if (action == "down") {
         host_.SetFocus(&placed);
         placed.Pointer().Press(e, secondOfDouble);

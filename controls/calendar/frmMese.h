@@ -121,6 +121,7 @@ private:
     Long shownMonth_ = 1;
     Long shownYear_ = 2000;
     std::array<Long, 3> openingDateParts_ = {-1, -1, -1};
+    bool openedWithoutDate_ = false;  // the owner sent its no-date text
     SpinnerHalf pressed_ = SpinnerHalf::None;
     bool capture_ = false;
     bool open_ = true;

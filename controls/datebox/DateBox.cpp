@@ -14,6 +14,7 @@
 #include "common/Variant.h"
 #include "controls/calendar/CalendarHook.h"
 #include "controls/datebox/ChangeFlags.h"
+#include "host/Keys.h"
 
 namespace kelvarin::controls {
 
@@ -114,7 +115,10 @@ void DateBox::StoreForeColor(OLE_COLOR color) {
     for (LabelElement& label : lblSeparator_.All()) label.foreColor = color;
 }
 
+// The surface follows, so that a disabled control is no tab stop and takes
+// neither the focus nor any input.
 void DateBox::StoreEnabled(bool enabled) {
+    SurfaceState().enabled = enabled;
     for (TextBoxElement& box : txtData_.All()) box.enabled = enabled;
     for (LabelElement& label : lblSeparator_.All()) label.enabled = enabled;
     cmdSelezione_.enabled = enabled;
@@ -321,10 +325,13 @@ void DateBox::GotFocus() {
     Redraw();
 }
 
-// The field being left is committed; a refusal keeps the focus here.
+// The field being left is committed, whatever moves the focus; a refusal
+// keeps the focus here and shows it, the field selected whole as when a key
+// would leave it.
 bool DateBox::QueryLeaveFocus() {
     if (ActiveBox() == 0) return true;
     const bool mayLeave = editor_.CommitBox(ActiveBox());
+    if (!mayLeave) editor_.SelectBox(ActiveBox());
     Redraw();
     return mayLeave;
 }
@@ -437,7 +444,7 @@ void DateBox::KeyDown(Integer& keyCode, Integer shift) {
     if (Locked() || !editor_.Ready()) return;
     const Integer received = keyCode;
     if (ActiveBox() != 0 && editor_.Key(received, shift) == DateEditor::KeyOutcome::OpenCalendar)
-        OpenCalendarFromKeys();
+        OpenCalendar(host::kLeftButton, host::kShiftMask, 1, 1);
     Redraw();
     // The container sees the key after its effect, focus moves included.
     RaiseKey(kKeyDown, received, shift);

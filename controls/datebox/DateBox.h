@@ -207,8 +207,6 @@ private:
     // closed: the button's release (in the button's coordinates), F4 and
     // modifier+Down come here. Change follows if the date changed meanwhile.
     void OpenCalendar(Integer button, Integer shift, Single x, Single y);
-    // The calendar keys open it as the button does; the box keeps the focus.
-    void OpenCalendarFromKeys();
     // Where the calendar of the given pixel size opens, in screen pixels.
     host::Point CalendarPosition(host::Size popup);
     // lblValueChanged's change handler: takes over the date in its caption.
@@ -237,6 +235,7 @@ private:
     ExchangeLabel lblValueChanged_;
     DateEditor editor_{txtData_, *this};  // edits txtData_'s texts and cursors
 
+    bool sendingNoDate_ = false;  // the no-date text going out is not taken over
     bool hasFocus_ = false;
     // Set when the focus has just arrived and no input followed yet: a
     // press that brought it goes straight to the box under the pointer.

@@ -24,6 +24,7 @@
 #include <QFont>
 #include <QImage>
 #include <QPixmap>
+#include <QPointer>
 #include <QString>
 #include <QVariant>
 #include <QWidget>
@@ -145,6 +146,10 @@ public:
     void SetMousePointer(int pointer) { letMember(QStringLiteral("MousePointer"), pointer); }
 
 protected:
+    // Whether the pointer is over the control: the topmost widget under the
+    // cursor is this one (another widget lying on top counts as outside).
+    virtual bool isPointerOver() const;
+
     // Emits the subclass's typed signal for an event.
     virtual void emitTypedEvent(int number, const QVariantList& args) {
         (void)number;
@@ -221,6 +226,9 @@ private:
     bool displayAsDefault_ = false;
     bool placed_ = false;           // the placing sequence has run
     bool hasControlFocus_ = false;  // GotFocus told, LostFocus not yet
+    bool leaveGranted_ = false;     // Tab has asked the control already
+    // The control that refused to be left and is taking the focus back.
+    static inline QPointer<ControlWidget> reclaiming_;
     quint64 lastPressTime_ = 0;
     Qt::MouseButton lastPressButton_ = Qt::NoButton;
     QPoint lastPressAt_;
