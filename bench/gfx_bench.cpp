@@ -5,13 +5,20 @@
 // and filters run on the large image; where OpenCV is installed, its
 // counterparts run beside them on one thread (CV_ prefix), on the same
 // bytes, with the same kernels. Resamples count the pixels they produce.
+// After the runs a table gives each operation's speed as a multiple of its
+// peer's in the same run (OpenCV's counterpart, or memcpy of the same
+// bytes), on processor time, from the medians when repeated.
 #include <benchmark/benchmark.h>
 
+#include <cmath>
+#include <cstdio>
 #include <cstring>
+#include <map>
 #include <random>
 #include <string>
 #include <vector>
 
+#include "common/Picture.h"
 #include "gfx/BuiltInKernels.h"
 #include "gfx/clsGFX_2D.h"
 
@@ -23,6 +30,7 @@
 namespace {
 
 using kelvarin::clsGFX_2D;
+using kelvarin::Long;
 using kelvarin::gfx_detail::kBuiltInKernels;
 
 void RandomContent(clsGFX_2D& gfx) {
@@ -49,9 +57,9 @@ void Report(benchmark::State& state, const clsGFX_2D& gfx) {
 // Runs op on a random surface of the benchmark's size; with restore, the
 // surface gets its first content back before every run (untimed).
 template <typename Op>
-void RunOnSurface(benchmark::State& state, Op op, bool restore = false) {
+void RunOnSurface(benchmark::State& state, Op op, bool restore = false, Long bits = 24) {
     clsGFX_2D gfx;
-    if (!gfx.Create(static_cast<int>(state.range(0)), static_cast<int>(state.range(1)), 24)) {
+    if (!gfx.Create(static_cast<int>(state.range(0)), static_cast<int>(state.range(1)), bits)) {
         state.SkipWithError("Create failed");
         return;
     }
@@ -124,10 +132,104 @@ void BM_Draw_Line_Columns(benchmark::State& state) {
     });
 }
 
+// Lines in every direction from the centre, a pixel apart at the rim.
+void BM_Draw_Line_Fan(benchmark::State& state) {
+    RunOnSurface(state, [](clsGFX_2D& g) {
+        const Long w = g.Get_Width(), h = g.Get_Height();
+        g.Draw_StartSession();
+        for (Long x = 0; x < w; x += 4) g.Draw_Line(w / 2, h / 2, x, 0, 0x00336699);
+        for (Long y = 0; y < h; y += 4) g.Draw_Line(w / 2, h / 2, w - 1, y, 0x00996633);
+        g.Draw_EndSession();
+    });
+}
+// Concentric circles, the largest touching the shorter side, clipped ones too.
+void BM_Draw_Circle(benchmark::State& state) {
+    RunOnSurface(state, [](clsGFX_2D& g) {
+        const Long w = g.Get_Width(), h = g.Get_Height();
+        g.Draw_StartSession();
+        for (Long r = 1; r < w / 2; r += 8) g.Draw_Circle_C(w / 2, h / 2, r, 0x00123456);
+        g.Draw_EndSession();
+    });
+}
+void BM_Draw_Bezier(benchmark::State& state) {
+    RunOnSurface(state, [](clsGFX_2D& g) {
+        const double w = static_cast<double>(g.Get_Width()),
+                     h = static_cast<double>(g.Get_Height());
+        g.Draw_StartSession();
+        for (int i = 0; i < 16; ++i) {
+            const double y = h * i / 16;
+            g.Draw_Bezier_C({0, y}, {w / 3, h - y}, {2 * w / 3, y}, {w - 1, h - 1 - y}, 0x00FF8000,
+                            8);
+        }
+        g.Draw_EndSession();
+    });
+}
+void BM_Color_Halftone_Dithering(benchmark::State& state) {
+    RunOnSurface(
+        state, [](clsGFX_2D& g) { g.Color_Halftone_Dithering(true); }, true);
+}
+void BM_Color_GetIstogram(benchmark::State& state) {
+    RunOnSurface(state, [](clsGFX_2D& g) {
+        clsGFX_2D::Histogram a, b, c;
+        Long largest = 0;
+        g.Color_GetIstogram(-1, a, b, c, largest);
+        benchmark::DoNotOptimize(largest);
+    });
+}
+void BM_Color_EqualizeIstogram_Red(benchmark::State& state) {
+    RunOnSurface(
+        state, [](clsGFX_2D& g) { g.Color_EqualizeIstogram(0); }, true);
+}
+// The point operations at each depth.
+void BM_Color_Fill_Depth(benchmark::State& state) {
+    RunOnSurface(
+        state, [](clsGFX_2D& g) { g.Color_Fill(0x00336699); }, false, state.range(2));
+}
+void BM_Color_Replace_Depth(benchmark::State& state) {
+    RunOnSurface(
+        state, [](clsGFX_2D& g) { g.Color_Replace(0x99, 0x42); }, false, state.range(2));
+}
+void BM_Create(benchmark::State& state) {
+    const auto w = static_cast<Long>(state.range(0)), h = static_cast<Long>(state.range(1));
+    clsGFX_2D gfx;
+    for (auto _ : state) {
+        gfx.Create(w, h, 24);
+        benchmark::DoNotOptimize(gfx.Get_ptrDIBSection());
+    }
+    Report(state, gfx);
+}
+// Picture exchange: out to a picture, and a surface made from one.
+void BM_Get_Picture(benchmark::State& state) {
+    RunOnSurface(state, [](clsGFX_2D& g) { benchmark::DoNotOptimize(g.Get_Picture()); });
+}
+void BM_Create_FromPicture(benchmark::State& state) {
+    clsGFX_2D source;
+    source.Create(static_cast<Long>(state.range(0)), static_cast<Long>(state.range(1)), 24);
+    RandomContent(source);
+    const auto picture = source.Get_Picture();
+    clsGFX_2D gfx;
+    for (auto _ : state) {
+        gfx.Create_FromPicture(picture.get());
+        benchmark::DoNotOptimize(gfx.Get_ptrDIBSection());
+    }
+    Report(state, gfx);
+}
+
 // ---- Transforms and filters (4096 x 4096) -------------------------------------
 
 void Large(benchmark::internal::Benchmark* b) {
     b->Args({4096, 4096})->Unit(benchmark::kMillisecond)->UseRealTime();
+}
+
+// The large image at each depth, or at those with pixels to read and
+// write (fill and replace leave 32-bit surfaces alone).
+void Depths(benchmark::internal::Benchmark* b) {
+    for (int bits : {8, 16, 24, 32}) b->Args({4096, 4096, bits});
+    b->Unit(benchmark::kMillisecond)->UseRealTime();
+}
+void PixelDepths(benchmark::internal::Benchmark* b) {
+    for (int bits : {8, 16, 24}) b->Args({4096, 4096, bits});
+    b->Unit(benchmark::kMillisecond)->UseRealTime();
 }
 
 void BM_Filter_StandardFilter(benchmark::State& state) {
@@ -149,6 +251,46 @@ void KernelTypes(benchmark::internal::Benchmark* b) {
     b->Unit(benchmark::kMillisecond)->UseRealTime();
 }
 
+// A custom kernel of size n (3 to 9) whose weights rise from the rim to the
+// centre, scaled by a factor: with factor 1 the sums of sizes 3 and 5 stay
+// within 16 bits, with 200 no size's do.
+std::vector<Long> CustomKernel(int n, int factor) {
+    std::vector<Long> k(static_cast<std::size_t>(n) * static_cast<std::size_t>(n));
+    for (int i = 0; i < n * n; ++i) {
+        const int dx = std::abs(i % n - n / 2), dy = std::abs(i / n - n / 2);
+        k[static_cast<std::size_t>(i)] = factor * (n - dx - dy > 0 ? n - dx - dy : 1);
+    }
+    return k;
+}
+Long KernelWeight(const std::vector<Long>& k) {
+    Long sum = 0;
+    for (Long v : k) sum += v;
+    return sum;
+}
+
+void BM_Filter_Custom(benchmark::State& state) {
+    const auto n = static_cast<int>(state.range(0)), factor = static_cast<int>(state.range(1));
+    const std::vector<Long> k = CustomKernel(n, factor);
+    clsGFX_2D gfx;
+    gfx.Create(4096, 4096, 24);
+    RandomContent(gfx);
+    gfx.Filter_StandardFilterSetCustom(n, k, KernelWeight(k));
+    for (auto _ : state) {
+        gfx.Filter_StandardFilter(-1, 0);
+        benchmark::ClobberMemory();
+    }
+    Report(state, gfx);
+}
+
+void CustomKernels(benchmark::internal::Benchmark* b) {
+    for (int n = 3; n <= 9; n += 2) b->Args({n, 1})->Args({n, 200});
+    b->Unit(benchmark::kMillisecond)->UseRealTime();
+}
+
+void BM_Filter_EdgeDetection(benchmark::State& state) {
+    RunOnSurface(state, [](clsGFX_2D& g) { g.Filter_EdgeDetection(); });
+}
+
 void BM_Filter_Smoothing(benchmark::State& state) {
     RunOnSurface(state, [](clsGFX_2D& g) { g.Filter_Smoothing(false); });
 }
@@ -156,17 +298,40 @@ void BM_Filter_Smoothing_LinePreserve(benchmark::State& state) {
     RunOnSurface(state, [](clsGFX_2D& g) { g.Filter_Smoothing(true); });
 }
 void BM_Image_FlipX(benchmark::State& state) {
-    RunOnSurface(state, [](clsGFX_2D& g) { g.Image_FlipX(); });
+    RunOnSurface(
+        state, [](clsGFX_2D& g) { g.Image_FlipX(); }, false, state.range(2));
 }
 void BM_Image_FlipY(benchmark::State& state) {
-    RunOnSurface(state, [](clsGFX_2D& g) { g.Image_FlipY(); });
+    RunOnSurface(
+        state, [](clsGFX_2D& g) { g.Image_FlipY(); }, false, state.range(2));
 }
 void BM_Image_Rotate(benchmark::State& state) {
-    RunOnSurface(state, [](clsGFX_2D& g) { g.Image_Rotate(); });
+    RunOnSurface(
+        state, [](clsGFX_2D& g) { g.Image_Rotate(); }, false, state.range(2));
 }
 void BM_Color_ConvertRGBToHSL(benchmark::State& state) {
     RunOnSurface(
         state, [](clsGFX_2D& g) { g.Color_ConvertRGBToHSL(); }, true);
+}
+void BM_Color_ConvertHSLToRGB(benchmark::State& state) {
+    RunOnSurface(
+        state, [](clsGFX_2D& g) { g.Color_ConvertHSLToRGB(); }, true);
+}
+void BM_Color_Colourise(benchmark::State& state) {
+    RunOnSurface(
+        state, [](clsGFX_2D& g) { g.Color_Colourise(150, 200); }, true);
+}
+void BM_Color_ChannelComponent_Hue(benchmark::State& state) {
+    RunOnSurface(
+        state, [](clsGFX_2D& g) { g.Color_ChannelComponent(4); }, true);
+}
+void BM_Color_ChannelComponent_Luminance(benchmark::State& state) {
+    RunOnSurface(
+        state, [](clsGFX_2D& g) { g.Color_ChannelComponent(16); }, true);
+}
+void BM_Color_EqualizeIstogram_Saturation(benchmark::State& state) {
+    RunOnSurface(
+        state, [](clsGFX_2D& g) { g.Color_EqualizeIstogram(8); }, true);
 }
 
 // The image is made afresh at 4096 x 4096 before every run (untimed).
@@ -227,6 +392,16 @@ void BM_CV_filter2D(benchmark::State& state) {
     }
     RunOnMat(state, [&](const cv::Mat& s, cv::Mat& d) { cv::filter2D(s, d, -1, kernel); });
 }
+void BM_CV_filter2D_Custom(benchmark::State& state) {
+    const auto n = static_cast<int>(state.range(0)), factor = static_cast<int>(state.range(1));
+    const std::vector<Long> k = CustomKernel(n, factor);
+    const auto weight = static_cast<float>(KernelWeight(k));
+    cv::Mat kernel(n, n, CV_32F);
+    for (int i = 0; i < n * n; ++i)
+        kernel.at<float>(i / n, i % n) =
+            static_cast<float>(k[static_cast<std::size_t>(i)]) / weight;
+    RunOnMat(state, [&](const cv::Mat& s, cv::Mat& d) { cv::filter2D(s, d, -1, kernel); });
+}
 void BM_CV_medianBlur3(benchmark::State& state) {
     RunOnMat(state, [](const cv::Mat& s, cv::Mat& d) { cv::medianBlur(s, d, 3); });
 }
@@ -259,6 +434,9 @@ void BM_CV_rotate(benchmark::State& state) {
 void BM_CV_cvtColor_HLS(benchmark::State& state) {
     RunOnMat(state, [](const cv::Mat& s, cv::Mat& d) { cv::cvtColor(s, d, cv::COLOR_BGR2HLS); });
 }
+void BM_CV_cvtColor_HLS2BGR(benchmark::State& state) {
+    RunOnMat(state, [](const cv::Mat& s, cv::Mat& d) { cv::cvtColor(s, d, cv::COLOR_HLS2BGR); });
+}
 #endif
 
 void Sizes(benchmark::internal::Benchmark* b) {
@@ -276,17 +454,36 @@ BENCHMARK(BM_Color_FadeTo)->Apply(Sizes);
 BENCHMARK(BM_Color_FadeTo_Weight0_6)->Apply(Sizes);
 BENCHMARK(BM_Color_Halftone_ErrorDiffusion)->Apply(Sizes);
 BENCHMARK(BM_Draw_Line_Columns)->Apply(Sizes);
+BENCHMARK(BM_Draw_Line_Fan)->Apply(Sizes);
+BENCHMARK(BM_Draw_Circle)->Apply(Sizes);
+BENCHMARK(BM_Draw_Bezier)->Apply(Sizes);
+BENCHMARK(BM_Color_Halftone_Dithering)->Apply(Sizes);
+BENCHMARK(BM_Color_GetIstogram)->Apply(Sizes);
+BENCHMARK(BM_Color_EqualizeIstogram_Red)->Apply(Sizes);
+BENCHMARK(BM_Create)->Apply(Sizes);
+BENCHMARK(BM_Get_Picture)->Apply(Sizes);
+BENCHMARK(BM_Create_FromPicture)->Apply(Sizes);
+BENCHMARK(BM_Color_Fill_Depth)->Apply(PixelDepths);
+BENCHMARK(BM_Color_Replace_Depth)->Apply(PixelDepths);
 
 BENCHMARK(BM_Filter_StandardFilter)->Apply(KernelTypes);
+BENCHMARK(BM_Filter_Custom)->Apply(CustomKernels);
+BENCHMARK(BM_Filter_EdgeDetection)->Apply(Large);
 BENCHMARK(BM_Filter_Smoothing)->Apply(Large);
 BENCHMARK(BM_Filter_Smoothing_LinePreserve)->Apply(Large);
 BENCHMARK(BM_Image_Resample)->Arg(2048)->Arg(8192)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK(BM_Image_FlipX)->Apply(Large);
-BENCHMARK(BM_Image_FlipY)->Apply(Large);
-BENCHMARK(BM_Image_Rotate)->Apply(Large);
+BENCHMARK(BM_Image_FlipX)->Apply(Depths);
+BENCHMARK(BM_Image_FlipY)->Apply(Depths);
+BENCHMARK(BM_Image_Rotate)->Apply(Depths);
 BENCHMARK(BM_Color_ConvertRGBToHSL)->Apply(Large);
+BENCHMARK(BM_Color_ConvertHSLToRGB)->Apply(Large);
+BENCHMARK(BM_Color_Colourise)->Apply(Large);
+BENCHMARK(BM_Color_ChannelComponent_Hue)->Apply(Large);
+BENCHMARK(BM_Color_ChannelComponent_Luminance)->Apply(Large);
+BENCHMARK(BM_Color_EqualizeIstogram_Saturation)->Apply(Large);
 #ifdef KELVARIN_BENCH_OPENCV
 BENCHMARK(BM_CV_filter2D)->Apply(KernelTypes);
+BENCHMARK(BM_CV_filter2D_Custom)->Apply(CustomKernels);
 BENCHMARK(BM_CV_medianBlur3)->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(BM_CV_resize_linear)->Arg(2048)->Arg(8192)->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(BM_CV_resize_linear_new)
@@ -298,7 +495,73 @@ BENCHMARK(BM_CV_flip_x)->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(BM_CV_flip_y)->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(BM_CV_rotate)->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(BM_CV_cvtColor_HLS)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(BM_CV_cvtColor_HLS2BGR)->Unit(benchmark::kMillisecond)->UseRealTime();
 #endif
+
+// The table after the runs: each operation beside its peer, the peer's time
+// over ours (above 1, ours is faster). Processor time, as the machine may be
+// shared; the median of the repetitions where there are some.
+class RatioReporter : public benchmark::ConsoleReporter {
+public:
+    void ReportRuns(const std::vector<Run>& runs) override {
+        benchmark::ConsoleReporter::ReportRuns(runs);
+        for (const Run& run : runs) {
+            if (run.error_occurred) continue;
+            const bool aggregate = run.run_type == Run::RT_Aggregate;
+            if (aggregate ? run.aggregate_name != "median" : run.repetitions > 1) continue;
+            const std::string name = run.run_name.function_name +
+                                     (run.run_name.args.empty() ? "" : "/" + run.run_name.args);
+            if (seconds_.count(name) == 0) order_.push_back(name);
+            seconds_[name] =
+                run.GetAdjustedCPUTime() / benchmark::GetTimeUnitMultiplier(run.time_unit);
+        }
+    }
+
+    void Finalize() override {
+        std::printf("\n%-56s %15s  %-36s %15s %8s\n", "operation", "ours", "peer", "peer's",
+                    "speed");
+        for (const std::string& name : order_) {
+            if (name.rfind("BM_CV_", 0) == 0 || name.rfind("BM_Memcpy", 0) == 0) continue;
+            const std::string peer = PeerOf(name);
+            const auto found = seconds_.find(peer);
+            if (found == seconds_.end()) continue;
+            std::printf("%-56s %12.2f us  %-36s %12.2f us %7.2fx\n", name.c_str(),
+                        seconds_[name] * 1e6, peer.c_str(), found->second * 1e6,
+                        found->second / seconds_[name]);
+        }
+        benchmark::ConsoleReporter::Finalize();
+    }
+
+private:
+    // OpenCV's counterpart where there is one, else memcpy of as many bytes
+    // (the benchmark's first two arguments are its size).
+    static std::string PeerOf(const std::string& name) {
+        const auto slash = name.find('/');
+        const std::string function = name.substr(0, slash);
+        const std::string args = slash == std::string::npos ? "" : name.substr(slash + 1);
+        static const std::map<std::string, std::string> kOpenCv = {
+            {"BM_Filter_StandardFilter", "BM_CV_filter2D/"},
+            {"BM_Filter_Custom", "BM_CV_filter2D_Custom/"},
+            {"BM_Image_Resample", "BM_CV_resize_linear_new/"},
+            {"BM_Image_FlipX", "BM_CV_flip_x"},
+            {"BM_Image_FlipY", "BM_CV_flip_y"},
+            {"BM_Image_Rotate", "BM_CV_rotate"},
+            {"BM_Color_ConvertRGBToHSL", "BM_CV_cvtColor_HLS"},
+            {"BM_Color_ConvertHSLToRGB", "BM_CV_cvtColor_HLS2BGR"},
+        };
+        const auto cv = kOpenCv.find(function);
+        if (cv != kOpenCv.end()) {
+            const std::string& peer = cv->second;
+            if (peer.back() == '/') return peer + args;  // the same arguments
+            return peer;
+        }
+        const auto size = args.substr(0, args.find('/', args.find('/') + 1));
+        return "BM_Memcpy/" + (args.empty() ? std::string("4096/4096") : size);
+    }
+
+    std::map<std::string, double> seconds_;
+    std::vector<std::string> order_;
+};
 
 }  // namespace
 
@@ -308,7 +571,8 @@ int main(int argc, char** argv) {
 #endif
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
-    benchmark::RunSpecifiedBenchmarks();
+    RatioReporter reporter;
+    benchmark::RunSpecifiedBenchmarks(&reporter);
     benchmark::Shutdown();
     return 0;
 }

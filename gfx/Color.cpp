@@ -95,6 +95,12 @@ void ForEachPixel(Rows rows, Visit visit) {
     }
 }
 
+// The vector kernel of op as a row kernel of ForEachPixel24.
+auto HslKernel(HslRow op, std::uint8_t hue = 0, std::uint8_t saturation = 0) {
+    return
+        [=](std::uint8_t* row, Long width) { return HslRowSimd(row, width, op, hue, saturation); };
+}
+
 // GFX2D_conv_cRGB_cHLS of the pixel at p.
 Hls ScaledHlsOf(const std::uint8_t* p) {
     Hls c;
@@ -108,6 +114,43 @@ inline std::uint8_t WeightedGrey(unsigned s) {
     const unsigned rem = s - q * 1000;
     if (rem > 500 || (rem == 500 && (q & 1) != 0)) ++q;
     return static_cast<std::uint8_t>(q);
+}
+
+// The fade's division as the vector kernel does it (see FadeRowSimd), or
+// shift -1 where none gives every entry of the tables.
+struct FadeDivision {
+    int multiplier = 0, shift = -1;
+};
+
+FadeDivision FadeDivisionOf(const std::uint8_t (&table)[3][256], const int (&part)[3],
+                            double divisor) {
+    for (const int p : part) {
+        if (p < 0 || p + 255 > 0xFFFF) return {};
+    }
+    // A divisor 2^k (weight 1, as the button fades, or 0, 3, 7...) divides
+    // exactly by a shift.
+    for (int k = 0; k < 8; ++k) {
+        if (divisor == static_cast<double>(1 << k)) return {0, k};
+    }
+    // Any other by a 16-bit multiplier near 2^(16 + shift) / divisor, taken
+    // only if it gives every entry of the three tables.
+    const auto gives = [&](unsigned multiplier, int shift) {
+        for (int c = 0; c < 3; ++c) {
+            for (unsigned v = 0; v < 256; ++v) {
+                const unsigned n = v + static_cast<unsigned>(part[c]);
+                if ((n * multiplier) >> (16 + shift) != table[c][v]) return false;
+            }
+        }
+        return true;
+    };
+    for (int shift = 0; shift < 16; ++shift) {
+        const double estimate = std::floor(std::ldexp(1.0, 16 + shift) / divisor);
+        for (double m = estimate; m <= estimate + 1; ++m) {
+            if (m >= 1 && m <= 0xFFFF && gives(static_cast<unsigned>(m), shift))
+                return {static_cast<int>(m), shift};
+        }
+    }
+    return {};
 }
 
 }  // namespace
@@ -271,18 +314,15 @@ bool clsGFX_2D::Color_FadeTo(Long lngMaskColor, Long lngFadeTo, double dblFadeWe
         for (int c = 0; c < 3; ++c) {
             for (int v = 0; v < 256; ++v) fast[c][v] = static_cast<std::uint8_t>(table[c][v]);
         }
-        // A divisor 2^k (weight 1, as the button fades, or 0, 3, 7...) divides
-        // exactly by a shift, which the vector kernel does on whole blocks.
-        int shift = -1;
-        for (int k = 0; k < 8; ++k) {
-            if (divisor == static_cast<double>(1 << k)) shift = k;
-        }
         const std::uint8_t maskBytes[3] = {m0, m1, m2};
         const int parts[3] = {static_cast<int>(part[0]), static_cast<int>(part[1]),
                               static_cast<int>(part[2])};
+        const FadeDivision division = FadeDivisionOf(fast, parts, divisor);
         for (Long y = 0; y < rows.height; ++y) {
-            const Long done =
-                shift >= 0 ? FadeRowSimd(rows.Row(y), rows.width, maskBytes, parts, shift) : 0;
+            const Long done = division.shift >= 0
+                                  ? FadeRowSimd(rows.Row(y), rows.width, maskBytes, parts,
+                                                division.multiplier, division.shift)
+                                  : 0;
             std::uint8_t* p = rows.Row(y) + 3 * static_cast<std::ptrdiff_t>(done);
             std::uint8_t* const end = rows.Row(y) + 3 * static_cast<std::ptrdiff_t>(rows.width);
             for (; p != end; p += 3) {
@@ -414,18 +454,27 @@ void clsGFX_2D::GFX2D_conv_cHLS_cRGB(Single hue, Single saturation, Single lumin
     blue = FractionToByte(Hexcone(m1, m2, h - 2));
 }
 
-template <typename Visit>
-bool clsGFX_2D::ForEachPixel24(const char* message, Visit visit) {
+template <typename Visit, typename RowKernel>
+bool clsGFX_2D::ForEachPixel24(const char* message, Visit visit, RowKernel rowKernel) {
     if (!Require24(message)) return false;
     SessionScope session(*this);
-    ForEachPixel(SessionRows(), visit);
+    const ImageRows rows = SessionRows();
+    for (Long y = 0; y < rows.height; ++y) {
+        std::uint8_t* p = rows.Row(y);
+        const Long done = rowKernel(p, rows.width);
+        p += 3 * static_cast<std::ptrdiff_t>(done);
+        for (Long x = done; x < rows.width; ++x, p += 3) visit(p);
+    }
     return true;
 }
 
 bool clsGFX_2D::Color_Colourise(std::uint8_t bytHue, std::uint8_t bytSaturation) {
-    return ForEachPixel24("Color_Colourise is only for 24bit depth images", [&](std::uint8_t* p) {
-        GFX2D_conv_cHLS_cRGB(bytHue, bytSaturation, ScaledHlsOf(p).luminance, p[2], p[1], p[0]);
-    });
+    return ForEachPixel24(
+        "Color_Colourise is only for 24bit depth images",
+        [&](std::uint8_t* p) {
+            GFX2D_conv_cHLS_cRGB(bytHue, bytSaturation, ScaledHlsOf(p).luminance, p[2], p[1], p[0]);
+        },
+        HslKernel(HslRow::Colourise, bytHue, bytSaturation));
 }
 
 bool clsGFX_2D::Color_ChannelComponent(Long lngChannel) {
@@ -434,16 +483,25 @@ bool clsGFX_2D::Color_ChannelComponent(Long lngChannel) {
         lngChannel != 8 && lngChannel != 16) {
         return Require24(message);  // any other code changes nothing
     }
-    return ForEachPixel24(message, [&](std::uint8_t* p) {
-        std::uint8_t v;
-        if (lngChannel <= 2) {
-            v = p[2 - lngChannel];  // red is byte 2, blue byte 0
-        } else {
+    if (lngChannel <= 2) {
+        return ForEachPixel24(
+            message,
+            [&](std::uint8_t* p) {
+                p[0] = p[1] = p[2] = p[2 - lngChannel];  // red is byte 2, blue byte 0
+            },
+            [](std::uint8_t*, Long) { return Long{0}; });
+    }
+    return ForEachPixel24(
+        message,
+        [&](std::uint8_t* p) {
             const Hls c = ScaledHlsOf(p);
-            v = ScaleToByte(lngChannel == 4 ? c.hue : lngChannel == 8 ? c.saturation : c.luminance);
-        }
-        p[0] = p[1] = p[2] = v;
-    });
+            p[0] = p[1] = p[2] = ScaleToByte(lngChannel == 4   ? c.hue
+                                             : lngChannel == 8 ? c.saturation
+                                                               : c.luminance);
+        },
+        HslKernel(lngChannel == 4   ? HslRow::Hue
+                  : lngChannel == 8 ? HslRow::Saturation
+                                    : HslRow::Luminance));
 }
 
 bool clsGFX_2D::Color_ConvertRGBToHSL() {
@@ -453,7 +511,8 @@ bool clsGFX_2D::Color_ConvertRGBToHSL() {
         p[1] = ScaleToByte(c.saturation);
         p[0] = ScaleToByte(c.luminance);
     };
-    return ForEachPixel24("Color_ConvertRGBToHSL is only for 24bit depth images", convert);
+    return ForEachPixel24("Color_ConvertRGBToHSL is only for 24bit depth images", convert,
+                          HslKernel(HslRow::ToHsl));
 }
 
 bool clsGFX_2D::Color_ConvertHSLToRGB() {
@@ -461,7 +520,8 @@ bool clsGFX_2D::Color_ConvertHSLToRGB() {
         const std::uint8_t hue = p[2], saturation = p[1], luminance = p[0];
         GFX2D_conv_cHLS_cRGB(hue, saturation, luminance, p[2], p[1], p[0]);
     };
-    return ForEachPixel24("Color_ConvertHSLToRGB is only for 24bit depth images", convert);
+    return ForEachPixel24("Color_ConvertHSLToRGB is only for 24bit depth images", convert,
+                          HslKernel(HslRow::ToRgb));
 }
 
 // ---- 4. Histograms ---------------------------------------------------------

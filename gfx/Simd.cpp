@@ -20,6 +20,15 @@ bool HasAvx2() noexcept {
 #endif
 }
 
+bool HasAvx512() noexcept {
+#if defined(__x86_64__) || defined(__i386__)
+    __builtin_cpu_init();
+    return __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw");
+#else
+    return false;
+#endif
+}
+
 bool HasAvx512Vbmi() noexcept {
 #if defined(__x86_64__) || defined(__i386__)
     __builtin_cpu_init();
@@ -33,7 +42,8 @@ bool HasAvx512Vbmi() noexcept {
 // Settings of the user-interface thread.
 bool g_enabled = SimdAvailable();
 bool g_avx2 = g_enabled && HasAvx2();
-bool g_avx512vbmi = g_avx2 && HasAvx512Vbmi();
+bool g_avx512 = g_avx2 && HasAvx512();
+bool g_avx512vbmi = g_avx512 && HasAvx512Vbmi();
 
 #if KELVARIN_X86
 
@@ -82,7 +92,16 @@ alignas(16) constexpr MixTables kScatter = MakeMix([](int k, int l) {
 #include "gfx/SimdKernels.h"
 #undef KELVARIN_SIMD_BITS
 #define KELVARIN_SIMD_BITS 256
+#include "gfx/HslKernels.h"
 #include "gfx/SimdKernels.h"
+#undef KELVARIN_SIMD_BITS
+#define KELVARIN_SIMD_BITS 512
+// GCC 12's AVX-512 conversion intrinsics start from a register they leave
+// undefined on purpose, which -Wmaybe-uninitialized reports once inlined.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
+#include "gfx/HslKernels.h"
+#pragma GCC diagnostic pop
 #undef KELVARIN_SIMD_BITS
 #endif
 
@@ -118,19 +137,22 @@ void EnableSimd(bool on) noexcept {
     g_enabled = on && SimdAvailable();
 #if KELVARIN_X86
     g_avx2 = g_enabled && HasAvx2();
-    g_avx512vbmi = g_avx2 && HasAvx512Vbmi();
+    g_avx512 = g_avx2 && HasAvx512();
+    g_avx512vbmi = g_avx512 && HasAvx512Vbmi();
 #endif
 }
 void LimitVectorBits(int bits) noexcept {
 #if KELVARIN_X86
     g_avx2 = g_enabled && HasAvx2() && bits >= 256;
-    g_avx512vbmi = g_avx2 && HasAvx512Vbmi() && bits >= 512;
+    g_avx512 = g_avx2 && HasAvx512() && bits >= 512;
+    g_avx512vbmi = g_avx512 && HasAvx512Vbmi();
 #else
     (void)bits;
 #endif
 }
 bool SimdEnabled() noexcept { return g_enabled; }
 bool Avx2Enabled() noexcept { return g_avx2; }
+bool Avx512Enabled() noexcept { return g_avx512; }
 bool Avx512VbmiEnabled() noexcept { return g_avx512vbmi; }
 
 #if KELVARIN_X86
@@ -142,8 +164,8 @@ Long GrayRowSimd(std::uint8_t* row, Long width, std::uint8_t maskBlue, std::uint
 }
 
 Long FadeRowSimd(std::uint8_t* row, Long width, const std::uint8_t mask[3], const int part[3],
-                 int shift) noexcept {
-    return Widest(v256::Fade, v128::Fade, row, width, mask, part, shift);
+                 int multiplier, int shift) noexcept {
+    return Widest(v256::Fade, v128::Fade, row, width, mask, part, multiplier, shift);
 }
 
 Long ReplaceRowSimd(std::uint8_t* row, Long width, const std::uint8_t from[3],
@@ -151,15 +173,25 @@ Long ReplaceRowSimd(std::uint8_t* row, Long width, const std::uint8_t from[3],
     return Widest(v256::Replace, v128::Replace, row, width, from, to);
 }
 
+Long HslRowSimd(std::uint8_t* row, Long width, HslRow op, std::uint8_t hue,
+                std::uint8_t saturation) noexcept {
+    if (g_avx512) return hsl512::Hsl(row, width, op, hue, saturation);
+    if (g_avx2) return hsl256::Hsl(row, width, op, hue, saturation);
+    return 0;
+}
+
 #else
 
 Long GrayRowSimd(std::uint8_t*, Long, std::uint8_t, std::uint8_t, std::uint8_t, bool) noexcept {
     return 0;
 }
-Long FadeRowSimd(std::uint8_t*, Long, const std::uint8_t*, const int*, int) noexcept { return 0; }
+Long FadeRowSimd(std::uint8_t*, Long, const std::uint8_t*, const int*, int, int) noexcept {
+    return 0;
+}
 Long ReplaceRowSimd(std::uint8_t*, Long, const std::uint8_t*, const std::uint8_t*) noexcept {
     return 0;
 }
+Long HslRowSimd(std::uint8_t*, Long, HslRow, std::uint8_t, std::uint8_t) noexcept { return 0; }
 
 #endif
 

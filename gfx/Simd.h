@@ -17,6 +17,9 @@ void EnableSimd(bool on) noexcept;
 bool SimdEnabled() noexcept;
 // Whether the 256-bit kernels may run: enabled and the processor has AVX2.
 bool Avx2Enabled() noexcept;
+// Whether the 512-bit kernels may run: enabled and the processor has
+// AVX-512 F and BW.
+bool Avx512Enabled() noexcept;
 // Whether the 512-bit byte-permute kernels may run: enabled and the
 // processor has AVX-512 F, BW and VBMI.
 bool Avx512VbmiEnabled() noexcept;
@@ -32,16 +35,32 @@ void LimitVectorBits(int bits) noexcept;
 Long GrayRowSimd(std::uint8_t* row, Long width, std::uint8_t maskBlue, std::uint8_t maskGreen,
                  std::uint8_t maskRed, bool weighted) noexcept;
 
-// Color_FadeTo over one row when the divisor is 2^shift (weights 0, 1, 3,
-// 7, ...): every pixel whose bytes are not (mask0, mask1, mask2) gets byte
-// (v + part) >> shift, with part[0] for blue, [1] green, [2] red, each below
-// 256 * (2^shift - 1). Returns how many pixels it did, as GrayRowSimd.
+// Color_FadeTo over one row: every pixel whose bytes are not (mask0,
+// mask1, mask2) gets byte (v + part) * multiplier >> (16 + shift), or with
+// multiplier 0 (v + part) >> shift, with part[0] for blue, [1] green, [2]
+// red; v + part must fit 16 bits and the result 8. Returns how many pixels
+// it did, as GrayRowSimd.
 Long FadeRowSimd(std::uint8_t* row, Long width, const std::uint8_t mask[3], const int part[3],
-                 int shift) noexcept;
+                 int multiplier, int shift) noexcept;
 
 // Color_Replace on a 24-bit row: pixels whose bytes are from[0..2] (blue,
 // green, red) become to[0..2]. Returns how many pixels it did, as GrayRowSimd.
 Long ReplaceRowSimd(std::uint8_t* row, Long width, const std::uint8_t from[3],
                     const std::uint8_t to[3]) noexcept;
+
+// The hue, saturation and luminance operations on 24-bit rows.
+enum class HslRow {
+    ToHsl,      // Color_ConvertRGBToHSL
+    ToRgb,      // Color_ConvertHSLToRGB
+    Colourise,  // Color_Colourise with the given hue and saturation
+    Hue,        // Color_ChannelComponent 4, 8 and 16
+    Saturation,
+    Luminance,
+};
+// One of them over one row, with 256-bit or 512-bit vectors (the plain
+// loops are the reference; there is no 128-bit kernel). Returns how many
+// pixels it did (a multiple of 16), as GrayRowSimd.
+Long HslRowSimd(std::uint8_t* row, Long width, HslRow op, std::uint8_t hue,
+                std::uint8_t saturation) noexcept;
 
 }  // namespace kelvarin::gfx_detail

@@ -167,10 +167,20 @@ KELVARIN_TARGET Long Gray(std::uint8_t* row, Long width, const std::uint8_t* mas
     return weighted ? GrayBlocks<true>(row, width, mask) : GrayBlocks<false>(row, width, mask);
 }
 
-KELVARIN_TARGET Long Fade(std::uint8_t* row, Long width, const std::uint8_t* mask, const int* part,
-                          int shift) {
+// (v + part) * multiplier / 2^(16 + shift) on 16-bit lanes, or without a
+// multiplier (v + part) / 2^shift.
+template <bool kMultiply>
+KELVARIN_TARGET inline Reg FadeWords(Reg v, Reg part, Reg multiplier, __m128i count) {
+    const Reg n = VEC(add_epi16)(v, part);
+    return VEC(srl_epi16)(kMultiply ? VEC(mulhi_epu16)(n, multiplier) : n, count);
+}
+
+template <bool kMultiply>
+KELVARIN_TARGET Long FadeBlocks(std::uint8_t* row, Long width, const std::uint8_t* mask,
+                                const int* part, int multiplier, int shift) {
     const Reg zero = VEC_SI(setzero)();
     const __m128i count = _mm_cvtsi32_si128(shift);
+    const Reg times = VEC(set1_epi16)(static_cast<short>(multiplier));
     Reg maskBytes[3], parts[3];
     Splat(mask, maskBytes);
     for (int c = 0; c < 3; ++c) parts[c] = VEC(set1_epi16)(static_cast<short>(part[c]));
@@ -183,14 +193,20 @@ KELVARIN_TARGET Long Fade(std::uint8_t* row, Long width, const std::uint8_t* mas
 #pragma GCC unroll 3
         for (int c = 0; c < 3; ++c) {
             const Reg lo =
-                VEC(srl_epi16)(VEC(add_epi16)(VEC(unpacklo_epi8)(ch[c], zero), parts[c]), count);
+                FadeWords<kMultiply>(VEC(unpacklo_epi8)(ch[c], zero), parts[c], times, count);
             const Reg hi =
-                VEC(srl_epi16)(VEC(add_epi16)(VEC(unpackhi_epi8)(ch[c], zero), parts[c]), count);
+                FadeWords<kMultiply>(VEC(unpackhi_epi8)(ch[c], zero), parts[c], times, count);
             out[c] = Select(keep, ch[c], VEC(packus_epi16)(lo, hi));
         }
         StoreChannels(row, out);
     }
     return x;
+}
+
+KELVARIN_TARGET Long Fade(std::uint8_t* row, Long width, const std::uint8_t* mask, const int* part,
+                          int multiplier, int shift) {
+    return multiplier != 0 ? FadeBlocks<true>(row, width, mask, part, multiplier, shift)
+                           : FadeBlocks<false>(row, width, mask, part, 0, shift);
 }
 
 KELVARIN_TARGET Long Replace(std::uint8_t* row, Long width, const std::uint8_t* from,

@@ -14,6 +14,7 @@
 
 #include "common/HostError.h"
 #include "gfx/PictureDC.h"
+#include "gfx/PixelMemory.h"
 
 namespace kelvarin {
 
@@ -72,8 +73,7 @@ bool clsGFX_2D::Allocate(Long lWidth, Long lHeight, Long BitPerPixels, bool zero
     if (stride > kMaxSurfaceBytes / lHeight) return false;
     const std::int64_t bytes = stride * lHeight;
     const auto size = static_cast<std::size_t>(bytes);
-    bits_.reset(zeroFill ? new (std::nothrow) std::uint8_t[size]()
-                         : new (std::nothrow) std::uint8_t[size]);
+    bits_ = gfx_detail::AcquirePixels(size, zeroFill);
     if (!bits_) return false;
     handle_ = NextHandle();
     viewport_ = ViewportRect{0, 0, lWidth - 1, lHeight - 1};

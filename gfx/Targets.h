@@ -10,5 +10,6 @@
 #define KELVARIN_X86 1
 #define KELVARIN_SSSE3 __attribute__((target("ssse3")))
 #define KELVARIN_AVX2 __attribute__((target("avx2")))
+#define KELVARIN_AVX512BW __attribute__((target("avx2,avx512f,avx512bw")))
 #define KELVARIN_AVX512 __attribute__((target("avx2,avx512f,avx512bw,avx512vbmi")))
 #endif

@@ -22,10 +22,6 @@
 #include "gfx/Simd.h"
 #include "gfx/Targets.h"
 
-#if defined(__linux__)
-#include <sys/mman.h>
-#endif
-
 namespace kelvarin {
 
 using namespace gfx_detail;
@@ -458,21 +454,6 @@ void ResampleFast(const Rows& from, const Rows& to, Single sx, Single sy) {
     (void)avx2;
 }
 
-// A large new surface is written once from end to end, and its memory
-// arrives a page at a time as it is first written; where the system offers
-// large pages on request, the whole pages inside it ask for them, which
-// takes most of that cost away. Nothing depends on the answer.
-void AskForLargePages(std::uint8_t* bytes, std::size_t size) {
-#if defined(__linux__) && defined(MADV_HUGEPAGE)
-    constexpr std::uintptr_t kLarge = std::uintptr_t{2} << 20;
-    const auto from = (reinterpret_cast<std::uintptr_t>(bytes) + kLarge - 1) & ~(kLarge - 1);
-    const auto to = (reinterpret_cast<std::uintptr_t>(bytes) + size) & ~(kLarge - 1);
-    if (to > from) madvise(reinterpret_cast<void*>(from), to - from, MADV_HUGEPAGE);
-#else
-    (void)bytes, (void)size;
-#endif
-}
-
 // ---- 3. Quarter turn -------------------------------------------------------
 
 // New pixel (x = r, y = c) is old pixel (x = c, y = n - 1 - r).
@@ -515,7 +496,7 @@ void RotateTiled(const Rows& rows) {
     }
 }
 
-// A 24-bit square turns in place, a tile at a time. The turn moves every
+// A square turns in place, a tile at a time. The turn moves every
 // pixel around a cycle of four, one in each quadrant: quadrant 0 (x below
 // (n + 1) / 2, y below n / 2) takes its pixels from quadrant 1, that one from
 // quadrant 2, that from 3, and 3 from 0; the centre of an odd side stays. So
@@ -523,13 +504,14 @@ void RotateTiled(const Rows& rows) {
 // the next, which is still untouched, and the last from the saved copy. No
 // copy of the whole image is made, and the pixels of one tile's four places
 // stay in the cache.
-struct Plane24 {
+template <int kBytes>
+struct Plane {
     std::uint8_t* base;  // pixel (x0, y0)
     std::ptrdiff_t stride;
     Long x0, y0;
     std::uint8_t* At(Long x, Long y) const {
         return base + static_cast<std::ptrdiff_t>(y - y0) * stride +
-               3 * static_cast<std::ptrdiff_t>(x - x0);
+               kBytes * static_cast<std::ptrdiff_t>(x - x0);
     }
 };
 
@@ -574,46 +556,123 @@ KELVARIN_AVX2 inline void Transpose8x8Px24(const std::uint8_t* src, std::ptrdiff
         _mm_storel_epi64(reinterpret_cast<__m128i*>(q + 16), _mm256_extracti128_si256(packed, 1));
     }
 }
-#endif
 
-#if KELVARIN_X86
+// The same for pixels of 32 bits, a pixel a lane.
+KELVARIN_AVX2 inline void Transpose8x8Px32(const std::uint8_t* src, std::ptrdiff_t srcStride,
+                                           std::uint8_t* dst, std::ptrdiff_t dstStride) {
+    __m256i t[8], u[8];
+    for (int i = 0; i < 8; i += 2) {
+        const __m256i a = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(src + i * srcStride));
+        const __m256i b =
+            _mm256_loadu_si256(reinterpret_cast<const __m256i*>(src + (i + 1) * srcStride));
+        t[i] = _mm256_unpacklo_epi32(a, b);
+        t[i + 1] = _mm256_unpackhi_epi32(a, b);
+    }
+    for (int j = 0; j < 8; j += 4) {
+        u[j] = _mm256_unpacklo_epi64(t[j], t[j + 2]);
+        u[j + 1] = _mm256_unpackhi_epi64(t[j], t[j + 2]);
+        u[j + 2] = _mm256_unpacklo_epi64(t[j + 1], t[j + 3]);
+        u[j + 3] = _mm256_unpackhi_epi64(t[j + 1], t[j + 3]);
+    }
+    for (int i = 0; i < 8; ++i) {
+        const __m256i column = i < 4 ? _mm256_permute2x128_si256(u[i], u[i + 4], 0x20)
+                                     : _mm256_permute2x128_si256(u[i - 4], u[i], 0x31);
+        _mm256_storeu_si256(reinterpret_cast<__m256i*>(dst + i * dstStride), column);
+    }
+}
+
+// The same for pixels of 16 bits, in 128-bit registers.
+inline void Transpose8x8Px16(const std::uint8_t* src, std::ptrdiff_t srcStride, std::uint8_t* dst,
+                             std::ptrdiff_t dstStride) {
+    __m128i r[8], t[8], u[8];
+    for (int i = 0; i < 8; ++i)
+        r[i] = _mm_loadu_si128(reinterpret_cast<const __m128i*>(src + i * srcStride));
+    for (int i = 0; i < 8; i += 2) {
+        t[i] = _mm_unpacklo_epi16(r[i], r[i + 1]);      // columns 0-3 of rows i, i + 1
+        t[i + 1] = _mm_unpackhi_epi16(r[i], r[i + 1]);  // columns 4-7
+    }
+    for (int half = 0; half < 2; ++half) {  // rows 0-3, then 4-7
+        const __m128i* v = t + 4 * half;
+        u[4 * half] = _mm_unpacklo_epi32(v[0], v[2]);      // columns 0, 1
+        u[4 * half + 1] = _mm_unpackhi_epi32(v[0], v[2]);  // 2, 3
+        u[4 * half + 2] = _mm_unpacklo_epi32(v[1], v[3]);  // 4, 5
+        u[4 * half + 3] = _mm_unpackhi_epi32(v[1], v[3]);  // 6, 7
+    }
+    for (int k = 0; k < 4; ++k) {
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(dst + 2 * k * dstStride),
+                         _mm_unpacklo_epi64(u[k], u[k + 4]));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(dst + (2 * k + 1) * dstStride),
+                         _mm_unpackhi_epi64(u[k], u[k + 4]));
+    }
+}
+
+// The same for pixels of 8 bits: eight bytes of each row.
+inline void Transpose8x8Px8(const std::uint8_t* src, std::ptrdiff_t srcStride, std::uint8_t* dst,
+                            std::ptrdiff_t dstStride) {
+    __m128i pairs[4], quads[4];
+    for (int i = 0; i < 4; ++i) {
+        const __m128i a =
+            _mm_loadl_epi64(reinterpret_cast<const __m128i*>(src + 2 * i * srcStride));
+        const __m128i b =
+            _mm_loadl_epi64(reinterpret_cast<const __m128i*>(src + (2 * i + 1) * srcStride));
+        pairs[i] = _mm_unpacklo_epi8(a, b);  // rows 2i, 2i + 1 by column
+    }
+    quads[0] = _mm_unpacklo_epi16(pairs[0], pairs[1]);  // rows 0-3, columns 0-3
+    quads[1] = _mm_unpackhi_epi16(pairs[0], pairs[1]);  // rows 0-3, columns 4-7
+    quads[2] = _mm_unpacklo_epi16(pairs[2], pairs[3]);  // rows 4-7, columns 0-3
+    quads[3] = _mm_unpackhi_epi16(pairs[2], pairs[3]);
+    const __m128i columns[4] = {
+        _mm_unpacklo_epi32(quads[0], quads[2]), _mm_unpackhi_epi32(quads[0], quads[2]),
+        _mm_unpacklo_epi32(quads[1], quads[3]), _mm_unpackhi_epi32(quads[1], quads[3])};
+    for (int k = 0; k < 4; ++k) {  // columns 2k and 2k + 1
+        _mm_storel_epi64(reinterpret_cast<__m128i*>(dst + 2 * k * dstStride), columns[k]);
+        _mm_storel_epi64(reinterpret_cast<__m128i*>(dst + (2 * k + 1) * dstStride),
+                         _mm_unpackhi_epi64(columns[k], columns[k]));
+    }
+}
+
 // The destination rectangle x in [xa, xb), y in [ya, yb) takes its pixels
 // from src as the turn says: new (x = r, y = c) is old (x = c, y = n - 1 - r).
-void TurnInto(const Plane24& dst, const Plane24& src, Long xa, Long xb, Long ya, Long yb, Long n) {
+// Blocks of 8 x 8 go through transpose, the rest a pixel at a time.
+template <int kBytes, typename Transpose>
+void TurnInto(const Plane<kBytes>& dst, const Plane<kBytes>& src, Long xa, Long xb, Long ya,
+              Long yb, Long n, Transpose transpose) {
     Long c = ya;
     for (; c + 8 <= yb; c += 8) {
         Long r = xa;
         for (; r + 8 <= xb; r += 8)
-            Transpose8x8Px24(src.At(c, n - 1 - r), -src.stride, dst.At(r, c), dst.stride);
+            transpose(src.At(c, n - 1 - r), -src.stride, dst.At(r, c), dst.stride);
         for (Long cc = c; cc < c + 8; ++cc) {
-            for (Long rr = r; rr < xb; ++rr) std::memcpy(dst.At(rr, cc), src.At(cc, n - 1 - rr), 3);
+            for (Long rr = r; rr < xb; ++rr)
+                std::memcpy(dst.At(rr, cc), src.At(cc, n - 1 - rr), kBytes);
         }
     }
     for (; c < yb; ++c) {
-        for (Long r = xa; r < xb; ++r) std::memcpy(dst.At(r, c), src.At(c, n - 1 - r), 3);
+        for (Long r = xa; r < xb; ++r) std::memcpy(dst.At(r, c), src.At(c, n - 1 - r), kBytes);
     }
 }
 
-template <typename Rows>
-void RotateInPlace24(const Rows& rows) {
+template <int kBytes, typename Rows, typename Transpose>
+void RotateInPlace(const Rows& rows, Transpose transpose) {
     const Long n = rows.width;
     const Long qx = (n + 1) / 2, qy = n / 2;  // quadrant 0
     constexpr Long kTile = 64;
-    const Plane24 image{rows.Row(0), rows.stride, 0, 0};
-    Bytes saved(static_cast<std::size_t>(kTile * kTile * 3));
+    const Plane<kBytes> image{rows.Row(0), rows.stride, 0, 0};
+    Bytes saved(static_cast<std::size_t>(kTile * kTile * kBytes));
     for (Long y0 = 0; y0 < qy; y0 += kTile) {
         const Long y1 = std::min(y0 + kTile, qy);
         for (Long x0 = 0; x0 < qx; x0 += kTile) {
             const Long x1 = std::min(x0 + kTile, qx);
-            const Plane24 copy{saved.data(), kTile * 3, x0, y0};
+            const Plane<kBytes> copy{saved.data(), kTile * kBytes, x0, y0};
             for (Long y = y0; y < y1; ++y) {
                 std::memcpy(copy.At(x0, y), image.At(x0, y),
-                            static_cast<std::size_t>(3 * (x1 - x0)));
+                            static_cast<std::size_t>(kBytes * (x1 - x0)));
             }
-            TurnInto(image, image, x0, x1, y0, y1, n);                  // from quadrant 1
-            TurnInto(image, image, y0, y1, n - x1, n - x0, n);          // from quadrant 2
-            TurnInto(image, image, n - x1, n - x0, n - y1, n - y0, n);  // from quadrant 3
-            TurnInto(image, copy, n - y1, n - y0, x0, x1, n);           // from the saved tile
+            TurnInto(image, image, x0, x1, y0, y1, n, transpose);          // from quadrant 1
+            TurnInto(image, image, y0, y1, n - x1, n - x0, n, transpose);  // from quadrant 2
+            TurnInto(image, image, n - x1, n - x0, n - y1, n - y0, n,
+                     transpose);                                          // from quadrant 3
+            TurnInto(image, copy, n - y1, n - y0, x0, x1, n, transpose);  // from the saved tile
         }
     }
 }
@@ -702,8 +761,6 @@ bool clsGFX_2D::Image_Resample(Long lNewWidth, Long lNewHeight) {
     clsGFX_2D target;
     // Every pixel byte is written below; only the padding needs clearing.
     if (!target.Allocate(lNewWidth, lNewHeight, 24, false)) return false;
-    AskForLargePages(target.bits_.get(), static_cast<std::size_t>(target.Get_BytesPerScanLine()) *
-                                             static_cast<std::size_t>(lNewHeight));
     const auto sx = static_cast<Single>(
         Divide(static_cast<double>(width_) - 1, static_cast<double>(lNewWidth) - 1));
     const auto sy = static_cast<Single>(
@@ -749,18 +806,24 @@ bool clsGFX_2D::Image_Rotate() {
         RotatePlain(rows, bpp);
         return true;
     }
+#if KELVARIN_X86
+    const bool avx2 = Avx2Enabled();
+    switch (bpp) {
+        case 1: RotateInPlace<1>(rows, Transpose8x8Px8); return true;
+        case 2: RotateInPlace<2>(rows, Transpose8x8Px16); return true;
+        case 3:
+            if (avx2) RotateInPlace<3>(rows, Transpose8x8Px24);
+            break;
+        default:
+            if (avx2) RotateInPlace<4>(rows, Transpose8x8Px32);
+            break;
+    }
+    if (avx2) return true;
+#endif
     switch (bpp) {
         case 1: RotateTiled<1>(rows); break;
         case 2: RotateTiled<2>(rows); break;
-        case 3:
-#if KELVARIN_X86
-            if (Avx2Enabled()) {
-                RotateInPlace24(rows);
-                break;
-            }
-#endif
-            RotateTiled<3>(rows);
-            break;
+        case 3: RotateTiled<3>(rows); break;
         default: RotateTiled<4>(rows); break;
     }
     return true;

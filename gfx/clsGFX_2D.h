@@ -31,6 +31,7 @@
 #include "common/Picture.h"
 #include "gfx/DeviceContext.h"
 #include "gfx/PixelArray.h"
+#include "gfx/PixelMemory.h"
 
 namespace kelvarin {
 
@@ -327,9 +328,11 @@ private:
     // The halftones: 24 bits only, and grey by luminance first unless in colour.
     bool Halftone(bool color, void (*method)(ImageRows));
     // The colour operations that change each pixel by itself (Color.cpp):
-    // false with message below 24 bits, else visit(p) for every pixel's bytes.
-    template <typename Visit>
-    bool ForEachPixel24(const char* message, Visit visit);
+    // false with message below 24 bits, else visit(p) for every pixel's
+    // bytes after rowKernel(row, width) did as many as it returns from the
+    // row's start (a vector kernel giving the same bytes, or none).
+    template <typename Visit, typename RowKernel>
+    bool ForEachPixel24(const char* message, Visit visit, RowKernel rowKernel);
     void PutPixelChecked(Long X, Long Y, Long c);
     float NextRandom();
     template <int kBytes>
@@ -354,7 +357,7 @@ private:
     Long bytesPerPixel_ = 0;
     std::vector<RgbQuad> colorTable_;  // 8 bits only
 
-    std::unique_ptr<std::uint8_t[]> bits_;
+    gfx_detail::PixelBuffer bits_;
     std::uintptr_t handle_ = 0;
 
     bool sessionOpen_ = false;

@@ -2,6 +2,8 @@
 #include "controls/progressbox/ProgressBox.h"
 
 #include <cmath>
+#include <cstdint>
+#include <limits>
 
 #include "common/HostError.h"
 #include "common/Numeric.h"
@@ -268,7 +270,12 @@ Long Combine(double r, double g, double b) {
                       CheckedMul(65536, ToLong(b)));
 }
 
-Long RoundedSquare(Long x) { return ToLong(std::pow(static_cast<double>(x), 2.0)); }
+// x squared as the runtime's power gives it: exact, and an overflow past Long.
+Long RoundedSquare(Long x) {
+    const std::int64_t square = std::int64_t{x} * x;
+    if (square > std::numeric_limits<Long>::max()) RaiseHostError(HostErrorCode::Overflow);
+    return static_cast<Long>(square);
+}
 
 }  // namespace
 

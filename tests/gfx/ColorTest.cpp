@@ -11,6 +11,7 @@
 #include <string>
 
 #include "common/OleColor.h"
+#include "gfx/Simd.h"
 #include "gfx/clsGFX_2D.h"
 #include "tests/gfx/TestImages.h"
 
@@ -147,7 +148,7 @@ TEST(ColorHalftone, HandCheckedImages) {
     EXPECT_EQ(After(3, 3, grey, [](clsGFX_2D& g) { g.Color_Halftone_Dithering(true); }), dithered);
 }
 
-// The vector kernels (grey, fade by 2^n, replace) against the scalar loops,
+// The vector kernels (grey, fade, replace) against the scalar loops,
 // on random images below, at and across their blocks of 16 pixels, with
 // magenta scattered in to be masked.
 TEST(ColorKernels, MatchTheScalarLoopsOnRandomImages) {
@@ -172,7 +173,7 @@ TEST(ColorKernels, MatchTheScalarLoopsOnRandomImages) {
             }
             // The fade's mask is in memory order: the swapped colour matches.
             const Long swapped = (c & 0x00FF00) | (c >> 16 & 255) | (c & 255) << 16;
-            for (double weight : {0.0, 1.0, 3.0, 7.0, 127.0}) {
+            for (double weight : {0.0, 1.0, 3.0, 7.0, 127.0, 0.6, 2.0, 4.5, 9.3, 99.99, 300.0}) {
                 for (Long mask : {kMagenta, swapped, Long{-1}}) {
                     test::ExpectKernelsAgree("FadeTo", gfx, [&](clsGFX_2D& g) {
                         g.Color_FadeTo(mask, 0x00FF8001, weight);
@@ -180,6 +181,67 @@ TEST(ColorKernels, MatchTheScalarLoopsOnRandomImages) {
                 }
             }
         }
+    }
+}
+
+// The hue, saturation and luminance operations: the vector kernels against
+// the plain loops on random images whose widths leave tails of every length.
+TEST(ColorKernels, HslOperationsMatchTheScalarLoopsOnRandomImages) {
+    std::uint32_t seed = 40;
+    for (Long w : {1, 15, 16, 17, 47, 64, 1000}) {
+        clsGFX_2D gfx;
+        ASSERT_TRUE(gfx.Create(w, w < 1000 ? 3 : 40));
+        test::RandomFill(gfx, ++seed);
+        test::ExpectKernelsAgree("RGB to HSL", gfx,
+                                 [](clsGFX_2D& g) { g.Color_ConvertRGBToHSL(); });
+        test::ExpectKernelsAgree("HSL to RGB", gfx,
+                                 [](clsGFX_2D& g) { g.Color_ConvertHSLToRGB(); });
+        for (Long channel : {4, 8, 16}) {
+            test::ExpectKernelsAgree("ChannelComponent", gfx,
+                                     [&](clsGFX_2D& g) { g.Color_ChannelComponent(channel); });
+            test::ExpectKernelsAgree("EqualizeIstogram", gfx,
+                                     [&](clsGFX_2D& g) { g.Color_EqualizeIstogram(channel); });
+        }
+        for (int hue : {0, 1, 42, 127, 128, 170, 254, 255}) {
+            for (int saturation : {0, 1, 128, 255}) {
+                test::ExpectKernelsAgree("Colourise", gfx, [&](clsGFX_2D& g) {
+                    g.Color_Colourise(static_cast<std::uint8_t>(hue),
+                                      static_cast<std::uint8_t>(saturation));
+                });
+            }
+        }
+    }
+}
+
+// Both conversions of every colour: the cube once through the plain loop,
+// then through each width of vectors that has a kernel of its own (128 bits
+// has none and takes the plain loop, so it is not run again). A byte that
+// differs is reported with its colour.
+TEST(ColorKernels, HslConversionsOfEveryColourMatchTheScalarLoop) {
+    const struct {
+        const char* name;
+        bool (clsGFX_2D::*convert)();
+    } conversions[] = {{"RGB to HSL", &clsGFX_2D::Color_ConvertRGBToHSL},
+                       {"HSL to RGB", &clsGFX_2D::Color_ConvertHSLToRGB}};
+    clsGFX_2D cube;
+    test::MakeWholeCube(cube);
+    for (const auto& c : conversions) {
+        gfx_detail::EnableSimd(false);
+        auto scalar = test::Clone(cube);
+        ASSERT_TRUE(((*scalar).*c.convert)());
+        const std::uint8_t* expected = scalar->Get_ptrDIBSection();
+        gfx_detail::EnableSimd(true);
+        for (int bits : {256, 512}) {
+            gfx_detail::LimitVectorBits(bits);
+            auto vector = test::Clone(cube);
+            ASSERT_TRUE(((*vector).*c.convert)());
+            const std::uint8_t* got = vector->Get_ptrDIBSection();
+            const std::size_t size = std::size_t{3} << 24;
+            const auto diff = std::mismatch(got, got + size, expected).first - got;
+            ASSERT_EQ(diff, static_cast<std::ptrdiff_t>(size))
+                << c.name << ", " << bits << "-bit: colour " << diff / 3 << " byte " << diff % 3;
+        }
+        gfx_detail::EnableSimd(true);
     }
 }
 

@@ -2,7 +2,13 @@
 // The surface: layout, creation, the pixel array, sessions, pictures in and out.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cmath>
+#include <memory>
+#include <vector>
+
 #include "common/Picture.h"
+#include "gfx/PixelMemory.h"
 #include "gfx/clsGFX_2D.h"
 #include "tests/gfx/TestImages.h"
 
@@ -163,6 +169,62 @@ TEST(Surface, PicturesThatAreNotBitmapsOrIconsGiveNoSurface) {
     EXPECT_EQ(gfx.Get_hDC(), nullptr);
     EXPECT_FALSE(gfx.Create_FromPicture(Picture::MakeOfType(PictureType::None).get()));
     EXPECT_FALSE(gfx.Create_FromPicture(nullptr));
+}
+
+// A surface's memory, once released, goes to the next surface of about its
+// size on the same thread, which still starts all 0; the kept memory stays
+// within its bounds, in bytes and in buffers.
+TEST(Surface, ReleasedMemoryIsReusedZeroedAndBounded) {
+    using gfx_detail::CachedPixelBytes;
+    using gfx_detail::kPixelCacheBytes;
+    gfx_detail::ReleaseCachedPixels();
+    EXPECT_EQ(CachedPixelBytes(), 0u);
+    std::uint8_t* first = nullptr;
+    {
+        clsGFX_2D gfx;
+        ASSERT_TRUE(gfx.Create(300, 200));
+        first = gfx.Get_ptrDIBSection();
+        std::fill_n(first, 900 * 200, std::uint8_t{0xAB});
+    }
+    EXPECT_EQ(CachedPixelBytes(), 900u * 200);
+    {
+        clsGFX_2D gfx;
+        ASSERT_TRUE(gfx.Create(299, 200));  // 4 bytes a row fewer: near enough
+        EXPECT_EQ(gfx.Get_ptrDIBSection(), first);
+        EXPECT_EQ(CachedPixelBytes(), 0u);
+        const std::uint8_t* bits = gfx.Get_ptrDIBSection();
+        EXPECT_TRUE(std::all_of(bits, bits + 900 * 200, [](std::uint8_t b) { return b == 0; }));
+        // A resample gets it back and writes every byte, padding included.
+        ASSERT_TRUE(gfx.Create(300, 200));
+        test::RandomFill(gfx, 7);
+        ASSERT_TRUE(gfx.Image_Resample(299, 200));
+        ASSERT_TRUE(gfx.Image_Resample(300, 200));
+        EXPECT_EQ(gfx.Get_ptrDIBSection(), first);
+    }
+    {
+        clsGFX_2D gfx;  // a much smaller surface does not take the large buffer
+        ASSERT_TRUE(gfx.Create(10, 10));
+        EXPECT_NE(gfx.Get_ptrDIBSection(), first);
+    }
+    // At most a few buffers are kept, the ones released last: rows of
+    // 3000, 3900, ... 7500 bytes.
+    std::vector<std::unique_ptr<clsGFX_2D>> many;
+    for (Long i = 0; i < gfx_detail::kPixelCacheBuffers + 2; ++i) {
+        many.push_back(std::make_unique<clsGFX_2D>());
+        ASSERT_TRUE(many.back()->Create(1000 + i * 300, 100));
+    }
+    for (auto& gfx : many) gfx.reset();
+    static_assert(gfx_detail::kPixelCacheBuffers == 4);
+    EXPECT_EQ(CachedPixelBytes(), std::size_t{4800 + 5700 + 6600 + 7500} * 100);
+    {
+        // And never more bytes than the bound: of three surfaces of 40 % of
+        // it each, the oldest goes back to the system.
+        const auto side = static_cast<Long>(std::sqrt(kPixelCacheBytes * 0.4 / 3));
+        std::vector<clsGFX_2D> large(3);
+        for (auto& gfx : large) ASSERT_TRUE(gfx.Create(side, side));
+    }
+    EXPECT_LE(CachedPixelBytes(), kPixelCacheBytes);
+    EXPECT_GT(CachedPixelBytes(), kPixelCacheBytes / 2);
 }
 
 }  // namespace
