@@ -68,7 +68,16 @@ int TextPainter::Draw(QImage& image, const QRect& view, std::string_view text, h
     box &= clip;
 
     Run run;
-    if (recording_ && !box.isEmpty()) run.under = image.copy(box);
+    // Where the lines' ink may fall, beyond their advance too.
+    QRect inked;
+    QImage inkUnder;
+    if (recording_ && !box.isEmpty()) {
+        run.under = image.copy(box);
+        for (const Line& l : lines)
+            inked |= fm.boundingRect(l.text).translated(l.baseline).adjusted(-1, -1, 1, 1);
+        inked &= clip;
+        inkUnder = image.copy(inked);
+    }
     QPainter painter(&image);
     painter.setClipRect(clip);
     painter.setFont(qfont_);
@@ -81,6 +90,21 @@ int TextPainter::Draw(QImage& image, const QRect& view, std::string_view text, h
     if (recording_ && !box.isEmpty()) {
         // A run drawn again in the same place replaces the old one.
         std::erase_if(runs_, [&](const Run& r) { return r.box == box; });
+        // Ink reaches past the advance (a slash leans into the next field):
+        // where this run's ink fell on an earlier run, that run's text is
+        // still there, only touched by another run drawn again on top, so
+        // the earlier run keeps its pixels as they are now.
+        // A pixel something else had already changed stays changed.
+        for (Run& r : runs_) {
+            const QRect touched = r.box & inked;
+            for (int y = touched.top(); y <= touched.bottom(); ++y) {
+                for (int x = touched.left(); x <= touched.right(); ++x) {
+                    const QPoint in = QPoint(x, y) - r.box.topLeft();
+                    if (r.drawn.pixel(in) == inkUnder.pixel(QPoint(x, y) - inked.topLeft()))
+                        r.drawn.setPixel(in, image.pixel(x, y));
+                }
+            }
+        }
         run.box = box;
         run.drawn = image.copy(box);
         run.font = qfont_;

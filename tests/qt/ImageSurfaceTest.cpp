@@ -125,5 +125,62 @@ TEST_F(ImageSurfaceTest, TextIsClippedToTheViewAndTheAccessKeyUnderlined) {
     EXPECT_NE(image_, without);  // the same letters, and the line under S
 }
 
+// A date as its field paints it at a device pixel ratio of 2: each field
+// filled and written, then the transparent separators between them, whose
+// slanted ink leans into the next field. Shown at the ratio, every field's
+// digits are drawn again sharp, none left as the image scaled up.
+TEST_F(ImageSurfaceTest, FieldsNextToSeparatorsShowSharpAtRatioTwo) {
+    Make(120, 24);
+    const Font font("DejaVu Sans", 10);
+    constexpr unsigned kFormat = host::DT_LEFT | host::DT_SINGLELINE | host::DT_NOPREFIX;
+    const int digit = surface_.MeasureText("0", font).width;
+    const int slash = surface_.MeasureText("/", font).width;
+    const int height = surface_.MeasureText("_", font).height;
+    struct Piece {
+        const char* text;
+        int left, width;
+    };
+    const Piece fields[] = {{"25", 2, 2 * digit},
+                            {"12", 2 + 2 * digit + slash, 2 * digit},
+                            {"2007", 2 + 4 * digit + 2 * slash, 4 * digit}};
+    const Piece separators[] = {{"/", 2 + 2 * digit, slash}, {"/", 2 + 4 * digit + slash, slash}};
+    const auto paint = [&] {
+        surface_.FillRect({0, 0, 120, 24}, kPaper);
+        for (const Piece& f : fields) {
+            host::Rect rect{f.left, 2, f.left + f.width, 2 + height};
+            surface_.FillRect(rect, RGB(255, 255, 255));
+            surface_.DrawText(f.text, rect, kFormat, font, 0);
+        }
+        for (const Piece& s : separators) {
+            host::Rect rect{s.left, 2, s.left + s.width, 2 + height};
+            surface_.DrawText(s.text, rect, kFormat, font, 0);
+        }
+    };
+    paint();
+    const QImage plain = image_.copy();
+    text_.SetRecording(true);
+    paint();
+    EXPECT_EQ(image_, plain);  // what the control reads back is the same either way
+
+    // The case at hand: a separator's ink reaches into the field after it.
+    const QRect year(fields[2].left, 2, fields[2].width, height);
+    bool leans = false;
+    for (int y = year.top(); y <= year.bottom(); ++y)
+        leans |= ImageAt(year.left(), y) != RGB(255, 255, 255);
+    ASSERT_TRUE(leans);
+
+    const QImage shown = text_.ShowAtRatio(image_, 2);
+    const QImage scaled =
+        image_.convertToFormat(QImage::Format_RGB32)
+            .scaled(image_.size() * 2, Qt::IgnoreAspectRatio, Qt::FastTransformation);
+    ASSERT_EQ(shown.size(), scaled.size());
+    for (const Piece& f : fields) {
+        // Right of the column the separator touches: sharp glyphs, not the
+        // scaled-up pixels.
+        const QRect device((f.left + 1) * 2, 2 * 2, (f.width - 1) * 2, height * 2);
+        EXPECT_TRUE(shown.copy(device) != scaled.copy(device)) << f.text;
+    }
+}
+
 }  // namespace
 }  // namespace kelvarin::qt
