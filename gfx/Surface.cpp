@@ -9,6 +9,7 @@
 
 #include <cstring>
 #include <new>
+#include <string>
 #include <utility>
 
 #include "common/HostError.h"
@@ -17,9 +18,6 @@
 namespace kelvarin {
 
 namespace {
-
-// The same bound as a picture's, so that every surface can become one.
-constexpr std::int64_t kMaxSurfaceBytes = Picture::kMaxPixelBytes;
 
 std::uintptr_t NextHandle() noexcept {
     static std::uintptr_t last = 0;  // the user-interface thread only
@@ -68,7 +66,12 @@ bool clsGFX_2D::Allocate(Long lWidth, Long lHeight, Long BitPerPixels, bool zero
         BitPerPixels == 8 || BitPerPixels == 16 || BitPerPixels == 24 || BitPerPixels == 32;
     if (!depthOk || lWidth < 1 || lHeight < 1) return false;
     const std::int64_t stride = (std::int64_t{lWidth} * bytesPerPixel_ + 3) / 4 * 4;
-    if (stride > kMaxSurfaceBytes / lHeight) return false;
+    if (stride > kMaxSurfaceBytes / lHeight) {
+        lastError_ = "Create: " + std::to_string(lWidth) + "x" + std::to_string(lHeight) + " at " +
+                     std::to_string(BitPerPixels) + " bits is more than the " +
+                     std::to_string(kMaxSurfaceBytes >> 20) + " MiB a surface may have";
+        return false;
+    }
     const std::int64_t bytes = stride * lHeight;
     const auto size = static_cast<std::size_t>(bytes);
     bits_.reset(zeroFill ? new (std::nothrow) std::uint8_t[size]()

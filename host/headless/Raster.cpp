@@ -3,13 +3,20 @@
 #include <algorithm>
 #include <cstdlib>
 
+#include "common/HostError.h"
 #include "common/Numeric.h"
+#include "common/Picture.h"
 #include "common/Text.h"
 #include "host/TextLayout.h"
 
 namespace kelvarin::host::headless {
 
+// A window larger than any picture may be is refused before anything
+// changes, as the runtime refuses memory it cannot have.
 void Raster::Resize(int w, int h, OLE_COLOR fill) {
+    if (std::int64_t{std::max(w, 0)} * std::max(h, 0) * 3 > Picture::kMaxPixelBytes) {
+        RaiseHostError(HostErrorCode::OutOfMemory);
+    }
     width = std::max(w, 0);
     height = std::max(h, 0);
     bgr.assign(static_cast<std::size_t>(width) * height * 3, 0);

@@ -16,6 +16,8 @@ struct Raster {
     int height = 0;
     std::vector<std::uint8_t> bgr;  // width * 3 bytes a row, top row first
 
+    // More than Picture::kMaxPixelBytes raises Out of memory (7), and the
+    // raster stays as it was.
     void Resize(int w, int h, OLE_COLOR fill);
     OLE_COLOR Get(int x, int y) const;
     void Put(int x, int y, OLE_COLOR color);
