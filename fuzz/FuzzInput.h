@@ -277,9 +277,9 @@ inline std::string Join(const std::vector<std::string>& lines) {
 }
 
 // Writes a placed control to a form file, reads it back into a fresh control
-// of the same class, name and size on another form, and requires the same
-// stored properties.
-inline void RequireSavedLoadsBack(host::headless::Placed& placed) {
+// of the same class, name and size on another form, and compares the stored
+// properties: empty when they are the same, else both lists and the file.
+inline std::string SavedLoadsBack(host::headless::Placed& placed) {
     host::Control& control = placed.Get();
     host::Form form;
     host::FormControl& fc = form.controls.emplace_back();
@@ -294,7 +294,7 @@ inline void RequireSavedLoadsBack(host::headless::Placed& placed) {
     try {
         back = host::ReadForm(text, "saved", [](std::string_view) { return true; });
     } catch (const host::FormError& e) {
-        Require(false, std::string("a saved form does not load: ") + e.what() + "\n" + text);
+        return std::string("a saved form does not load: ") + e.what() + "\n" + text;
     }
     host::headless::HeadlessHost other;
     host::FormControl& loaded = back.controls.at(0);
@@ -308,8 +308,14 @@ inline void RequireSavedLoadsBack(host::headless::Placed& placed) {
         // The control keeps what it read, which is what is compared.
     }
     const auto saved = Properties(control, true), read = Properties(copy.Get(), true);
-    Require(read == saved, "a saved " + fc.className + " loads back different:\n" + Join(saved) +
-                               "--- loaded:\n" + Join(read) + "--- file:\n" + text);
+    if (read == saved) return {};
+    return "a saved " + fc.className + " loads back different:\n" + Join(saved) +
+           "--- loaded:\n" + Join(read) + "--- file:\n" + text;
+}
+
+inline void RequireSavedLoadsBack(host::headless::Placed& placed) {
+    const std::string difference = SavedLoadsBack(placed);
+    Require(difference.empty(), difference);
 }
 
 }  // namespace kelvarin::fuzz

@@ -1,6 +1,7 @@
 // Fuzz target for bitmap files and picture loading: any file is read or
 // refused with a reason; what is read writes back to a file that reads as
 // the same picture, and loads into a surface with the same pixels.
+#include <algorithm>
 #include <cstring>
 
 #include "common/BmpFile.h"
@@ -32,8 +33,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                 "a loaded picture changed pixels");
     }
     if (picture.BitsPerPixel() == 24) {
+        // The same pixels; a colour table, which a 24-bit file may carry, means nothing here.
         const auto out = surface.Get_Picture();
-        Require(out && *out == picture, "a 24-bit picture does not come back out the same");
+        Require(out && out->Width() == picture.Width() && out->Height() == picture.Height() &&
+                    std::ranges::equal(out->Bits(), picture.Bits()),
+                "a 24-bit picture does not come back out the same");
     }
     return 0;
 }
