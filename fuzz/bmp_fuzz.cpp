@@ -29,8 +29,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             "a loaded picture changed size or depth");
     for (int y = 0; y < picture.Height(); ++y) {
         const auto row = picture.Row(y);
-        Require(std::memcmp(surface.ScanLine(picture.Height() - 1 - y), row.data(), row.size()) == 0,
-                "a loaded picture changed pixels");
+        Require(
+            std::memcmp(surface.ScanLine(picture.Height() - 1 - y), row.data(), row.size()) == 0,
+            "a loaded picture changed pixels");
     }
     if (picture.BitsPerPixel() == 24) {
         // The same pixels; a colour table, which a 24-bit file may carry, means nothing here.

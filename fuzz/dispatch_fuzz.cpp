@@ -37,7 +37,7 @@ const std::vector<const ClassInfo*>& Creatable() {
 // that does not exist.
 struct Binding {
     std::string name;
-    DispId id = 0;
+    host::DispId id = 0;
     bool byId = false;
 };
 
@@ -53,7 +53,8 @@ Binding AnyBinding(const ClassInfo& info, FuzzInput& in) {
         in.Int(0, static_cast<int>(info.members.size()) - 1))];
     b.name = m.name;
     if (in.Bool())
-        for (char& c : b.name) c = static_cast<char>(c ^ 0x20 * (c >= 'A' && c <= 'z' && in.Bool()));
+        for (char& c : b.name)
+            c = static_cast<char>(c ^ 0x20 * (c >= 'A' && c <= 'z' && in.Bool()));
     b.id = m.dispid;
     return b;
 }
@@ -124,9 +125,11 @@ private:
         const Variant value = in_.AnyVariant();
         const MemberInfo* m = Find(info, b);
         const bool refused = RefusedAtBoundary(m, access, value);
-        const std::vector<std::string> before = refused ? Properties(control) : std::vector<std::string>{};
+        const std::vector<std::string> before =
+            refused ? Properties(control) : std::vector<std::string>{};
         try {
-            if (access == host::kLet) b.byId ? library::Let(control, b.id, value) : library::Let(control, b.name, value);
+            if (access == host::kLet)
+                b.byId ? library::Let(control, b.id, value) : library::Let(control, b.name, value);
             else b.byId ? library::Set(control, b.id, value) : library::Set(control, b.name, value);
             Require(!refused, "a write that dispatch refuses went through: " + b.name);
         } catch (const HostError&) {
@@ -144,7 +147,8 @@ private:
         if (in_.Byte() < 24) count = in_.Int(0, 4);
         std::vector<Variant> args;
         for (int i = 0; i < count; ++i) args.push_back(in_.AnyVariant());
-        b.byId ? library::Call(placed.Get(), b.id, args) : library::Call(placed.Get(), b.name, args);
+        b.byId ? library::Call(placed.Get(), b.id, args)
+               : library::Call(placed.Get(), b.name, args);
         host::SyncFrame(placed.Get(), placed);
     }
 

@@ -16,7 +16,8 @@ void LoadEveryControl(host::Form& form) {
     for (host::FormControl& fc : form.controls) {
         auto control = registry.Create(fc.className);
         if (!control) continue;
-        host::headless::Placed& placed = host.Add(fc.name, std::move(control), {fc.width, fc.height});
+        host::headless::Placed& placed =
+            host.Add(fc.name, std::move(control), {fc.width, fc.height});
         placed.MoveTo({fc.left, fc.top});
         host::FormPropertyBag bag(fc.properties, fc.name);
         try {

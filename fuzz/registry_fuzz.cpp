@@ -20,7 +20,8 @@ using kelvarin::library::RegistryError;
 // A folder of this process's own, in memory where there is one.
 const fs::path& Folder() {
     static const fs::path folder = [] {
-        const fs::path base = fs::exists("/dev/shm") ? fs::path("/dev/shm") : fs::temp_directory_path();
+        const fs::path base =
+            fs::exists("/dev/shm") ? fs::path("/dev/shm") : fs::temp_directory_path();
         fs::path dir = base / ("kelvarin-registry-fuzz-" + std::to_string(::getpid()));
         fs::create_directories(dir);
         return dir;

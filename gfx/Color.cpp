@@ -277,8 +277,12 @@ bool clsGFX_2D::Color_FadeTo(Long lngMaskColor, Long lngFadeTo, double dblFadeWe
             if (divisor == static_cast<double>(1 << k)) shift = k;
         }
         const std::uint8_t maskBytes[3] = {m0, m1, m2};
-        const int parts[3] = {static_cast<int>(part[0]), static_cast<int>(part[1]),
-                              static_cast<int>(part[2])};
+        // Only a shift needs the parts as integers, and then every one of
+        // them is a byte sum (the table above holds bytes for all v).
+        int parts[3] = {};
+        if (shift >= 0) {
+            for (int c = 0; c < 3; ++c) parts[c] = static_cast<int>(part[c]);
+        }
         for (Long y = 0; y < rows.height; ++y) {
             const Long done =
                 shift >= 0 ? FadeRowSimd(rows.Row(y), rows.width, maskBytes, parts, shift) : 0;

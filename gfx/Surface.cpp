@@ -214,8 +214,8 @@ bool clsGFX_2D::Data_Get(PixelArray& TempArray) {
 
 void clsGFX_2D::Draw_StartSession() {
     const Long stride = Get_BytesPerScanLine();
-    lastColumn_ = IntDiv(stride - 1, bytesPerPixel_);
-    lastRow_ = height_ - 1;
+    lastColumn_ = IntDiv(CheckedSub(stride, 1), bytesPerPixel_);
+    lastRow_ = CheckedSub(height_, 1);
     session_ = HasSurface() ? PixelArray(bits_.get(), stride, height_) : PixelArray();
     sessionOpen_ = true;
 }

@@ -47,8 +47,12 @@ void WriteAnyDateBoxProperty(DateBox& box, FuzzInput& in) {
         case 0: library::Let(box, "Nullable", Variant(in.Bool())); return;
         case 1: library::Let(box, "MinDate", Variant::FromDate(AnyDate(in))); return;
         case 2: library::Let(box, "MaxDate", Variant::FromDate(AnyDate(in))); return;
-        case 3: library::Let(box, "Value", Variant::FromDate(in.Bool() ? 0.0 : AnyDate(in))); return;
-        case 4: library::Let(box, "ValueDB", in.Bool() ? Variant::Null() : Variant(in.Text(12))); return;
+        case 3:
+            library::Let(box, "Value", Variant::FromDate(in.Bool() ? 0.0 : AnyDate(in)));
+            return;
+        case 4:
+            library::Let(box, "ValueDB", in.Bool() ? Variant::Null() : Variant(in.Text(12)));
+            return;
         case 5: library::Let(box, "DateFormat", Variant(in.Pick<const char*>(kPatterns))); return;
         case 6: library::Let(box, "SmallChange", Variant(Long{in.Int(-40, 40)})); return;
         case 7: library::Let(box, "LargeChange", Variant(Long{in.Int(-400, 400)})); return;
@@ -102,7 +106,9 @@ TEST(RandomUseTest, DateBoxKeepsItsRulesThroughKeysClicksCalendarPicksAndWrites)
 }
 
 void WriteAnyProgressBoxProperty(ProgressBox& bar, FuzzInput& in) {
-    const auto number = [&] { return in.Byte() < 32 ? in.AnyLong() * 1.0 : in.Int(-200, 200) * 0.5; };
+    const auto number = [&] {
+        return in.Byte() < 32 ? in.AnyLong() * 1.0 : in.Int(-200, 200) * 0.5;
+    };
     switch (in.Int(0, 6)) {
         case 0: library::Let(bar, "Value", Variant(number())); return;
         case 1: library::Let(bar, "MinValue", Variant(number())); return;
@@ -111,8 +117,8 @@ void WriteAnyProgressBoxProperty(ProgressBox& bar, FuzzInput& in) {
         default: {
             // Any other member the table lets a user write, with a value of its type.
             const auto members = bar.Members();
-            const host::Member& m = members[static_cast<std::size_t>(
-                in.Int(0, static_cast<int>(members.size()) - 1))];
+            const host::Member& m =
+                members[static_cast<std::size_t>(in.Int(0, static_cast<int>(members.size()) - 1))];
             // (The numbers of the range are the cases above, without NaN.)
             if (m.kind != host::MemberKind::Property || (m.access & host::kLet) == 0 ||
                 m.type.base == host::BaseType::Double)
@@ -143,10 +149,11 @@ TEST(RandomUseTest, ProgressBoxKeepsValueClampedAndPaintsThroughRandomWrites) {
                 host::SyncFrame(bar, placed);
                 bar.Paint();
             });
-            ASSERT_TRUE(error == 0 || error == 6 || error == 11) << error << ", " << Where(seed, step);
+            ASSERT_TRUE(error == 0 || error == 6 || error == 11)
+                << error << ", " << Where(seed, step);
             const bool small = std::fabs(bar.MinValue()) < 1e6 && std::fabs(bar.MaxValue()) < 1e6;
-            ASSERT_TRUE(error == 0 || !small) << "a repaint of a small range raised " << error
-                                              << ", " << Where(seed, step);
+            ASSERT_TRUE(error == 0 || !small)
+                << "a repaint of a small range raised " << error << ", " << Where(seed, step);
             ASSERT_LT(bar.MinValue(), bar.MaxValue()) << Where(seed, step);
             ASSERT_GE(bar.Value(), bar.MinValue()) << Where(seed, step);
             ASSERT_LE(bar.Value(), bar.MaxValue()) << Where(seed, step);

@@ -267,7 +267,8 @@ TEST(Circle, ClippedCircleOfHugeRadiusDrawsTheWalksPixelsAtOnce) {
         std::int64_t x = 0, y = r, d = 1 - r, dE = 3, dSE = 5 - 2 * std::int64_t{r};
         for (; x <= y; ++x) {
             for (int sx : {-1, 1})
-                for (int sy : {-1, 1}) plot(cx + sx * x, cy + sy * y), plot(cx + sx * y, cy + sy * x);
+                for (int sy : {-1, 1})
+                    plot(cx + sx * x, cy + sy * y), plot(cx + sx * y, cy + sy * x);
             if (d < 0) d += dE, dE += 2, dSE += 2;
             else d += dSE, dE += 2, dSE += 4, --y;
         }
@@ -275,8 +276,8 @@ TEST(Circle, ClippedCircleOfHugeRadiusDrawsTheWalksPixelsAtOnce) {
     };
     const struct {
         Long cx, cy, r;
-    } rows[] = {{20, -300, 310}, {-500, 15, 520}, {-200, -200, 300}, {60, 500, 480},
-                {20, 15, 1000}, {3000, 3000, 4229}, {-700, 14, 699}};
+    } rows[] = {{20, -300, 310}, {-500, 15, 520},    {-200, -200, 300}, {60, 500, 480},
+                {20, 15, 1000},  {3000, 3000, 4229}, {-700, 14, 699}};
     for (const auto& c : rows) {
         clsGFX_2D gfx;
         ASSERT_TRUE(gfx.Create(40, 30));
