@@ -250,8 +250,10 @@ inline void WorkPopup(host::Popup& popup, FuzzInput& in) {
 }
 
 // One action of a user on a placed control: a key, a press, move or
-// release of the pointer, a click, the focus, or time passing.
-inline void UserAction(host::headless::HeadlessHost& host, host::headless::Placed& placed,
+// release of the pointer, a click, the focus, or time passing. True when it
+// typed a digit into the control (typing is held to a field's own range
+// only, not to a date field's limits).
+inline bool UserAction(host::headless::HeadlessHost& host, host::headless::Placed& placed,
                        FuzzInput& in) {
     const host::Size size = placed.OuterSize();
     const host::PointerEvent e{static_cast<Integer>(in.Int(0, 4)),
@@ -261,22 +263,26 @@ inline void UserAction(host::headless::HeadlessHost& host, host::headless::Place
     const bool enabled = placed.Get().SurfaceState().enabled;
     switch (in.Int(0, 6)) {
         case 0:
-        case 1:
-            if (host.Focused() == &placed) Stroke(placed.Get(), AnyKey(in), e.shift);
-            return;
+        case 1: {
+            if (host.Focused() != &placed) return false;
+            const int key = AnyKey(in);
+            Stroke(placed.Get(), key, e.shift);
+            return (key >= host::kKey0 && key <= host::kKey0 + 9) ||
+                   (key >= host::kKeyNumpad0 && key <= host::kKeyNumpad0 + 9);
+        }
         case 2:
-            if (!enabled) return;
+            if (!enabled) return false;
             host.SetFocus(&placed);
             placed.Pointer().Press(e, in.Byte() < 32);
-            return;
+            return false;
         case 3:
             if (enabled) placed.Pointer().Release(e, placed.Covers(e.x, e.y));
-            return;
+            return false;
         case 4:
             if (enabled) placed.Pointer().Move(e);
-            return;
-        case 5: host.SetFocus(&placed); return;
-        default: host.Advance(static_cast<std::uint32_t>(in.Int(0, 2000))); return;
+            return false;
+        case 5: host.SetFocus(&placed); return false;
+        default: host.Advance(static_cast<std::uint32_t>(in.Int(0, 2000))); return false;
     }
 }
 

@@ -24,11 +24,16 @@ void Drive(fuzz::FuzzInput& in, const std::string& pattern) {
     host::PlaceNew(box, placed);
     box.SetDateFormat(pattern);
     box.SetValue(in.Bool() ? in.AnyDouble() : in.Int(-657434, 2958465) + in.Int(0, 255) / 256.0);
+    bool typed = false;  // typing may leave the limits; steps and picks may not
     for (int i = 0; i < 16 && !in.Empty(); ++i) {
-        fuzz::UserAction(host, placed, in);
+        typed = fuzz::UserAction(host, placed, in) || typed;
         const Date value = box.Value();
-        Require(value == 0 ? box.Nullable() : box.MinDate() <= value && value <= box.MaxDate(),
-                "the value left its limits with pattern \"" + pattern + "\"");
+        Require(value == 0 ? box.Nullable()
+                           : typed || (box.MinDate() <= value && value <= box.MaxDate()),
+                "the value " + fuzz::Describe(Variant::FromDate(value)) + " left its limits " +
+                    fuzz::Describe(Variant::FromDate(box.MinDate())) + ".." +
+                    fuzz::Describe(Variant::FromDate(box.MaxDate())) + " with pattern \"" +
+                    pattern + "\", showing \"" + box.ShownText() + "\"");
     }
     fuzz::RequireSavedLoadsBack(placed);
 }

@@ -97,7 +97,7 @@ public:
             }
             case 4: return Call(placed, info);
             case 5:
-            case 6: return fuzz::UserAction(host_, placed, in_);
+            case 6: fuzz::UserAction(host_, placed, in_); return;
             case 7: return fuzz::RequireSavedLoadsBack(placed);
             case 8: {
                 placed.SetOuterSize({in_.Int(0, 400), in_.Int(0, 120)});

@@ -27,11 +27,11 @@ Long AnySize(FuzzInput& in) {
     return in.Pick<Long>(kEdges);
 }
 
-// A size, or now and then one past the memory cap (9460 x 9460 at 24 bits
-// is just over 256 MiB), which must be refused.
+// A size, or now and then one past the memory cap at every depth (16400 x
+// 16400 at 8 bits is just over 256 MiB), which must be refused.
 std::pair<Long, Long> AnySurfaceSize(FuzzInput& in) {
     static constexpr std::pair<Long, Long> kTooLarge[] = {
-        {9460, 9460}, {0x7FFFFFFF, 1}, {1, 0x7FFFFFFF}, {65536, 65536}, {0x7FFFFFFF, 0x7FFFFFFF}};
+        {16400, 16400}, {0x7FFFFFFF, 1}, {1, 0x7FFFFFFF}, {65536, 65536}, {0x7FFFFFFF, 0x7FFFFFFF}};
     if (in.Byte() < 240) {
         const Long w = AnySize(in), h = AnySize(in);
         return {w, w > 48 && h > 48 ? 48 : h};  // long and thin at most

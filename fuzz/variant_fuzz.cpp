@@ -14,8 +14,8 @@ using namespace kelvarin;
 using kelvarin::fuzz::Require;
 
 // Runs a conversion; only Overflow, Type mismatch and Invalid use of Null may come out.
-template <class Convert>
-void Convert(const char* what, Convert convert) {
+template <class F>
+void Convert(const char* what, F convert) {
     try {
         convert();
     } catch (const HostError& e) {

@@ -51,15 +51,15 @@ Long AbsChecked(Long v) {
 void clsGFX_2D::Draw_SetViewport(Long lngXmin, Long lngYmin, Long lngXmax, Long lngYmax) {
     ViewportRect v{lngXmin, lngYmin, lngXmax, lngYmax};
     if (v.Xmin < 0) v.Xmin = 0;
-    if (v.Xmin >= width_) v.Xmin = width_ - 1;
-    if (v.Xmax == -1) v.Xmax = width_ - 1;
+    if (v.Xmin >= width_) v.Xmin = CheckedSub(width_, 1);
+    if (v.Xmax == -1) v.Xmax = CheckedSub(width_, 1);
     if (v.Xmax < v.Xmin) v.Xmax = v.Xmin;
-    if (v.Xmax >= width_) v.Xmax = width_ - 1;
+    if (v.Xmax >= width_) v.Xmax = CheckedSub(width_, 1);
     if (v.Ymin < 0) v.Ymin = 0;
-    if (v.Ymin >= height_) v.Ymin = height_ - 1;
-    if (v.Ymax == -1) v.Ymax = height_ - 1;
+    if (v.Ymin >= height_) v.Ymin = CheckedSub(height_, 1);
+    if (v.Ymax == -1) v.Ymax = CheckedSub(height_, 1);
     if (v.Ymax < v.Ymin) v.Ymax = v.Ymin;
-    if (v.Ymax >= height_) v.Ymax = height_ - 1;
+    if (v.Ymax >= height_) v.Ymax = CheckedSub(height_, 1);
     viewport_ = v;
 }
 

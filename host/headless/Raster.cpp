@@ -36,11 +36,13 @@ void Raster::Put(int x, int y, OLE_COLOR color) {
     bgr[i + 2] = static_cast<std::uint8_t>(RedOf(color));
 }
 
+// A font too large for the metrics raises Overflow (6), as the runtime's
+// conversion would.
 int CharWidth(const Font& font) {
-    return static_cast<int>(RoundHalfEven(font.size * 7.0 / 8.0)) + (font.bold ? 1 : 0);
+    return CheckedAdd(ToLong(font.size * 7.0 / 8.0), font.bold ? 1 : 0);
 }
 
-int LineHeight(const Font& font) { return static_cast<int>(RoundHalfEven(font.size * 15.0 / 8.0)); }
+int LineHeight(const Font& font) { return ToLong(font.size * 15.0 / 8.0); }
 
 bool RasterSurface::Inside(int x, int y) const noexcept {
     const int ax = x + view_.left;

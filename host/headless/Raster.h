@@ -25,7 +25,8 @@ struct Raster {
 
 // The headless font metrics: every character is round-half-even(S * 7 / 8)
 // pixels wide (one more when bold) and every line round-half-even(S * 15 / 8)
-// pixels high, for a font of S points, whatever the face.
+// pixels high, for a font of S points, whatever the face; a size past the
+// range of a Long raises Overflow (6).
 int CharWidth(const Font& font);
 int LineHeight(const Font& font);
 

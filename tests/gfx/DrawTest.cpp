@@ -78,6 +78,24 @@ TEST(Viewport, IsNormalisedInsideTheSurface) {
     }
 }
 
+// Found by fuzzing: after a refused Create the header keeps the size asked
+// for, and a width or height of -2147483648 made the session's last index
+// and the viewport's far edge overflow. They raise Overflow, as the
+// runtime's arithmetic does, and a valid surface afterwards works.
+TEST(Viewport, OnAHeaderOfTheMostNegativeSizeRaisesOverflow) {
+    clsGFX_2D gfx;
+    EXPECT_FALSE(gfx.Create(INT32_MIN, 5, 8));
+    EXPECT_EQ(ErrorOf([&] { gfx.Draw_SetViewport(3, 0, 1, 1); }), 6);
+    EXPECT_EQ(ErrorOf([&] { gfx.Draw_StartSession(); }), 6);
+    EXPECT_FALSE(gfx.Create(5, INT32_MIN));
+    EXPECT_EQ(ErrorOf([&] { gfx.Draw_SetViewport(0, 0, 1, -1); }), 6);
+    EXPECT_EQ(ErrorOf([&] { gfx.Draw_StartSession(); }), 6);
+    ASSERT_TRUE(gfx.Create(5, 4));
+    gfx.Draw_SetViewport(0, 0, -1, -1);
+    gfx.Draw_StartSession();
+    EXPECT_EQ(gfx.LastRowIndex(), 3);
+}
+
 TEST(Pixel, PastTheEndOfARowWritesWhatFitsThenRaises) {
     clsGFX_2D gfx;
     ASSERT_TRUE(gfx.Create(5, 2, 24));  // 16-byte rows: column 5 has one byte inside
