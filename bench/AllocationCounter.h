@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Counts the program's allocations, for benchmarks that show what a step
 // allocates. It replaces the global allocation functions: include it in one
 // source file of a benchmark program only.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The main of a benchmark of Qt widgets: an offscreen application in the
 // Fusion style with the platform's settings applied, then the benchmarks.
 // Include it in one source file of the program, at its end.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // CommandBox: hover in and out on a 120 x 32 button with a 32 x 32 picture
 // on the headless host. Each change of look is one full repaint from the
 // prepared pictures; the counters show that it allocates nothing and

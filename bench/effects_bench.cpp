@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The animated effects of clsGFX_2D in frames per second on a 640 x 480
 // surface, one step a frame, beside memcpy of the same image (the physical
 // limit of one pass over it). Each effect runs twice: with its fast path

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Raster kernels of clsGFX_2D in megapixels per second, on a large image
 // (4096 x 4096) and on a progress-bar-sized one (400 x 24), with memcpy of
 // the same bytes in the same run as the physical reference. The transforms

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // ProgressBox: the cost of one Value write with its full repaint on the
 // headless host, and of a program updating its bar in a tight loop. The
 // allocation counter shows what a write allocates besides its surface.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The pointer passing over a picture button: 2 000 hovers in and out, each
 // state change followed by a synchronous repaint, on a 120 x 32
 // CommandBoxWidget with a 32 x 32 picture (HighLighted: grey until the
@@ -25,8 +26,8 @@
 #include <QPainter>
 #include <QPushButton>
 
+#include <kelvarin/CommandBoxWidget.h>
 #include "controls/commandbox/CommandBox.h"
-#include "qt/CommandBoxWidget.h"
 #include "qt/QtPlatform.h"
 
 namespace {
@@ -45,37 +46,15 @@ QPixmap Picture() {
     return QPixmap::fromImage(image);
 }
 
-// A timer the benchmark fires itself.
-class ManualTimer : public kelvarin::host::Timer {
-public:
-    Long Interval() const override { return interval_; }
-    void SetInterval(Long milliseconds) override { interval_ = milliseconds; }
-    bool Enabled() const override { return enabled_; }
-    void SetEnabled(bool enabled) override { enabled_ = enabled; }
-
-private:
-    Long interval_ = 0;
-    bool enabled_ = false;
-};
-
+// The benchmark says where the pointer is, and polls the leave at once
+// instead of waiting for the hover timer.
 class HoverButton : public CommandBoxWidget {
 public:
     bool over = false;
-
-    bool IsPointerOver() override { return over; }
-    std::unique_ptr<kelvarin::host::Timer> CreateTimer(
-        kelvarin::host::TimerCallback tick) override {
-        tick_ = std::move(tick);
-        return std::make_unique<ManualTimer>();
+    bool isPointerOver() const override { return over; }
+    kelvarin::controls::CommandBox& box() {
+        return dynamic_cast<kelvarin::controls::CommandBox&>(*control());
     }
-    void Tick() { tick_(); }
-
-    const kelvarin::controls::CommandBox& box() const {
-        return dynamic_cast<const kelvarin::controls::CommandBox&>(*control());
-    }
-
-private:
-    kelvarin::host::TimerCallback tick_;
 };
 
 // Neither button has the focus, as a button the pointer merely passes over.
@@ -107,7 +86,7 @@ void Hover(HoverButton& b, bool in) {
                          Qt::NoButton, Qt::NoModifier);
         QApplication::sendEvent(&b, &move);
     } else {
-        b.Tick();
+        b.box().CheckHover();
     }
     b.repaint();
 }
@@ -131,7 +110,7 @@ double HoverInAndOut(Button& b) {
 }
 
 // The prepared pictures as they stand: replaced objects mean prepared again.
-std::array<const void*, 3> Prepared(const HoverButton& b) {
+std::array<const void*, 3> Prepared(HoverButton& b) {
     return {b.box().PreparedPicture(0), b.box().PreparedPicture(1), b.box().PreparedPicture(2)};
 }
 

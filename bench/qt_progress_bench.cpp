@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A program updating its progress bar: 10 000 Value writes, each followed
 // by a synchronous repaint, on a 400 x 24 ProgressBox widget and on a
 // QProgressBar of the same size, offscreen, in the same run. The ProgressBox
@@ -13,7 +14,7 @@
 #include <QApplication>
 #include <QProgressBar>
 
-#include "qt/ProgressBoxWidget.h"
+#include <kelvarin/ProgressBoxWidget.h>
 #include "qt/QtPlatform.h"
 
 namespace {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Bitmap files (.bmp) to and from Picture values.
 //
 // Reading accepts uncompressed files of 1, 4, 8, 16, 24 and 32 bits per

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The host's date type and the date library the controls need.
 //
 // A Date is a double counting days since 30 December 1899; the fraction is
@@ -14,6 +15,8 @@
 #include <optional>
 #include <string>
 #include <string_view>
+
+#include <kelvarin/Export.h>
 
 #include "common/Locale.h"
 
@@ -48,18 +51,18 @@ int DaysInMonth(int year, int month) noexcept;  // month 1..12
 // the next year, day 0 the last day of the previous month, negative values
 // count back likewise. Years 0 to 29 mean 2000 to 2029 and 30 to 99 mean
 // 1930 to 1999, as the host reads two-digit years.
-Date DateSerial(long year, long month, long day);
+KELVARIN_CORE_API Date DateSerial(long year, long month, long day);
 // A time of day from hour, minute, second; values beyond their range carry
 // into the next unit (25 hours is 1 January 1900 01:00).
-Date TimeSerial(long hour, long minute, long second);
+KELVARIN_CORE_API Date TimeSerial(long hour, long minute, long second);
 // A date portion joined with a time of day, keeping the negative-serial
 // rule: CombineDateTime(-1, 0.25) is -1.25.
-Date CombineDateTime(Date datePortion, Date timeOfDay);
+KELVARIN_CORE_API Date CombineDateTime(Date datePortion, Date timeOfDay);
 
 // ---- Splitting -------------------------------------------------------------
 
 // The six parts, the time rounded to the nearest second.
-DateParts SplitDate(Date d);
+KELVARIN_CORE_API DateParts SplitDate(Date d);
 Date DatePortion(Date d);  // the day without its time (0 for a time-only value)
 Date TimeOfDay(Date d);    // the time as a fraction in [0, 1)
 // Day of the week, 1 for the given first day.
@@ -82,7 +85,7 @@ long DateDiffDays(Date a, Date b);
 // ---- Clock -----------------------------------------------------------------
 
 // The local date and time of a system-clock instant.
-Date LocalDateTime(std::chrono::system_clock::time_point when);
+KELVARIN_CORE_API Date LocalDateTime(std::chrono::system_clock::time_point when);
 
 // ---- Formatting ------------------------------------------------------------
 

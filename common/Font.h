@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The standard font object: face, size in points and style.
 #pragma once
 

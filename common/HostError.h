@@ -1,8 +1,11 @@
+// SPDX-License-Identifier: MIT
 // The host runtime's errors: the one exception type of the library.
 #pragma once
 
 #include <stdexcept>
 #include <string>
+
+#include <kelvarin/Export.h>
 
 namespace kelvarin {
 
@@ -20,7 +23,7 @@ enum class HostErrorCode : int {
     WrongNumberOfArguments = 450,
 };
 
-class HostError : public std::runtime_error {
+class KELVARIN_CORE_API HostError : public std::runtime_error {
 public:
     explicit HostError(HostErrorCode code);
     HostError(int number, const std::string& text);
@@ -33,6 +36,6 @@ private:
     int number_;
 };
 
-[[noreturn]] void RaiseHostError(HostErrorCode code);
+[[noreturn]] KELVARIN_CORE_API void RaiseHostError(HostErrorCode code);
 
 }  // namespace kelvarin

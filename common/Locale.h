@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The user's locale as the date library and the value conversions see it:
 // month and weekday names, the short date and time patterns, and the
 // number separators. Hosts choose one; Italian is the default.
@@ -5,6 +6,8 @@
 
 #include <array>
 #include <string>
+
+#include <kelvarin/Export.h>
 
 namespace kelvarin {
 
@@ -28,7 +31,7 @@ const Locale& EnglishLocale();  // United States English
 
 // The locale in force on the user-interface thread; Italian until a host
 // sets another. Conversions that do not take a locale use it.
-const Locale& CurrentLocale();
-void SetCurrentLocale(const Locale& locale);
+KELVARIN_CORE_API const Locale& CurrentLocale();
+KELVARIN_CORE_API void SetCurrentLocale(const Locale& locale);
 
 }  // namespace kelvarin

@@ -1,8 +1,11 @@
+// SPDX-License-Identifier: MIT
 // The host's number types, its rounding, and the arithmetic helpers for the
 // places where the runtime raises Overflow or Division by zero.
 #pragma once
 
 #include <cstdint>
+
+#include <kelvarin/Export.h>
 
 namespace kelvarin {
 
@@ -22,7 +25,7 @@ double RoundHalfEven(double x) noexcept;
 // outside the target range or for a value that is not a number.
 Integer ToInteger(double x);
 Long ToLong(double x);
-Single ToSingle(double x);
+KELVARIN_CORE_API Single ToSingle(double x);
 // Largest Long not above x (the runtime's Int), Overflow outside Long.
 Long FloorToLong(double x);
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Base of the objects a Variant can refer to (fonts, pictures, controls).
 #pragma once
 

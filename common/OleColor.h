@@ -1,9 +1,12 @@
+// SPDX-License-Identifier: MIT
 // OLE colours: 0x00BBGGRR for a plain colour, 0x80000000 + n for system
 // colour n, and TranslateSysColor to turn either into plain RGB.
 #pragma once
 
 #include <array>
 #include <cstdint>
+
+#include <kelvarin/Export.h>
 
 namespace kelvarin {
 
@@ -53,18 +56,18 @@ inline constexpr OLE_COLOR kSysButtonText = SystemColor(COLOR_BTNTEXT);
 inline constexpr OLE_COLOR kSysButtonHighlight = SystemColor(COLOR_BTNHIGHLIGHT);
 
 // The fixed light theme used until a host supplies its own table.
-const SysColorTable& DefaultSysColors() noexcept;
+KELVARIN_CORE_API const SysColorTable& DefaultSysColors() noexcept;
 
 // The host's current table (the user-interface thread's; hosts set it once
 // at start and when the desktop theme changes).
-void SetSysColors(const SysColorTable& table) noexcept;
-const SysColorTable& CurrentSysColors() noexcept;
+KELVARIN_CORE_API void SetSysColors(const SysColorTable& table) noexcept;
+KELVARIN_CORE_API const SysColorTable& CurrentSysColors() noexcept;
 
 // Colour n of the current table; 0 for an index outside it, as the system does.
-OLE_COLOR GetSysColor(std::uint32_t index) noexcept;
+KELVARIN_CORE_API OLE_COLOR GetSysColor(std::uint32_t index) noexcept;
 
 // Plain values come back unchanged; a value with the high bit set is system
 // colour (value AND 0x7FFFFFFF).
-OLE_COLOR TranslateSysColor(OLE_COLOR color) noexcept;
+KELVARIN_CORE_API OLE_COLOR TranslateSysColor(OLE_COLOR color) noexcept;
 
 }  // namespace kelvarin

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The picture object: a bitmap of 8, 16, 24 or 32 bits per pixel with an
 // optional colour table, an icon (colour pixels, transparency mask and hot
 // spot), or a picture of another kind that is known by its type code only.
@@ -14,6 +15,8 @@
 #include <span>
 #include <string>
 #include <vector>
+
+#include <kelvarin/Export.h>
 
 #include "common/Object.h"
 
@@ -37,7 +40,7 @@ enum class PictureType : int {
     EnhancedMetafile = 4,
 };
 
-class Picture final : public Object {
+class KELVARIN_CORE_API Picture final : public Object {
 public:
     // Pixel memory above this (256 MiB) is refused, whatever its source: no
     // file, script or caller makes the library take more for one picture.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Small text helpers on UTF-8 strings whose letters that matter are ASCII
 // (names, keywords, patterns).
 #pragma once

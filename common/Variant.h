@@ -1,9 +1,12 @@
+// SPDX-License-Identifier: MIT
 // The host's tagged value and its conversion rules.
 #pragma once
 
 #include <memory>
 #include <string>
 #include <variant>
+
+#include <kelvarin/Export.h>
 
 #include "common/DateTime.h"
 #include "common/Numeric.h"
@@ -16,7 +19,7 @@ enum class VarType { Empty, Null, Boolean, Integer, Long, Single, Double, Date, 
 // The host's name of a type ("Integer", "Date", ...).
 const char* VarTypeName(VarType type) noexcept;
 
-class Variant {
+class KELVARIN_CORE_API Variant {
 public:
     Variant() noexcept = default;  // Empty
     Variant(bool b) noexcept : value_(b) {}

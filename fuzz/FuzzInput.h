@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the fuzz targets share: reading typed values off the fuzzer's bytes,
 // values of every Variant type, a control's readable properties as text
 // (to check that a failed write changed nothing and that a saved control

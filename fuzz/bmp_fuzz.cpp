@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Fuzz target for bitmap files and picture loading: any file is read or
 // refused with a reason; what is read writes back to a file that reads as
 // the same picture, and loads into a surface with the same pixels.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Fuzz target for dispatch: the bytes are a sequence of creations of every
 // creatable class, property writes and reads by name and by DISPID with
 // values of every Variant type, method calls, keys, pointer actions, ticks,

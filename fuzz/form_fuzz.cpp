@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Fuzz target for the form file: any text gives a form or a FormError. A
 // form that is read writes and reads back; each of its controls of a
 // creatable class loads, as a form load places it, then every property of

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Fuzz target for the raster class: a surface of any size and depth, then
 // its public operations with any arguments (kernels, rectangles off the
 // surface, zero and negative sizes, huge resamples). Only the host's

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Fuzz target for the registry file: any file is either refused, and left
 // byte for byte as it was, or gets this library's records; registering
 // again, or unregistering and registering, gives the same file.

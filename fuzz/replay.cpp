@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Runs a fuzz target over files, and over the files in folders, as
 // libFuzzer does with a corpus: for builds without libFuzzer.
 #include <algorithm>

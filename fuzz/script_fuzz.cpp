@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Fuzz target for one line of the script host's language, run on a form
 // with one control of each class, a raster surface and the property page
 // open: whatever the line says, the host reports an error or does it, and

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Fuzz target for the text conversions of Variant: any text, in both
 // built-in locales, converts to a Boolean, a number, a date and a colour
 // or raises one of the host's conversion errors; what converts writes back

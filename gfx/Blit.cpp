@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Block transfers between device contexts, and icon drawing.
 //
 //   1. Pixel formats: reading any depth as blue-green-red, writing it back

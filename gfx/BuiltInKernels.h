@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Private to gfx/ and its benchmark: the built-in kernels of
 // Filter_StandardFilter, types 0-8, which the benchmark gives its peer too.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // clsGFX_2D: whole-image colour operations.
 //
 //   1. Fill, invert, grey, replace, fade

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Something pixels can be copied from and to: a raster surface, a picture,
 // or a control's drawing area. It gives its size, its depth and its rows;
 // BitBlt copies between two of them with a raster operation, clipped to both.

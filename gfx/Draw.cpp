@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // clsGFX_2D: drawing primitives on the session array.
 //
 //   1. Viewport, clearing, noise

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // clsGFX_2D: the animated effects, one step a call.
 //
 //   1. State, checks, generator, distance

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Private to gfx/: the glyphs of the digital rain, a 5 x 7 bitmap font of
 // digits, half-width kana shapes and a few signs. Row 0 is the top row as
 // shown; bit 4 of a row is its leftmost pixel.

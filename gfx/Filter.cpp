@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // clsGFX_2D: convolution filters and smoothing.
 //
 //   1. Kernels: custom, and built-in (gfx/BuiltInKernels.h)

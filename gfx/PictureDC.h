@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Pictures as device contexts, for copying them onto raster surfaces.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A two-dimensional byte view of a raster's pixel memory: first index the
 // byte within a scan line, second index the row (0 = lowest). The view never
 // owns the memory; it is valid while the raster it came from keeps its surface.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Private to gfx/: colour values split into pixel bytes.
 #pragma once
 

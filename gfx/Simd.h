@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Private to gfx/: the vector kernels of the colour operations, used when the
 // processor has them (SSSE3 on x86-64, 256-bit ones where it has AVX2). The
 // scalar loops stay for every other processor, and tests can switch the

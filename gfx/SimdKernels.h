@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Private to gfx/Simd.cpp: the row kernels of the colour operations, written
 // once over the register width. Simd.cpp includes this file once with
 // KELVARIN_SIMD_BITS 128 and once with 256, after its shuffle tables (Mask,

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // clsGFX_2D: the surface, its picture exchange, the pixel array and sessions.
 //
 //   1. Create and release

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Private to gfx/: the processor targets the vector kernels are compiled
 // for. Each kernel carries its target as an attribute, so the rest of the
 // file builds for the plain processor and the kernel runs only where the

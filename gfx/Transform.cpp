@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // clsGFX_2D: whole-image geometric transforms.
 //
 //   1. Mirrors

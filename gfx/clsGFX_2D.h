@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // clsGFX_2D: the library's off-screen raster, a device-independent bitmap
 // with direct access to its bytes, and the drawing and colour operations the
 // controls prepare their pictures with.

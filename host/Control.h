@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A control as a host drives it: life-cycle, input, its member table, and
 // the user-control surface properties every control has (colours, font,
 // border, enabled) that the host's frame keeps.
@@ -11,6 +12,8 @@
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include <kelvarin/Export.h>
 
 #include "common/Font.h"
 #include "common/Numeric.h"
@@ -41,11 +44,12 @@ struct SurfaceProperties {
 };
 
 // Width of the border the frame draws around the client area, in pixels.
-int BorderWidth(const SurfaceProperties& surface) noexcept;
+KELVARIN_CORE_API int BorderWidth(const SurfaceProperties& surface) noexcept;
 // Paints that border on the whole-control surface (outer size w x h).
-void PaintBorder(Surface& whole, const SurfaceProperties& surface, int width, int height);
+KELVARIN_CORE_API void PaintBorder(Surface& whole, const SurfaceProperties& surface, int width,
+                                   int height);
 
-class Control : public Object {
+class KELVARIN_CORE_API Control : public Object {
 public:
     explicit Control(std::string className) : className_(std::move(className)) {}
     ~Control() override = default;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What a control needs of its container. Each host (Qt, headless)
 // implements it; controls never see a toolkit.
 #pragma once

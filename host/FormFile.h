@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The form file: a form's controls, each with class, name, geometry and
 // stored properties, as JSON (fonts as objects, pictures as embedded
 // bitmap files in base64, texts that are not UTF-8 as {"bytes": base64}). Reading validates the
@@ -11,6 +12,8 @@
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include <kelvarin/Export.h>
 
 #include "host/PropertyBag.h"
 
@@ -38,7 +41,7 @@ struct Form {
 // Reads property values for a control and refuses a stored value of the
 // wrong kind for its default (a text where a number belongs, say), naming
 // the place, instead of letting a conversion deep in the control fail.
-class FormPropertyBag : public PropertyBag {
+class KELVARIN_CORE_API FormPropertyBag : public PropertyBag {
 public:
     FormPropertyBag(MemoryPropertyBag& stored, std::string place)
         : stored_(stored), place_(std::move(place)) {}
@@ -57,8 +60,8 @@ std::string WriteForm(const Form& form);
 Form ReadForm(std::string_view text, std::string_view source,
               const std::function<bool(std::string_view)>& classExists);
 
-void SaveFormFile(const std::filesystem::path& path, const Form& form);
-Form LoadFormFile(const std::filesystem::path& path,
-                  const std::function<bool(std::string_view)>& classExists);
+KELVARIN_CORE_API void SaveFormFile(const std::filesystem::path& path, const Form& form);
+KELVARIN_CORE_API Form LoadFormFile(const std::filesystem::path& path,
+                                    const std::function<bool(std::string_view)>& classExists);
 
 }  // namespace kelvarin::host

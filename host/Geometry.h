@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Points, sizes and rectangles in pixels, top-left origin.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The host's key codes, shift mask and mouse button mask.
 #pragma once
 

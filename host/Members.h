@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A control's public members as one table: a row per property or method
 // with its type-library name, DISPID, type, accessors, persisted name and
 // default, and the typed getter and setter behind it. The type library

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/Pointer.h"
 
 #include "host/Keys.h"

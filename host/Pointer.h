@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The pointer protocol every host follows: presses, moves and releases
 // become the control's MouseDown, MouseMove, MouseUp, Click and DblClick.
 //
@@ -12,6 +13,8 @@
 // it says so with the press, or afterwards with its own notice.
 #pragma once
 
+#include <kelvarin/Export.h>
+
 #include "common/Numeric.h"
 #include "host/Control.h"
 
@@ -25,7 +28,7 @@ struct PointerEvent {
     Single y = 0;
 };
 
-class PointerProtocol {
+class KELVARIN_CORE_API PointerProtocol {
 public:
     explicit PointerProtocol(Control& control) noexcept : control_(control) {}
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The host's property store: what a control reads on load and writes on save.
 #pragma once
 
@@ -5,6 +6,8 @@
 #include <string_view>
 #include <utility>
 #include <vector>
+
+#include <kelvarin/Export.h>
 
 #include "common/Variant.h"
 
@@ -26,7 +29,7 @@ public:
 bool SameValue(const Variant& a, const Variant& b);
 
 // The store in memory, in the order the names were first written.
-class MemoryPropertyBag : public PropertyBag {
+class KELVARIN_CORE_API MemoryPropertyBag : public PropertyBag {
 public:
     Variant ReadProperty(std::string_view name, const Variant& defaultValue) override;
     void WriteProperty(std::string_view name, const Variant& value,

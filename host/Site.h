@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The life-cycle every host runs for a control it places: a new control is
 // initialised, a loaded one reads its stored properties, and either is then
 // framed, shown, sized and painted. The frame (the border the host draws
@@ -5,6 +6,8 @@
 //
 // Sections: the host's frame; placing; re-laying out.
 #pragma once
+
+#include <kelvarin/Export.h>
 
 #include "host/Control.h"
 #include "host/PropertyBag.h"
@@ -31,16 +34,16 @@ public:
 // is rethrown once the last step has run.
 
 // A new control: InitProperties, the frame, Show, Resize, Paint.
-void PlaceNew(Control& control, SiteFrame& frame);
+KELVARIN_CORE_API void PlaceNew(Control& control, SiteFrame& frame);
 // A loaded control: ReadProperties, the frame, Show, Resize, Paint. It is
 // never initialised as a new one first.
-void PlaceLoaded(Control& control, PropertyBag& bag, SiteFrame& frame);
+KELVARIN_CORE_API void PlaceLoaded(Control& control, PropertyBag& bag, SiteFrame& frame);
 
 // ---- Re-laying out ---------------------------------------------------------------
 
 // After a property write or a method call: when the border width is no
 // longer the one the frame was laid out for, lays the frame out again and
 // has the control lay out and paint its new client area.
-void SyncFrame(Control& control, SiteFrame& frame);
+KELVARIN_CORE_API void SyncFrame(Control& control, SiteFrame& frame);
 
 }  // namespace kelvarin::host

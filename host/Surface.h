@@ -1,8 +1,11 @@
+// SPDX-License-Identifier: MIT
 // What a control draws on: its client area, in pixels, top-left origin.
 #pragma once
 
 #include <cstdint>
 #include <string_view>
+
+#include <kelvarin/Export.h>
 
 #include "common/Font.h"
 #include "common/OleColor.h"
@@ -29,7 +32,7 @@ enum TextFormat : unsigned {
 enum AlignmentText : int { kLeftJustify = DT_LEFT, kCenter = DT_CENTER, kRightJustify = DT_RIGHT };
 
 // A surface is also a 24-bit device context, so raster surfaces blit to it.
-class Surface : public DeviceContext {
+class KELVARIN_CORE_API Surface : public DeviceContext {
 public:
     virtual int Width() const = 0;
     virtual int Height() const = 0;

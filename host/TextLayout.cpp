@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/TextLayout.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Laying out text the way the platform's text drawing does: access-key
 // prefixes, word breaking, single-line alignment. Hosts measure and draw;
 // this places. A single line without prefixes is placed without allocating.
@@ -5,6 +6,8 @@
 
 #include <functional>
 #include <string_view>
+
+#include <kelvarin/Export.h>
 
 #include "host/Geometry.h"
 
@@ -29,8 +32,8 @@ using LineFunction = std::function<void(const TextLine&)>;
 // Places text in rect by the DT_* format flags, calling `line` (if given)
 // for each line from the top, and returns the extent (DT_CALCRECT is the
 // caller's business).
-TextExtent LayoutText(std::string_view text, const Rect& rect, unsigned format,
-                      const MeasureFunction& measure, int lineHeight,
-                      const LineFunction& line = {});
+KELVARIN_CORE_API TextExtent LayoutText(std::string_view text, const Rect& rect, unsigned format,
+                                        const MeasureFunction& measure, int lineHeight,
+                                        const LineFunction& line = {});
 
 }  // namespace kelvarin::host

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // An interval timer owned by a control; it calls back on the user-interface
 // thread while it is enabled.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "library/ClassFactory.h"
 
 #include "library/Controls.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Creating controls by class name ("DateBox") or programmatic name
 // ("Kelvarin.DateBox").
 #pragma once
@@ -8,6 +9,8 @@
 #include <string_view>
 #include <vector>
 
+#include <kelvarin/Export.h>
+
 #include "host/Control.h"
 #include "library/TypeLib.h"
 
@@ -15,7 +18,7 @@ namespace kelvarin::library {
 
 using ControlCreator = std::function<std::unique_ptr<host::Control>()>;
 
-class ClassRegistry {
+class KELVARIN_CORE_API ClassRegistry {
 public:
     // The registry of the process, holding the library's own classes.
     static ClassRegistry& Instance();

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "library/Controls.h"
 
 #include "controls/commandbox/CommandBox.h"

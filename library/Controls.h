@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The creators of the library's own controls, by class name.
 #pragma once
 

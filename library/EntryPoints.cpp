@@ -1,5 +1,6 @@
+// SPDX-License-Identifier: MIT
 // The exported entry points of libkelvarin.so. No exception crosses them.
-#include "library/Kelvarin.h"
+#include <kelvarin/Kelvarin.h>
 
 #include <exception>
 

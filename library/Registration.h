@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The per-user registry file in which the library records its classes, so
 // that a host finds the library and a class identifier by programmatic name.
 #pragma once

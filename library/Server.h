@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The work behind the library's entry points: class factories and the
 // controls they hand out, unload checks, and the calling thread's last error.
 // The exported C functions are thin wrappers over these.
@@ -5,7 +6,7 @@
 
 #include <string_view>
 
-#include "library/Kelvarin.h"
+#include <kelvarin/Kelvarin.h>
 #include "library/TypeLib.h"
 
 namespace kelvarin::library {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The library's type information as tables, and the lookups over them.
 //
 // Sections: GUIDs; lookups; the tables (helpers, enumerations, events,

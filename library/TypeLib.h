@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The public surface of the library as data: classes, their dispatch and
 // event interfaces, members in type-library order, and the enumerations.
 // Hosts bind by name (case-insensitive) and by DISPID.

@@ -1,4 +1,5 @@
-#include "qt/CommandBoxWidget.h"
+// SPDX-License-Identifier: MIT
+#include <kelvarin/CommandBoxWidget.h>
 
 #include "common/HostError.h"
 #include "controls/commandbox/CommandBox.h"

@@ -1,6 +1,8 @@
-#include "qt/ControlWidget.h"
+// SPDX-License-Identifier: MIT
+#include <kelvarin/ControlWidget.h>
 
 #include <cstring>
+#include <utility>
 
 #include <QApplication>
 #include <QCursor>
@@ -16,10 +18,17 @@
 
 #include "common/HostError.h"
 #include "common/Picture.h"
+#include "host/Control.h"
+#include "host/FormFile.h"
+#include "host/Pointer.h"
+#include "host/Site.h"
 #include "library/Dispatch.h"
+#include "qt/Guard.h"
+#include "qt/ImageSurface.h"
 #include "qt/PictureImage.h"
 #include "qt/PopupWindow.h"
 #include "qt/QtPlatform.h"
+#include "qt/QtText.h"
 
 namespace kelvarin::qt {
 
@@ -136,6 +145,42 @@ private:
 
 }  // namespace
 
+// ---- The site ---------------------------------------------------------------------
+
+// What the control asks of its container, answered by the widget.
+class ControlWidget::Site final : public host::ControlSite, public host::SiteFrame {
+public:
+    explicit Site(ControlWidget& widget) : w_(widget) {}
+    ControlWidget& Widget() noexcept { return w_; }
+
+    void PropertyChanged(std::string_view name) override;
+    void RaiseEvent(int number, std::span<Variant> args) override;
+    std::shared_ptr<kelvarin::Font> AmbientFont() override;
+    bool AmbientDisplayAsDefault() override { return w_.displayAsDefault_; }
+    std::string ExtenderName() override { return Utf8(w_.objectName()); }
+    double ExtenderLeft() override { return w_.x(); }
+    double ExtenderTop() override { return w_.y(); }
+    double ExtenderWidth() override { return w_.width(); }
+    double ContainerUnitsPerPixel() override { return 1.0; }
+    Long WindowHandle() override { return w_.handle_; }
+    host::Surface& ClientSurface() override { return *w_.client_; }
+    void Refresh() override { w_.update(); }
+    std::unique_ptr<host::Timer> CreateTimer(host::TimerCallback onTick) override;
+    std::uint32_t TickCount() override { return qt::TickCount(); }
+    Date Now() override { return LocalDateTime(std::chrono::system_clock::now()); }
+    bool IsPointerOver() override;
+    host::Size ScreenSize() override;
+    host::Point ClientToScreen(host::Point client) override;
+    void DoEvents() override { QCoreApplication::processEvents(QEventLoop::AllEvents); }
+    void ShowModal(host::Popup& popup, host::Point screen) override;
+    const Locale& UserLocale() override { return CurrentLocale(); }
+    int FrameBorder() const override { return w_.client_->View().left(); }
+    void LayOutFrame() override { w_.layOutFrame(); }
+
+private:
+    ControlWidget& w_;
+};
+
 // ---- Creation ---------------------------------------------------------------------
 
 ControlWidget::ControlWidget(std::unique_ptr<host::Control> control, QWidget* parent)
@@ -147,7 +192,12 @@ ControlWidget::ControlWidget(std::unique_ptr<host::Control> control, host::FormC
 
 ControlWidget::ControlWidget(std::unique_ptr<host::Control> control, host::FormControl* entry,
                              const QString& place, QWidget* parent)
-    : QWidget(parent), control_(std::move(control)), client_(image_, text_), handle_(NextHandle()) {
+    : QWidget(parent),
+      control_(std::move(control)),
+      site_(std::make_unique<Site>(*this)),
+      text_(std::make_unique<TextPainter>()),
+      client_(std::make_unique<ImageSurface>(image_, *text_)),
+      handle_(NextHandle()) {
     setAttribute(Qt::WA_OpaquePaintEvent);
     setMouseTracking(true);  // the control hears every move, buttons or not
     setFocusPolicy(Qt::StrongFocus);
@@ -162,14 +212,14 @@ ControlWidget::ControlWidget(std::unique_ptr<host::Control> control, host::FormC
         lastErrorText_ = QStringLiteral("no such control class");
         return;
     }
-    control_->SetSite(this);
-    pointer_.emplace(*control_);
+    control_->SetSite(site_.get());
+    pointer_ = std::make_unique<host::PointerProtocol>(*control_);
     AccessKeyFilter::Install();
     if (entry) {
         host::FormPropertyBag bag(entry->properties, Utf8(place));
-        guard("Place", [&] { host::PlaceLoaded(*control_, bag, *this); });
+        guard("Place", [&] { host::PlaceLoaded(*control_, bag, *site_); });
     } else {
-        guard("Place", [&] { host::PlaceNew(*control_, *this); });
+        guard("Place", [&] { host::PlaceNew(*control_, *site_); });
     }
     placed_ = true;
     syncSurface();
@@ -188,6 +238,36 @@ QString ControlWidget::className() const {
 }
 
 QSize ControlWidget::sizeHint() const { return {200, 24}; }
+
+host::ControlSite& ControlWidget::site() noexcept { return *site_; }
+
+ControlWidget* ControlWidget::Of(host::Control& control) noexcept {
+    if (!control.HasSite()) return nullptr;
+    auto* site = dynamic_cast<Site*>(&control.Site());
+    return site ? &site->Widget() : nullptr;
+}
+
+bool ControlWidget::guard(const char* where, const std::function<void()>& f) noexcept {
+    const Failure failure = Guard(f);
+    if (failure) report(where, failure);
+    return !failure;
+}
+
+void ControlWidget::forward(const char* where, const std::function<void()>& f) noexcept {
+    if (!control_) return;
+    guard(where, f);
+    syncSurface();
+}
+
+bool ControlWidget::dispatch(const char* where,
+                             const std::function<void(host::Control&)>& f) noexcept {
+    const bool ok = guard(where, [&] {
+        if (!control_) RaiseHostError(HostErrorCode::ObjectDoesNotSupport);
+        f(*control_);
+    });
+    syncSurface();
+    return ok;
+}
 
 void ControlWidget::report(const char* where, const Failure& failure) noexcept {
     lastErrorNumber_ = failure.number;
@@ -369,14 +449,14 @@ void ControlWidget::resizeImage() {
 void ControlWidget::paintFrame() {
     const int b = control_ ? host::BorderWidth(control_->SurfaceState()) : 0;
     const int w = image_.width(), h = image_.height();
-    client_.SetView(QRect(b, b, std::max(w - 2 * b, 0), std::max(h - 2 * b, 0)));
+    client_->SetView(QRect(b, b, std::max(w - 2 * b, 0), std::max(h - 2 * b, 0)));
     if (!control_ || b == 0 || image_.isNull()) return;
-    ImageSurface whole(image_, text_);
+    ImageSurface whole(image_, *text_);
     whole.SetView(image_.rect());
     host::PaintBorder(whole, control_->SurfaceState(), w, h);
 }
 
-void ControlWidget::LayOutFrame() {
+void ControlWidget::layOutFrame() {
     paintFrame();
     update();
 }
@@ -396,67 +476,57 @@ void ControlWidget::syncSurface() {
     } else {
         setCursor(CursorOf(s.mousePointer));
     }
-    guard("Resize", [&] { host::SyncFrame(*control_, *this); });
+    guard("Resize", [&] { host::SyncFrame(*control_, *site_); });
 }
 
-// ---- ControlSite ----------------------------------------------------------------------------
+// ---- The site ------------------------------------------------------------------------------
 
-void ControlWidget::PropertyChanged(std::string_view name) {
-    emit propertyChanged(QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size())));
+void ControlWidget::Site::PropertyChanged(std::string_view name) {
+    emit w_.propertyChanged(QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size())));
 }
 
-void ControlWidget::RaiseEvent(int number, std::span<Variant> args) {
+void ControlWidget::Site::RaiseEvent(int number, std::span<Variant> args) {
     QVariantList list;
     for (const Variant& a : args) list.append(FromVariant(a));
-    const std::string_view name = library::EventName(*control_, number);
-    emit eventRaised(number, QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size())),
-                     list);
-    emitTypedEvent(number, list);
+    const std::string_view name = library::EventName(*w_.control_, number);
+    emit w_.eventRaised(number, QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size())),
+                        list);
+    w_.emitTypedEvent(number, list);
 }
 
-std::shared_ptr<kelvarin::Font> ControlWidget::AmbientFont() {
-    const QWidget* container = parentWidget();
+std::shared_ptr<kelvarin::Font> ControlWidget::Site::AmbientFont() {
+    const QWidget* container = w_.parentWidget();
     return std::make_shared<kelvarin::Font>(
         FromQFont(container ? container->font() : QApplication::font()));
 }
 
-std::string ControlWidget::ExtenderName() { return Utf8(objectName()); }
-
-std::unique_ptr<host::Timer> ControlWidget::CreateTimer(host::TimerCallback onTick) {
+std::unique_ptr<host::Timer> ControlWidget::Site::CreateTimer(host::TimerCallback onTick) {
     // A tick runs inside the guard: an error of the control is reported,
     // never thrown into the event loop.
-    return std::make_unique<QtTimer>([this, cb = std::move(onTick)] { guard("Timer", cb); });
+    return std::make_unique<QtTimer>([this, cb = std::move(onTick)] { w_.guard("Timer", cb); });
 }
 
-std::uint32_t ControlWidget::TickCount() { return qt::TickCount(); }
+bool ControlWidget::Site::IsPointerOver() { return w_.isPointerOver(); }
 
-Date ControlWidget::Now() { return LocalDateTime(std::chrono::system_clock::now()); }
+bool ControlWidget::isPointerOver() const { return QApplication::widgetAt(QCursor::pos()) == this; }
 
-// The topmost widget under the pointer is this one: another widget lying
-// on top of the control counts as outside.
-bool ControlWidget::IsPointerOver() { return QApplication::widgetAt(QCursor::pos()) == this; }
-
-host::Size ControlWidget::ScreenSize() {
-    const QScreen* s = screen() ? screen() : QApplication::primaryScreen();
+host::Size ControlWidget::Site::ScreenSize() {
+    const QScreen* s = w_.screen() ? w_.screen() : QApplication::primaryScreen();
     if (!s) return {};
     return {s->geometry().width(), s->geometry().height()};
 }
 
-host::Point ControlWidget::ClientToScreen(host::Point client) {
-    const QRect view = client_.View();
-    const QPoint p = mapToGlobal(QPoint(view.left() + client.x, view.top() + client.y));
+host::Point ControlWidget::Site::ClientToScreen(host::Point client) {
+    const QRect view = w_.client_->View();
+    const QPoint p = w_.mapToGlobal(QPoint(view.left() + client.x, view.top() + client.y));
     return {p.x(), p.y()};
 }
 
-void ControlWidget::DoEvents() { QCoreApplication::processEvents(QEventLoop::AllEvents); }
-
-void ControlWidget::ShowModal(host::Popup& popup, host::Point screen) {
-    PopupWindow window(popup, this);
-    connect(&window, &PopupWindow::hostError, this, &ControlWidget::hostError);
+void ControlWidget::Site::ShowModal(host::Popup& popup, host::Point screen) {
+    PopupWindow window(popup, &w_);
+    QObject::connect(&window, &PopupWindow::hostError, &w_, &ControlWidget::hostError);
     window.exec(QPoint(screen.x, screen.y));
 }
-
-const Locale& ControlWidget::UserLocale() { return CurrentLocale(); }
 
 void ControlWidget::setDisplayAsDefault(bool value) {
     if (displayAsDefault_ == value) return;
@@ -514,7 +584,7 @@ void ControlWidget::changeEvent(QEvent* event) {
         // The desktop theme changed: system colours are read again.
         SetSysColors(SysColorsFrom(QApplication::palette()));
         guard("Paint", [&] { control_->Paint(); });
-        LayOutFrame();
+        layOutFrame();
     }
 }
 
@@ -543,7 +613,7 @@ void ControlWidget::keyReleaseEvent(QKeyEvent* event) {
 
 host::PointerEvent ControlWidget::pointerEvent(const QMouseEvent& event,
                                                Qt::MouseButtons buttons) const {
-    const QPointF p = event.position() - QPointF(client_.View().topLeft());
+    const QPointF p = event.position() - QPointF(client_->View().topLeft());
     return {static_cast<Integer>(ButtonMaskOf(buttons)),
             static_cast<Integer>(ShiftMaskOf(event.modifiers())), ToSingle(p.x()), ToSingle(p.y())};
 }
@@ -602,12 +672,32 @@ void ControlWidget::focusInEvent(QFocusEvent* event) {
     guard("GotFocus", [&] { control_->GotFocus(); });
 }
 
+// Every move inside the window, whatever made it (Tab, the mouse, a
+// shortcut, the application's setFocus), asks the control as Tab does: the
+// field being left is completed, and a control that will not be left takes
+// the focus back at once, before anything else can act on the move.
 void ControlWidget::focusOutEvent(QFocusEvent* event) {
     QWidget::focusOutEvent(event);
     const Qt::FocusReason reason = event->reason();
     if (!control_ || !hasControlFocus_ || reason == Qt::PopupFocusReason ||
         reason == Qt::ActiveWindowFocusReason)
         return;
+    // A control taking the focus back is not asked to give it up again.
+    const bool ask = !std::exchange(leaveGranted_, false) &&
+                     (!reclaiming_ || QApplication::focusWidget() != reclaiming_);
+    bool leave = true;
+    if (ask) guard("QueryLeaveFocus", [&] { leave = control_->QueryLeaveFocus(); });
+    if (!leave) {
+        reclaiming_ = this;
+        QMetaObject::invokeMethod(
+            this,
+            [this] {
+                if (reclaiming_ == this) setFocus(Qt::OtherFocusReason);
+                reclaiming_ = nullptr;
+            },
+            Qt::QueuedConnection);
+        return;
+    }
     hasControlFocus_ = false;
     guard("LostFocus", [&] { control_->LostFocus(); });
 }
@@ -615,9 +705,13 @@ void ControlWidget::focusOutEvent(QFocusEvent* event) {
 bool ControlWidget::focusNextPrevChild(bool next) {
     // The control may keep the focus (an invalid entry it will not leave).
     bool leave = true;
-    if (control_) guard("QueryLeaveFocus", [&] { leave = control_->QueryLeaveFocus(); });
+    if (control_ && hasControlFocus_)
+        guard("QueryLeaveFocus", [&] { leave = control_->QueryLeaveFocus(); });
     if (!leave) return true;
-    return QWidget::focusNextPrevChild(next);
+    leaveGranted_ = hasControlFocus_;
+    const bool moved = QWidget::focusNextPrevChild(next);
+    leaveGranted_ = false;
+    return moved;
 }
 
 }  // namespace kelvarin::qt

@@ -1,4 +1,5 @@
-#include "qt/DateBoxWidget.h"
+// SPDX-License-Identifier: MIT
+#include <kelvarin/DateBoxWidget.h>
 
 #include "controls/datebox/DateBox.h"
 #include "library/ClassFactory.h"

@@ -1,12 +1,13 @@
-#include "qt/Forms.h"
+// SPDX-License-Identifier: MIT
+#include <kelvarin/Forms.h>
 
+#include <kelvarin/CommandBoxWidget.h>
+#include <kelvarin/DateBoxWidget.h>
+#include <kelvarin/ProgressBoxWidget.h>
 #include "common/Text.h"
 #include "host/FormFile.h"
 #include "library/ClassFactory.h"
-#include "qt/CommandBoxWidget.h"
-#include "qt/DateBoxWidget.h"
 #include "qt/Guard.h"
-#include "qt/ProgressBoxWidget.h"
 
 namespace kelvarin::qt {
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "qt/GeneralDialog.h"
 
 #include <QCheckBox>
@@ -12,9 +13,9 @@
 #include <QTabWidget>
 #include <QVBoxLayout>
 
+#include <kelvarin/ControlWidget.h>
 #include "library/ClassFactory.h"
 #include "pages/general/General.h"
-#include "qt/ControlWidget.h"
 #include "qt/Guard.h"
 
 namespace kelvarin::qt {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The property page General as a Qt dialog: the fields of the group that
 // the first selected control shows, as line edits and check boxes, with OK,
 // Cancel and Apply. The page model keeps the fields, decides which typed

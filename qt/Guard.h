@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The one boundary between Qt's event loop and the core. Every call from the
 // Qt layer into a control, a popup or a form file runs inside Guard: what it
 // throws (a runtime error the control raised, a bad file, anything else) is

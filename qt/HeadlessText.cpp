@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "qt/HeadlessText.h"
 
 #include "host/Surface.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Qt fonts for the headless host's rasters: the script host's --qt mode
 // keeps its scripted clock, timers and pointer and draws text as the Qt
 // host does. Needs a QGuiApplication (the offscreen platform will do).

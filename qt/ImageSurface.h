@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The Qt host's drawing surface: a rectangle (the view) of a persistent
 // 24-bit image (QImage::Format_BGR888: blue, green, red bytes, rows top
 // down, each bytesPerLine() long). Fills, lines and pixels write the bytes

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "qt/PictureImage.h"
 
 #include <QImageReader>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Pictures and Qt images: a bitmap becomes an RGB image, an icon an ARGB
 // image whose transparent pixels are its mask; back again, an image with
 // transparency becomes an icon, any other a 24-bit bitmap.

@@ -1,9 +1,11 @@
+// SPDX-License-Identifier: MIT
 #include "qt/PopupWindow.h"
 
 #include <QApplication>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QPointer>
 
 #include "qt/Guard.h"
 #include "qt/QtPlatform.h"
@@ -13,6 +15,7 @@ namespace kelvarin::qt {
 PopupWindow::PopupWindow(host::Popup& popup, QWidget* owner)
     : QWidget(owner, Qt::Popup | Qt::FramelessWindowHint), popup_(popup), surface_(image_, text_) {
     setAttribute(Qt::WA_OpaquePaintEvent);
+    setAttribute(Qt::WA_NoMouseReplay);  // PopupWindow replays a press outside itself
     setMouseTracking(true);
     setFocusPolicy(Qt::StrongFocus);
     // Another application coming to the front takes the activation away.
@@ -21,6 +24,40 @@ PopupWindow::PopupWindow(host::Popup& popup, QWidget* owner)
                 if (state != Qt::ApplicationActive && isVisible()) hide();
             });
 }
+
+namespace {
+
+// Delivers a press that closed a popup to the widget under it once the
+// modal run has ended, as a press outside a Qt popup is replayed: the
+// widget takes the focus as its policy says, then hears the press. Qt's own
+// replay is off (WA_NoMouseReplay), since not every platform has it.
+void ReplayPress(const QMouseEvent& event) {
+    const QPoint global = event.globalPosition().toPoint();
+    const Qt::MouseButton button = event.button();
+    const Qt::MouseButtons buttons = event.buttons();
+    const Qt::KeyboardModifiers modifiers = event.modifiers();
+    QMetaObject::invokeMethod(
+        qApp,
+        [=] {
+            QPointer<QWidget> target = QApplication::widgetAt(global);
+            if (!target || !target->isEnabled() || QApplication::activePopupWidget()) return;
+            for (QWidget* w = target; w; w = w->parentWidget()) {
+                if (w->isEnabled() && (w->focusPolicy() & Qt::ClickFocus)) {
+                    w->setFocus(Qt::MouseFocusReason);
+                    break;
+                }
+                if (w->isWindow()) break;
+            }
+            if (!target) return;
+            const QPointF local = target->mapFromGlobal(QPointF(global));
+            QMouseEvent press(QEvent::MouseButtonPress, local, QPointF(global), button, buttons,
+                              modifiers);
+            QApplication::sendEvent(target, &press);
+        },
+        Qt::QueuedConnection);
+}
+
+}  // namespace
 
 template <typename F>
 void PopupWindow::guard(const char* where, F&& f) noexcept {
@@ -85,9 +122,11 @@ void PopupWindow::keyReleaseEvent(QKeyEvent* event) {
 
 void PopupWindow::mousePressEvent(QMouseEvent* event) {
     if (!rect().contains(event->position().toPoint())) {
-        // A press outside: the popup loses activation, as a click elsewhere does.
+        // A press outside: the popup loses activation, as a click elsewhere
+        // does, and the press then goes where it was aimed.
         forward("Deactivated", [&] { popup_.Deactivated(); });
         hide();
+        ReplayPress(*event);
         return;
     }
     const Integer b = static_cast<Integer>(ButtonMaskOf(event->button()));

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A control's modal popup (the month calendar) in a Qt popup window: it
 // paints the popup into an image of its own, forwards keys and the mouse,
 // and runs a nested event loop until the popup closes itself or loses

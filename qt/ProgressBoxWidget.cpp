@@ -1,4 +1,5 @@
-#include "qt/ProgressBoxWidget.h"
+// SPDX-License-Identifier: MIT
+#include <kelvarin/ProgressBoxWidget.h>
 
 #include "controls/progressbox/ProgressBox.h"
 #include "library/ClassFactory.h"

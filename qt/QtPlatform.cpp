@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "qt/QtPlatform.h"
 
 #include <chrono>
@@ -99,7 +100,11 @@ std::string DatePatternFrom(const QString& qtFormat, bool forceFourDigitYear) {
             default:
                 if ((c >= u'A' && c <= u'Z') || (c >= u'a' && c <= u'z')) {
                     // A letter that is no token for Qt may be one for the formatter.
-                    out += "\"" + QString(run, QChar(c)).toStdString() + "\"";
+                    // Appended piece by piece: GCC 12 at -O3 misreads "x" + a
+                    // temporary string as an overlapping copy (-Wrestrict).
+                    out += '"';
+                    out += QString(run, QChar(c)).toStdString();
+                    out += '"';
                 } else {
                     out += QString(run, QChar(c)).toStdString();
                 }

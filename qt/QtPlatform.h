@@ -1,7 +1,8 @@
+// SPDX-License-Identifier: MIT
 // What the Qt host takes from the platform: the system colour table and the
-// user's locale from the application, the millisecond tick, fonts, colours,
-// and the translation of Qt's keys, modifiers and buttons into the host's
-// key codes and masks (host/Keys.h).
+// user's locale from the application (ApplyPlatformSettings installs them),
+// the millisecond tick, fonts, colours, and the translation of Qt's keys,
+// modifiers and buttons into the host's key codes and masks (host/Keys.h).
 #pragma once
 
 #include <cstdint>
@@ -11,6 +12,8 @@
 #include <QLocale>
 #include <QPalette>
 
+#include <kelvarin/Platform.h>
+
 #include "common/Font.h"
 #include "common/Locale.h"
 #include "common/OleColor.h"
@@ -18,11 +21,6 @@
 class QKeyEvent;
 
 namespace kelvarin::qt {
-
-// Installs the palette's colours as the system colour table and the locale
-// as the user's locale; call once the application exists and again when
-// either changes.
-void ApplyPlatformSettings();
 
 // The system colour table a palette stands for; entries a palette has no
 // role for keep the light theme's colour.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Text in the Qt host: measured with QFontMetrics, drawn with QPainter on a
 // 24-bit image, and placed by the host's one layout rule (host/TextLayout.h),
 // so both hosts break, align and underline text alike.

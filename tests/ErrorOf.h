@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The runtime error a call raises, for tests of the host's error numbers.
 #pragma once
 

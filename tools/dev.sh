@@ -1,15 +1,20 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # One entry point for set-up, build and run on Debian 12.
 #   tools/dev.sh test   install what is missing, check the formatting, build, run
 #                       every test (a normal build, then one under address and UB
-#                       sanitizers)
-#   tools/dev.sh run    install what is missing, build, start the main program,
-#                       the gallery (more arguments go to it); without a display
-#                       it runs offscreen and writes a screenshot instead
+#                       sanitizers), then build the libraries and programs for
+#                       Release, install them into a temporary prefix and build
+#                       and run the example against it (CMake and pkg-config)
+#   tools/dev.sh run    install what is missing, build the gallery and start it
+#                       (more arguments go to it); without a display it runs
+#                       offscreen and writes a screenshot instead
 #   tools/dev.sh run-host [SCRIPT]
-#                       install what is missing, build, run the script host
+#                       install what is missing, build the script host, run it
 #                       (on its sample script unless given one; more arguments go to it)
 #   tools/dev.sh build  install what is missing and build, nothing else
+#   tools/dev.sh docs   install Doxygen too and write the API documentation of
+#                       the public headers to build/docs/html
 #   tools/dev.sh fuzz TARGET [SECONDS]
 #                       install what is missing, build the fuzz targets with clang
 #                       and run one (bmp, dispatch, form, ...: fuzz/TARGET_fuzz.cpp)
@@ -82,12 +87,47 @@ install_missing() {
         "${missing[@]}"
 }
 
-# build DIR [cmake options...]: configure once, then build incrementally.
-build() {
+# configure DIR [cmake options...]: once; later runs keep the cache.
+configure() {
     local dir=$1
     shift
     [ -f "$dir/CMakeCache.txt" ] || cmake -S . -B "$dir" -G Ninja "$@"
-    cmake --build "$dir" --parallel "$(nproc)"
+}
+
+# build DIR [cmake options...]: configure once, then build incrementally.
+build() {
+    configure "$@"
+    cmake --build "$1" --parallel "$(nproc)"
+}
+
+# The development build, with warnings as errors.
+dev_options=(-DCMAKE_BUILD_TYPE=RelWithDebInfo -DKELVARIN_WERROR=ON)
+
+# What a distribution builds (Release, -O3, no tests or benchmarks), installed
+# into a temporary prefix as a packager stages it; then the example is built
+# against that prefix only, with find_package and with pkg-config, and run.
+check_release_install() {
+    build build-release -DCMAKE_BUILD_TYPE=Release -DKELVARIN_WERROR=ON \
+        -DKELVARIN_TESTS=OFF -DKELVARIN_BENCH=OFF
+    local prefix
+    prefix=$(mktemp -d)
+    cmake --install build-release --prefix "$prefix" >/dev/null
+    local pcdir
+    pcdir=$(dirname "$(find "$prefix" -name kelvarin-widgets.pc)")
+    "$prefix/bin/kelvarin-host" --version
+    QT_QPA_PLATFORM=offscreen "$prefix/bin/kelvarin-gallery" --version
+    local hello=build-release/hello
+    rm -rf "$hello"
+    cmake -S examples/hello -B "$hello" -G Ninja -DCMAKE_BUILD_TYPE=Release \
+        -DCMAKE_PREFIX_PATH="$prefix" >/dev/null
+    cmake --build "$hello" >/dev/null
+    QT_QPA_PLATFORM=offscreen "$hello/kelvarin-hello" --once
+    # shellcheck disable=SC2046  # the flags are words
+    c++ -std=c++17 -o "$hello/kelvarin-hello-pc" examples/hello/main.cpp \
+        $(PKG_CONFIG_PATH="$pcdir" pkg-config --cflags --libs kelvarin-widgets)
+    LD_LIBRARY_PATH="$(dirname "$pcdir")" QT_QPA_PLATFORM=offscreen \
+        "$hello/kelvarin-hello-pc" --once
+    rm -rf "$prefix"
 }
 
 # The tracked C++ sources must be as .clang-format writes them.
@@ -104,15 +144,18 @@ case "${1:-test}" in
 test)
     install_missing
     check_format
-    build build -DCMAKE_BUILD_TYPE=RelWithDebInfo
+    build build "${dev_options[@]}"
     run_tests build
-    build build-san -DCMAKE_BUILD_TYPE=Debug -DKELVARIN_SANITIZE=ON -DKELVARIN_BENCH=OFF
+    build build-san -DCMAKE_BUILD_TYPE=Debug -DKELVARIN_SANITIZE=ON -DKELVARIN_BENCH=OFF \
+        -DKELVARIN_WERROR=ON
     run_tests build-san
+    check_release_install
     fuzz_briefly
     ;;
 run)
     install_missing
-    build build -DCMAKE_BUILD_TYPE=RelWithDebInfo
+    configure build "${dev_options[@]}"
+    cmake --build build --parallel "$(nproc)" --target kelvarin-gallery
     shift
     if [ -z "${DISPLAY:-}" ] && [ -z "${WAYLAND_DISPLAY:-}" ]; then
         shot=build/kelvarin-gallery.png
@@ -125,14 +168,22 @@ run)
     ;;
 run-host)
     install_missing
-    build build -DCMAKE_BUILD_TYPE=RelWithDebInfo
+    configure build "${dev_options[@]}"
+    cmake --build build --parallel "$(nproc)" --target kelvarin-host
     shift
     if [ $# -eq 0 ]; then set -- apps/host/samples/welcome.khs; fi
     exec build/apps/host/kelvarin-host "$@"
     ;;
 build)
     install_missing
-    build build -DCMAKE_BUILD_TYPE=RelWithDebInfo
+    build build "${dev_options[@]}"
+    ;;
+docs)
+    packages+=(doxygen)
+    install_missing
+    cmake -S . -B build -G Ninja "${dev_options[@]}" >/dev/null  # finds Doxygen
+    cmake --build build --target docs
+    echo "Open $PWD/build/docs/html/index.html to read the documentation."
     ;;
 fuzz)
     [ $# -ge 2 ] || { echo "usage: tools/dev.sh fuzz TARGET [SECONDS]" >&2; exit 2; }
@@ -141,7 +192,7 @@ fuzz)
     fuzz_one "$2" "${3:-600}"
     ;;
 *)
-    echo "usage: tools/dev.sh test|run [GALLERY OPTIONS]|run-host [SCRIPT]|build|fuzz TARGET [SECONDS]" >&2
+    echo "usage: tools/dev.sh test|run [GALLERY OPTIONS]|run-host [SCRIPT]|build|docs|fuzz TARGET [SECONDS]" >&2
     exit 2
     ;;
 esac

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "apps/gallery/Cards.h"
 
 #include <QFrame>

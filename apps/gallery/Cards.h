@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The gallery's building blocks, shared by its pages: the grid of cards, a
 // titled card, captions and captioned rows, styled by the window's style
 // sheet through their names.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "apps/gallery/CommandPage.h"
 
 #include <QCheckBox>
@@ -12,9 +13,9 @@
 #include <QSpinBox>
 #include <QVBoxLayout>
 
+#include <kelvarin/CommandBoxWidget.h>
 #include "apps/gallery/Cards.h"
 #include "common/OleColor.h"
-#include "qt/CommandBoxWidget.h"
 #include "qt/QtPlatform.h"
 
 namespace kelvarin::gallery {
@@ -237,7 +238,7 @@ QString CommandPage::readout() const { return readoutLines().join(QLatin1Char('\
 void CommandPage::replace(qt::ControlWidget* own, qt::ControlWidget* loaded) {
     auto* box = qobject_cast<CommandBoxWidget*>(loaded);
     if (!box || !isAncestorOf(own)) return;
-    box->setDisplayAsDefault(own->AmbientDisplayAsDefault());  // the container's, not stored
+    box->setDisplayAsDefault(own->displayAsDefault());  // the container's, not stored
     follow(box);
     if (own == playButton_) {
         playButton_ = box;

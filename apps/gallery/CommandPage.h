@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The gallery's page for the picture button: the five picture placements
 // in both edge styles, the looks a button takes (mask colour, highlighted,
 // disabled, default, access key), a playground for its properties, and a

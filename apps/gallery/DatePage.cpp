@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "apps/gallery/DatePage.h"
 
 #include <QCheckBox>
@@ -11,10 +12,11 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include <kelvarin/DateBoxWidget.h>
 #include "apps/gallery/Cards.h"
 #include "common/DateTime.h"
 #include "common/OleColor.h"
-#include "qt/DateBoxWidget.h"
+#include "common/Variant.h"
 
 namespace kelvarin::gallery {
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The gallery's page for the date field: the same control under several
 // patterns, empty and non-empty values within limits, a readout of Value
 // and ValueDB as the user edits, and a playground for its properties.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The gallery's page for the raster class's animated effects: particles,
 // digital rain, fire and water, each running live on a picture at the
 // screen's refresh rate. The pointer emits particles, starts streams, lights

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "apps/gallery/GalleryWindow.h"
 
 #include <cmath>
@@ -18,6 +19,8 @@
 #include <QTabWidget>
 #include <QVBoxLayout>
 
+#include <kelvarin/Forms.h>
+#include <kelvarin/ProgressBoxWidget.h>
 #include "apps/gallery/Cards.h"
 #include "apps/gallery/CommandPage.h"
 #include "apps/gallery/DatePage.h"
@@ -25,9 +28,7 @@
 #include "common/OleColor.h"
 #include "host/FormFile.h"
 #include "library/ClassFactory.h"
-#include "qt/Forms.h"
 #include "qt/Guard.h"
-#include "qt/ProgressBoxWidget.h"
 #include "qt/QtPlatform.h"
 
 namespace kelvarin::gallery {

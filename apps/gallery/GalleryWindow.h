@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The gallery: one window that shows the controls at work, a page each.
 // For the progress bar: the three gradient styles, captions and alignments,
 // a simulated job timed by the bar itself, and a playground whose controls

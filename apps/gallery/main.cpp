@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // kelvarin-gallery [--page NAME] [--form FILE] [--save FILE] [--screenshot FILE.png]:
 // the controls at work in a real window. --page opens a page ("DateBox"),
 // --form loads a form file into the gallery, --save writes the gallery's
@@ -5,6 +6,8 @@
 // either of the last two the program exits when done (the offscreen
 // platform will do).
 #include <cstdio>
+#include <cstring>
+#include <memory>
 
 #include <QApplication>
 #include <QCommandLineParser>
@@ -12,8 +15,10 @@
 #include <QFont>
 #include <QStyleFactory>
 
+#include <kelvarin/Version.h>
+
+#include <kelvarin/ProgressBoxWidget.h>
 #include "apps/gallery/GalleryWindow.h"
-#include "qt/ProgressBoxWidget.h"
 #include "qt/QtPlatform.h"
 
 namespace {
@@ -29,20 +34,28 @@ void RunJobForPicture(kelvarin::gallery::GalleryWindow& window) {
         QApplication::processEvents(QEventLoop::AllEvents, 20);
 }
 
+// --help and --version answer without opening a window system.
+bool OnlyAsksForText(int argc, char** argv) {
+    for (int i = 1; i < argc; ++i) {
+        for (const char* option : {"--help", "-h", "--help-all", "--version", "-v"})
+            if (std::strcmp(argv[i], option) == 0) return true;
+    }
+    return false;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
-    QApplication app(argc, argv);
-    QApplication::setApplicationName(QStringLiteral("kelvarin-gallery"));
-    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
-    QFont font(QStringLiteral("DejaVu Sans"));
-    font.setPointSizeF(9.5);
-    QApplication::setFont(font);
-    kelvarin::qt::ApplyPlatformSettings();
+    const std::unique_ptr<QCoreApplication> application =
+        OnlyAsksForText(argc, argv) ? std::make_unique<QCoreApplication>(argc, argv)
+                                    : std::make_unique<QApplication>(argc, argv);
+    QCoreApplication::setApplicationName(QStringLiteral("kelvarin-gallery"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(KELVARIN_VERSION_STRING));
 
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral("The Kelvarin controls at work."));
     parser.addHelpOption();
+    parser.addVersionOption();
     const QCommandLineOption form(QStringLiteral("form"), QStringLiteral("Load a form file."),
                                   QStringLiteral("FILE"));
     const QCommandLineOption save(QStringLiteral("save"),
@@ -55,12 +68,17 @@ int main(int argc, char** argv) {
                                   QStringLiteral("Open a page: ProgressBox, DateBox or Effects."),
                                   QStringLiteral("NAME"));
     parser.addOptions({page, form, save, screenshot});
-    parser.process(app);
+    parser.process(*application);
     if (!parser.positionalArguments().isEmpty()) {
         std::fprintf(stderr, "kelvarin-gallery: unexpected argument %s\n",
                      qPrintable(parser.positionalArguments().first()));
         return 2;
     }
+    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    QFont font(QStringLiteral("DejaVu Sans"));
+    font.setPointSizeF(9.5);
+    QApplication::setFont(font);
+    kelvarin::qt::ApplyPlatformSettings();
 
     kelvarin::gallery::GalleryWindow window;
     int status = 0;
@@ -95,5 +113,5 @@ int main(int argc, char** argv) {
     }
     // Saving or taking a picture is a batch run: it ends here.
     if (parser.isSet(save) || parser.isSet(screenshot)) return status;
-    return app.exec();
+    return QApplication::exec();
 }

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "apps/host/QtMode.h"
 
 #include <QGuiApplication>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // kelvarin-host --qt: the script host with Qt's fonts. The scripted clock,
 // timers, pointer and focus stay as they are, so a script gives the same
 // events; text is measured and drawn by Qt on the offscreen platform, and

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The script's raster surfaces: named clsGFX_2D objects, made, worked on by
 // the class's own operations, written out and compared.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Sections: words and keys; running lines; controls and forms; keys and the
 // pointer; records and pixels; the command table.
 #include "apps/host/ScriptHost.h"
@@ -89,8 +90,9 @@ void ScriptHost::RunModal(host::Popup& popup, host::Point screen) {
 
 void ScriptHost::Execute(std::string_view line) {
     if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
+    line = WithoutComment(line);
     std::size_t first = line.find_first_not_of(" \t");
-    if (first == std::string_view::npos || line[first] == '#') return;
+    if (first == std::string_view::npos) return;
     try {
         const std::vector<std::string> words = SplitWords(line);
         Dispatch(words, line.substr(first));
@@ -213,6 +215,7 @@ void ScriptHost::SendKey(std::string_view action, int code, int shift) {
     }
     Placed* focused = host_.Focused();
     if (!focused) throw ScriptError{"no control has the focus"};
+    if (!focused->Get().SurfaceState().enabled) return;  // a disabled window gets no input
     if (action == "down") focused->Get().KeyDown(key, mask);
     else if (action == "up") focused->Get().KeyUp(key, mask);
     else focused->Get().KeyPress(key);
@@ -249,12 +252,14 @@ void ScriptHost::SendMouse(std::string_view target, std::string_view action, int
         return;
     }
     Placed& placed = Control(target);
-    if (!placed.Get().SurfaceState().enabled) return;  // a disabled window gets no input
-    if (host_.openPopup) {
-        // A press outside the modal popup reaches the popup, not the control.
-        if (action == "down") host_.openPopup->Deactivated();
-        return;
+    if (host::Popup* popup = host_.openPopup; popup && popup->IsOpen()) {
+        // A press outside the modal popup closes it, as a click outside a
+        // popup window does, and then goes where it was aimed.
+        if (action != "down") return;
+        popup->Deactivated();
+        if (popup->IsOpen()) return;
     }
+    if (!placed.Get().SurfaceState().enabled) return;  // a disabled window gets no input
     if (action == "down") {
         host_.SetFocus(&placed);
         placed.Pointer().Press(e, secondOfDouble);

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Runs the script language against the headless host: one command a line,
 // looked up in a table of commands (the .cpp) that gives each its usage,
 // its number of words and what it does.

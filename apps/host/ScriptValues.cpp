@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "apps/host/ScriptValues.h"
 
 #include <cctype>
@@ -79,6 +80,70 @@ Variant ParseFont(std::string_view inner, std::string_view word) {
 
 }  // namespace
 
+namespace {
+
+// Whether a word starting at `i` begins a comment: a # that does not open a
+// date (#2007-12-25#, #13:45:00#), whose first character is a digit.
+bool StartsComment(std::string_view line, std::size_t i) {
+    return line[i] == '#' &&
+           (i + 1 == line.size() || !std::isdigit(static_cast<unsigned char>(line[i + 1])));
+}
+
+// The end of the word that starts at `i`.
+std::size_t WordEnd(std::string_view line, std::size_t i) {
+    if (line[i] == '"') {
+        ++i;
+        while (i < line.size()) {
+            if (line[i] == '"') {
+                if (i + 1 < line.size() && line[i + 1] == '"') {
+                    i += 2;
+                    continue;
+                }
+                return i + 1;
+            }
+            ++i;
+        }
+        return i;
+    }
+    if (line[i] == '#') {
+        const std::size_t close = line.find('#', i + 1);
+        return close == std::string_view::npos ? line.size() : close + 1;
+    }
+    int depth = 0;
+    bool quoted = false;
+    while (i < line.size()) {
+        const char c = line[i];
+        if (quoted) {
+            if (c == '"') quoted = false;
+        } else if (c == '"' && depth > 0) {
+            quoted = true;
+        } else if (c == '(') {
+            ++depth;
+        } else if (c == ')') {
+            --depth;
+        } else if (depth <= 0 && std::isspace(static_cast<unsigned char>(c))) {
+            break;
+        }
+        ++i;
+    }
+    return i;
+}
+
+}  // namespace
+
+std::string_view WithoutComment(std::string_view line) {
+    std::size_t i = 0, end = 0;
+    while (i < line.size()) {
+        if (std::isspace(static_cast<unsigned char>(line[i]))) {
+            ++i;
+            continue;
+        }
+        if (line[i] == '#' && (end == 0 || StartsComment(line, i))) break;
+        i = end = WordEnd(line, i);
+    }
+    return line.substr(0, end);
+}
+
 std::vector<std::string> SplitWords(std::string_view line) {
     std::vector<std::string> words;
     std::size_t i = 0;
@@ -88,41 +153,7 @@ std::vector<std::string> SplitWords(std::string_view line) {
             continue;
         }
         const std::size_t start = i;
-        if (line[i] == '"') {
-            ++i;
-            while (i < line.size()) {
-                if (line[i] == '"') {
-                    if (i + 1 < line.size() && line[i + 1] == '"') {
-                        i += 2;
-                        continue;
-                    }
-                    ++i;
-                    break;
-                }
-                ++i;
-            }
-        } else if (line[i] == '#') {
-            const std::size_t close = line.find('#', i + 1);
-            i = close == std::string_view::npos ? line.size() : close + 1;
-        } else {
-            int depth = 0;
-            bool quoted = false;
-            while (i < line.size()) {
-                const char c = line[i];
-                if (quoted) {
-                    if (c == '"') quoted = false;
-                } else if (c == '"' && depth > 0) {
-                    quoted = true;
-                } else if (c == '(') {
-                    ++depth;
-                } else if (c == ')') {
-                    --depth;
-                } else if (depth <= 0 && std::isspace(static_cast<unsigned char>(c))) {
-                    break;
-                }
-                ++i;
-            }
-        }
+        i = WordEnd(line, i);
         words.emplace_back(line.substr(start, i - start));
     }
     return words;

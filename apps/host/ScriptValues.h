@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The script language's values: how they are read from a word and printed.
 #pragma once
 
@@ -8,6 +9,12 @@
 #include "common/Variant.h"
 
 namespace kelvarin::script {
+
+// The line without its comment, which runs from a # to the end of the line:
+// a # that begins the line, or begins a later word and is not a date's (a
+// digit follows the # of a date). A # inside a quoted text or a date is no
+// comment. Blanks before the comment are dropped too.
+std::string_view WithoutComment(std::string_view line);
 
 // Cuts a line into words: blanks separate; "a ""b""" is one word; so are
 // #2007-12-25 13:45:00# and font("Sans Serif", 8 bold).

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "controls/calendar/CalendarHook.h"
 
 #include "controls/calendar/frmMese.h"

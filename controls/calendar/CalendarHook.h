@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the month calendar popup shares with the DateBox that opens it, once
 // per thread: the exchange label, the allowed range, the look, and the hook
 // that closes the popup when it loses activation.
@@ -11,6 +12,7 @@
 #pragma once
 
 #include <memory>
+#include <string_view>
 
 #include "common/DateTime.h"
 #include "common/Font.h"
@@ -24,6 +26,10 @@ class frmMese;
 // The label whose caption carries the date both ways: "dd/mm/yyyy", or
 // "-1/-1/-1" for none. Null when no DateBox has opened a popup.
 ExchangeLabel* CalendarResultLabel() noexcept;
+// What a DateBox sends when it has no date the calendar can show (a blank
+// part, or a date before 1 February 100). The calendar opens on today's
+// month for it, and neither side ever takes it for 1 February 100.
+inline constexpr std::string_view kNoCalendarDateText = "01/02/0100";
 void SetCalendarResultLabel(ExchangeLabel* label) noexcept;
 // Forgets the label if it is this one (its owner is going away).
 void ForgetCalendarResultLabel(const ExchangeLabel* label) noexcept;

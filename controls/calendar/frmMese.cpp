@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "controls/calendar/frmMese.h"
 
 #include <algorithm>
@@ -102,8 +103,11 @@ frmMese::frmMese(host::ControlSite& site, const Font& ownerFont) : site_(site) {
 
     const ExchangeLabel* label = CalendarResultLabel();
     const std::string text = label ? label->Caption() : std::string("-1/-1/-1");
-    openingDateParts_ = {LeadingNumber(Mid(text, 4, 2)), LeadingNumber(Mid(text, 7, 4)),
-                         LeadingNumber(Mid(text, 1, 2))};
+    // The owner's no-date text names no opening date: today's month, as for "-1/-1/-1".
+    openedWithoutDate_ = text == kNoCalendarDateText;
+    if (!openedWithoutDate_)
+        openingDateParts_ = {LeadingNumber(Mid(text, 4, 2)), LeadingNumber(Mid(text, 7, 4)),
+                             LeadingNumber(Mid(text, 1, 2))};
     const Date today = Today();
     const DateParts now = SplitDate(today);
     const auto [month, year, day] = openingDateParts_;
@@ -209,9 +213,12 @@ void frmMese::FollowCurrentDate() {
     shownYear_ = p.year;
 }
 
+// Without an opening date the exchange text still holds what the owner
+// sent, which it does not take over: nothing is written, nothing changes.
 void frmMese::RestoreOpeningDate() {
     SetNotifyOnChange(true);
     SetForceChange(false);
+    if (openedWithoutDate_) return;
     const auto [month, year, day] = openingDateParts_;
     if (ExchangeLabel* label = CalendarResultLabel())
         label->SetCaption(TwoDigits(day) + "/" + TwoDigits(month) + "/" + std::to_string(year));

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // frmMese: the month calendar a DateBox drops down. One month as seven
 // columns (Monday first) by six week rows under a header with month and
 // year spinners and the weekday names, and a last line with today's date.
@@ -120,6 +121,7 @@ private:
     Long shownMonth_ = 1;
     Long shownYear_ = 2000;
     std::array<Long, 3> openingDateParts_ = {-1, -1, -1};
+    bool openedWithoutDate_ = false;  // the owner sent its no-date text
     SpinnerHalf pressed_ = SpinnerHalf::None;
     bool capture_ = false;
     bool open_ = true;

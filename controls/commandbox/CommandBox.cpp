@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Sections: construction; properties; life-cycle; input and focus; hover;
 // diagnostics.
 #include "controls/commandbox/CommandBox.h"

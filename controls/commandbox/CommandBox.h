@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // CommandBox: a push button that paints its own face: a word-wrapped
 // caption with an access key, a picture in one of five placements with a
 // full-colour, a grey and a disabled look, two edge styles, a default-button
@@ -148,6 +149,9 @@ public:
     // Null once the control has terminated.
     const clsGFX_2D* PreparedPicture(int index) const { return surfaces_.at(index).get(); }
     bool HoverWatchRunning() const;
+    // The hover timer's poll, also for a host that learns at once that the
+    // pointer has left.
+    void CheckHover();
 
 private:
     // Container units per pixel (15 in twips, 1 in pixels), and rounded.
@@ -168,7 +172,6 @@ private:
 
     // ---- Hover
     bool IsPointerOver();
-    void CheckHover();
     void StartHoverWatch();
     void StopHoverWatch();
 

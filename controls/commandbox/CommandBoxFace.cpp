@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The face: where picture and caption go, the three prepared pictures, and
 // the painting of everything onto the persistent image.
 //

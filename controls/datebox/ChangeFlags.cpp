@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "controls/datebox/ChangeFlags.h"
 
 namespace kelvarin::controls {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The two flags that govern the Change event a DateBox raises when one of
 // its date parts is stored. They exist once per thread and are shared by
 // every DateBox on it and by the month calendar popup, which sets them when

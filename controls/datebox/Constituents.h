@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The pieces a DateBox is built from, as plain models the control owns and
 // paints itself: the field boxes (txtData), the separator labels
 // (lblSeparator), the calendar button (cmdSelezione) and the hidden label

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Sections: construction; editor context; value; properties; life-cycle;
 // focus and mouse; keyboard; dispatch; diagnostics. Layout, painting and
 // the calendar are in DateBoxLayout.cpp, DateBoxPaint.cpp and
@@ -13,6 +14,7 @@
 #include "common/Variant.h"
 #include "controls/calendar/CalendarHook.h"
 #include "controls/datebox/ChangeFlags.h"
+#include "host/Keys.h"
 
 namespace kelvarin::controls {
 
@@ -113,7 +115,10 @@ void DateBox::StoreForeColor(OLE_COLOR color) {
     for (LabelElement& label : lblSeparator_.All()) label.foreColor = color;
 }
 
+// The surface follows, so that a disabled control is no tab stop and takes
+// neither the focus nor any input.
 void DateBox::StoreEnabled(bool enabled) {
+    SurfaceState().enabled = enabled;
     for (TextBoxElement& box : txtData_.All()) box.enabled = enabled;
     for (LabelElement& label : lblSeparator_.All()) label.enabled = enabled;
     cmdSelezione_.enabled = enabled;
@@ -320,10 +325,13 @@ void DateBox::GotFocus() {
     Redraw();
 }
 
-// The field being left is committed; a refusal keeps the focus here.
+// The field being left is committed, whatever moves the focus; a refusal
+// keeps the focus here and shows it, the field selected whole as when a key
+// would leave it.
 bool DateBox::QueryLeaveFocus() {
     if (ActiveBox() == 0) return true;
     const bool mayLeave = editor_.CommitBox(ActiveBox());
+    if (!mayLeave) editor_.SelectBox(ActiveBox());
     Redraw();
     return mayLeave;
 }
@@ -436,7 +444,7 @@ void DateBox::KeyDown(Integer& keyCode, Integer shift) {
     if (Locked() || !editor_.Ready()) return;
     const Integer received = keyCode;
     if (ActiveBox() != 0 && editor_.Key(received, shift) == DateEditor::KeyOutcome::OpenCalendar)
-        OpenCalendarFromKeys();
+        OpenCalendar(host::kLeftButton, host::kShiftMask, 1, 1);
     Redraw();
     // The container sees the key after its effect, focus moves included.
     RaiseKey(kKeyDown, received, shift);
@@ -466,7 +474,11 @@ std::string DateBox::ShownText() const {
 std::vector<std::string> DateBox::Dump() const {
     std::vector<std::string> lines;
     for (const FormatToken& t : editor_.Tokens()) {
-        const std::string index = "(" + std::to_string(t.controlIndex) + ") ";
+        // Appended piece by piece: GCC 12 at -O3 warns (-Wrestrict) about
+        // "literal" + std::string&&, whose insert at the front it misreads.
+        std::string index = "(";
+        index += std::to_string(t.controlIndex);
+        index += ") ";
         if (t.isLiteral) {
             lines.push_back("lblSeparator" + index + Quoted(lblSeparator_(t.controlIndex).caption));
             continue;

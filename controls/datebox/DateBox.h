@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // DateBox: a one-line date entry field made of one small box per date or
 // time field of its pattern (DateFormat), literal separators between them,
 // and a button that opens a month calendar. The value may be empty when the
@@ -21,6 +22,8 @@
 #include <string>
 #include <vector>
 
+#include <kelvarin/Export.h>
+
 #include "common/DateTime.h"
 #include "common/OleColor.h"
 #include "controls/datebox/Constituents.h"
@@ -29,7 +32,7 @@
 
 namespace kelvarin::controls {
 
-class DateBox : public host::Control, private DateEditorContext {
+class KELVARIN_CORE_API DateBox : public host::Control, private DateEditorContext {
 public:
     // ---- Members ------------------------------------------------------------
     // The rows of the member table, in type-library order (DateBoxMembers.cpp).
@@ -204,8 +207,6 @@ private:
     // closed: the button's release (in the button's coordinates), F4 and
     // modifier+Down come here. Change follows if the date changed meanwhile.
     void OpenCalendar(Integer button, Integer shift, Single x, Single y);
-    // The calendar keys open it as the button does; the box keeps the focus.
-    void OpenCalendarFromKeys();
     // Where the calendar of the given pixel size opens, in screen pixels.
     host::Point CalendarPosition(host::Size popup);
     // lblValueChanged's change handler: takes over the date in its caption.
@@ -234,6 +235,7 @@ private:
     ExchangeLabel lblValueChanged_;
     DateEditor editor_{txtData_, *this};  // edits txtData_'s texts and cursors
 
+    bool sendingNoDate_ = false;  // the no-date text going out is not taken over
     bool hasFocus_ = false;
     // Set when the focus has just arrived and no input followed yet: a
     // press that brought it goes straight to the box under the pointer.

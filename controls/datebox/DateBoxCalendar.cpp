@@ -1,9 +1,11 @@
+// SPDX-License-Identifier: MIT
 // The DateBox's side of the month calendar: filling the per-thread state the
 // popup reads, placing the popup under the control, and taking over the
 // date it writes back through the exchange label (lblValueChanged).
 #include "controls/datebox/DateBox.h"
 
 #include <cmath>
+#include <optional>
 #include <string>
 
 #include "common/HostError.h"
@@ -22,24 +24,28 @@ constexpr double kTwipsPerPixel = 15;
 
 }  // namespace
 
+// The calendar opens on the date the field shows: a partly typed field is
+// completed first, as leaving it would, and the exchange text carries the
+// date the parts compose to (day 75 of December is sent as 13 February),
+// which the take-over then writes back into the parts, so the boxes, the
+// value and the calendar agree. Without such a date the control's own
+// no-date text is sent and not taken over: the field stays as it is.
 void DateBox::OpenCalendar(Integer, Integer, Single, Single) {
     if (!HasSite()) return;
+    if (ActiveBox() != 0) editor_.CompleteBox(ActiveBox());
     {
         DateEditor::Busy rewriting(editor_);
         SetCalendarResultLabel(&lblValueChanged_);
-        // Blank parts, or a date the calendar cannot show, send its first day.
-        std::string caption = "01/02/0100";
-        const PartValues& parts = editor_.Parts();
-        const Long year = parts[kYear], month = parts[kMonth], day = parts[kDay];
-        if (year != kBlank && month != kBlank && day != kBlank) {
-            try {
-                if (DateSerial(year, month, day) >= kFirstOfFebruary100)
-                    caption = ZeroPadded(day, 2) + "/" + ZeroPadded(month, 2) + "/" +
-                              std::to_string(year);
-            } catch (const HostError&) {
-            }
+        const std::optional<Date> date = editor_.ComposedDate();
+        if (date && *date >= kFirstOfFebruary100) {
+            const DateParts p = SplitDate(*date);
+            lblValueChanged_.SetCaption(ZeroPadded(p.day, 2) + "/" + ZeroPadded(p.month, 2) + "/" +
+                                        std::to_string(p.year));  // runs TakeCalendarDate
+        } else {
+            sendingNoDate_ = true;
+            lblValueChanged_.SetCaption(std::string(kNoCalendarDateText));
+            sendingNoDate_ = false;
         }
-        lblValueChanged_.SetCaption(std::move(caption));  // runs TakeCalendarDate
     }
     SetCalendarMinDate(minDate_);
     SetCalendarMaxDate(maxDate_);
@@ -56,16 +62,11 @@ void DateBox::OpenCalendar(Integer, Integer, Single, Single) {
     const Date before = editor_.PartsToValue();
     Site().ShowModal(popup, at);
     popup.Unload();
+    // However it closed, the field that kept the focus shows its whole text
+    // selected, as on any arrival: the take-over left its caret at the start.
+    if (ActiveBox() != 0) editor_.SelectBox(ActiveBox());
     Redraw();
     if (editor_.PartsToValue() != before) RaiseChange();
-}
-
-// When the calendar closes the focus comes back to the box, which selects
-// its whole text as on any arrival.
-void DateBox::OpenCalendarFromKeys() {
-    const int box = ActiveBox();
-    OpenCalendar(host::kLeftButton, host::kShiftMask, 1, 1);
-    if (ActiveBox() == box) editor_.SelectBox(box);
 }
 
 // Below the control, or above it near the bottom of the screen; right-aligned
@@ -89,6 +90,7 @@ host::Point DateBox::CalendarPosition(host::Size popup) {
 // The flags are cleared while the three parts are stored, so that Change
 // comes once, here, and only if the value really moved.
 void DateBox::TakeCalendarDate() {
+    if (sendingNoDate_) return;
     const Date before = editor_.PartsToValue();
     {
         QuietChanges quiet;
@@ -97,9 +99,8 @@ void DateBox::TakeCalendarDate() {
             return from > caption.size() ? std::string_view()
                                          : std::string_view(caption).substr(from - 1, count);
         };
-        editor_.SetPart(kYear, LeadingNumber(slice(7, 4)), -1);
-        editor_.SetPart(kMonth, LeadingNumber(slice(4, 2)), -1);
-        editor_.SetPart(kDay, LeadingNumber(slice(1, 2)), -1);
+        editor_.SetDate(LeadingNumber(slice(7, 4)), LeadingNumber(slice(4, 2)),
+                        LeadingNumber(slice(1, 2)));
     }
     Redraw();
     if (editor_.PartsToValue() != before) RaiseChange();

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The DateBox's layout: measuring the pattern's tokens, giving the literals
 // their separator labels, sizing the boxes and labels, and placing them
 // with the calendar button on one line (TextLeft, TextTop, TextWidth,

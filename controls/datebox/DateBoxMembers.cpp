@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // DateBox's member table, the orders its properties are read and written
 // in, and its property reader and writer.
 #include "controls/datebox/ChangeFlags.h"

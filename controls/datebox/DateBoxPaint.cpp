@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The DateBox's painting: the back colour, every field box and separator
 // label, and the calendar button, redrawn whole after every change.
 #include "controls/datebox/DateBox.h"

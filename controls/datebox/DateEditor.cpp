@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Sections: pattern and parts; values; cursor; keys (the key table's rows,
 // stepping, today).
 #include "controls/datebox/DateEditor.h"
@@ -52,12 +53,34 @@ Date DateEditor::PartsToValue() const {
 
 Date DateEditor::WorkingValue() const { return controls::WorkingValue(parts_, Loc()); }
 
+namespace {
+
+// A zero date part means blank; a zero time part is midnight's.
+Long StoredPartValue(Long part, Long value) noexcept {
+    return (part == kYear || part == kMonth || part == kDay) && value == 0 ? kBlank : value;
+}
+
+}  // namespace
+
 void DateEditor::SetPart(Long part, Long value, int sourceBox) {
     if (part < 0 || part >= kPartCount) return;
-    // A zero date part means blank; a zero time part is midnight's.
-    if ((part == kYear || part == kMonth || part == kDay) && value == 0) value = kBlank;
     const Long old = parts_[part];
-    parts_[part] = value;
+    parts_[part] = StoredPartValue(part, value);
+    ShowPart(part, sourceBox);
+    ReportChange(old, parts_[part]);
+}
+
+void DateEditor::SetDate(Long year, Long month, Long day) {
+    const PartValues old = parts_;
+    parts_[kYear] = StoredPartValue(kYear, year);
+    parts_[kMonth] = StoredPartValue(kMonth, month);
+    parts_[kDay] = StoredPartValue(kDay, day);
+    for (const Long part : {kYear, kMonth, kDay}) ShowPart(part, -1);
+    for (const Long part : {kYear, kMonth, kDay}) ReportChange(old[part], parts_[part]);
+}
+
+void DateEditor::ShowPart(Long part, int sourceBox) {
+    const Long value = parts_[part];
     const int underscore = context_.UnderscoreWidth();
     std::optional<Date> working;
     for (const FormatToken& t : tokens_) {
@@ -70,7 +93,20 @@ void DateEditor::SetPart(Long part, Long value, int sourceBox) {
         if (!working) working = WorkingValue();
         boxes_(t.controlIndex).SetText(FormatDate(*working, t.text, Loc()));
     }
+}
+
+void DateEditor::ReportChange(Long old, Long value) {
     if ((old != value && NotifyOnChange()) || ForceChange()) context_.ValueChanged();
+}
+
+std::optional<Date> DateEditor::ComposedDate() const {
+    const Long year = parts_[kYear], month = parts_[kMonth], day = parts_[kDay];
+    if (year == kBlank || month == kBlank || day == kBlank) return std::nullopt;
+    try {
+        return DateSerial(year, month, day);
+    } catch (const HostError&) {
+        return std::nullopt;
+    }
 }
 
 void DateEditor::ShowValue(Date d) {
@@ -176,6 +212,14 @@ bool DateEditor::CommitBox(int box) {
             if (!day.isLiteral && day.part == kDay && day.editable) ClampBox(day.controlIndex);
     }
     return mayLeave;
+}
+
+void DateEditor::CompleteBox(int box) {
+    if (!boxes_.Exists(box)) return;
+    const TextBoxElement& b = boxes_(box);
+    const std::string typed = StripPlaceholders(b.text);
+    if (typed.empty() || Utf8Length(typed) == b.Length()) return;
+    CommitBox(box);
 }
 
 // ---- Cursor -----------------------------------------------------------------

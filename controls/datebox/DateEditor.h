@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // DateEditor: the DateBox's editing engine. It keeps the six part values
 // and the pattern's tokens, writes the field boxes' texts and cursors, and
 // works the keys on the field that has the cursor: typing over a
@@ -8,6 +9,7 @@
 // Sections: context; pattern and parts; values; cursor; keys.
 #pragma once
 
+#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -96,11 +98,22 @@ public:
     // `sourceBox`; -1 for none), and reports a change as the per-thread
     // flags say.
     void SetPart(Long part, Long value, int sourceBox);
+    // Stores year, month and day together, then rewrites their boxes: a box
+    // rewritten between two of them would show a date normalised from a mix
+    // of old and new parts. Reports each change as SetPart does.
+    void SetDate(Long year, Long month, Long day);
+    // The date the year, month and day parts compose to, normalised as the
+    // calendar counts (day 75 of December is in February); empty while any
+    // of them is blank or the date lies outside the calendar.
+    std::optional<Date> ComposedDate() const;
     // Rewrites every box from a date; the empty date blanks them all.
     void ShowValue(Date d);
     // Completes, validates and stores a field being left; false keeps the
     // cursor in it (a blank field when the value may not be empty).
     bool CommitBox(int box);
+    // Commits a partly typed field ("3_", "1___") as leaving it would; a
+    // blank or wholly typed one is left as it is.
+    void CompleteBox(int box);
 
     // ---- Cursor -------------------------------------------------------------
     // The box with the cursor; 0 for none.
@@ -121,6 +134,10 @@ public:
     KeyOutcome Key(Integer keyCode, Integer shift);
 
 private:
+    // Rewrites the boxes that show a part, but not `sourceBox`.
+    void ShowPart(Long part, int sourceBox);
+    // ValueChanged for a stored part, as the per-thread flags say.
+    void ReportChange(Long old, Long value);
     void BlankBox(int box, int underscoreWidth);
     Long DaysInPartsMonth() const;
     // Forces a completely typed field into its range.

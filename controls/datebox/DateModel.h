@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The DateBox's value model, apart from any box: the pattern cut into
 // tokens, the six part values that may each be blank, and how a date is
 // split into them and composed from them.

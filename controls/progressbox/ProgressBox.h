@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // ProgressBox: a progress bar painted as a colour gradient, with a caption
 // of its text and percentage, that times a run from its minimum to its
 // maximum and reports elapsed and estimated time.
@@ -12,6 +13,8 @@
 #include <string>
 #include <utility>
 
+#include <kelvarin/Export.h>
+
 #include "common/DateTime.h"
 #include "common/OleColor.h"
 #include "host/Control.h"
@@ -22,7 +25,7 @@ class clsGFX_2D;
 
 namespace kelvarin::controls {
 
-class ProgressBox : public host::Control {
+class KELVARIN_CORE_API ProgressBox : public host::Control {
 public:
     // The rows of the member table, in type-library order
     // (ProgressBoxMembers.cpp).

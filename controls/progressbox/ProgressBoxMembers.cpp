@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // ProgressBox's member table, the order its properties are stored in, and
 // its property reader and writer.
 #include "controls/progressbox/ProgressBox.h"

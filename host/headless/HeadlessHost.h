@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A host without a display: controls draw into memory rasters, the clock
 // and timers move only when told, the pointer is wherever it is put. Used by
 // the script host and the tests.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/headless/Raster.h"
 
 #include <algorithm>

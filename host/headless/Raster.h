@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The headless host's pixels: a 24-bit image, top-down rows of blue, green,
 // red bytes, and a Surface that draws into a rectangle of it.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "pages/general/General.h"
 
 #include "common/HostError.h"

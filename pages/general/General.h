@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // General: the design-time property page of the progress bar and the
 // command button. Two groups of fields, one per control class; the group
 // shown is the first selected control's. A selection fills the fields from
@@ -16,6 +17,8 @@
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include <kelvarin/Export.h>
 
 #include "common/Variant.h"
 #include "host/Control.h"
@@ -50,7 +53,7 @@ struct PropertyAccess {
     void (*let)(host::Control& control, std::string_view property, const Variant& value) = nullptr;
 };
 
-class General : public host::Control {
+class KELVARIN_CORE_API General : public host::Control {
 public:
     explicit General(PropertyAccess access);
 

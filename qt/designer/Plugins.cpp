@@ -1,12 +1,13 @@
+// SPDX-License-Identifier: MIT
 #include "qt/designer/Plugins.h"
 
 #include <QLinearGradient>
 #include <QPainter>
 #include <QPixmap>
 
-#include "qt/CommandBoxWidget.h"
-#include "qt/DateBoxWidget.h"
-#include "qt/ProgressBoxWidget.h"
+#include <kelvarin/CommandBoxWidget.h>
+#include <kelvarin/DateBoxWidget.h>
+#include <kelvarin/ProgressBoxWidget.h>
 #include "qt/QtPlatform.h"
 #include "qt/designer/TaskMenu.h"
 

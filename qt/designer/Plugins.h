@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Qt Designer's entries for the Kelvarin widgets: one widget-box item per
 // control (its icon, default geometry and the header generated code
 // includes), gathered in one plugin.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "qt/designer/TaskMenu.h"
 
 #include <memory>
@@ -11,10 +12,10 @@
 #include <QtDesigner/QDesignerPropertyEditorInterface>
 #include <QtDesigner/QExtensionManager>
 
+#include <kelvarin/ControlWidget.h>
 #include "common/HostError.h"
 #include "library/Dispatch.h"
 #include "pages/general/General.h"
-#include "qt/ControlWidget.h"
 #include "qt/GeneralDialog.h"
 #include "qt/Guard.h"
 
@@ -23,7 +24,7 @@ namespace kelvarin::qt {
 namespace {
 
 QDesignerFormWindowInterface* FormOf(host::Control& control, ControlWidget** widget) {
-    *widget = control.HasSite() ? dynamic_cast<ControlWidget*>(&control.Site()) : nullptr;
+    *widget = ControlWidget::Of(control);
     return *widget ? QDesignerFormWindowInterface::findFormWindow(*widget) : nullptr;
 }
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // "Edit General…" in Qt Designer's context menu of a control that the
 // property page General edits. The page's writes go through the form
 // window's cursor, as the property sheet's own do: the sheet shows them and

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The script host's own edges. Every command also runs end to end in the
 // acceptance scripts (tests/scripts), with the shipped controls.
 #include "apps/host/ScriptHost.h"

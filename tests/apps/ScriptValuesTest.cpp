@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "apps/host/ScriptValues.h"
 
 #include <gtest/gtest.h>
@@ -29,6 +30,26 @@ TEST(ScriptValues, WordsAndValuesReadBackAsTheyPrint) {
           "font(\"A\", 8 heavy)", "&HXYZ", "&H123456789", "1e999"}) {
         EXPECT_THROW(ParseValue(bad), ScriptError) << bad;
     }
+}
+
+TEST(ScriptValues, ACommentRunsFromAHashThatOpensNoDateToTheEndOfTheLine) {
+    EXPECT_EQ(WithoutComment("get bar1.Percentual          # prints bar1.Percentual = 40"),
+              "get bar1.Percentual");
+    EXPECT_EQ(WithoutComment("tick 250 #"), "tick 250");
+    EXPECT_EQ(WithoutComment("tick 250#not a comment"), "tick 250#not a comment");
+    EXPECT_EQ(WithoutComment("# the whole line"), "");
+    EXPECT_EQ(WithoutComment("  #2007-12-25# starts a line"), "");
+    // Dates, quoted texts and fonts keep their #.
+    EXPECT_EQ(WithoutComment("let d.Value #2007-12-25 13:45:00# # Christmas"),
+              "let d.Value #2007-12-25 13:45:00#");
+    EXPECT_EQ(WithoutComment(R"(let b.Text "# one ""#"" two" #three)"),
+              R"(let b.Text "# one ""#"" two")");
+    EXPECT_EQ(WithoutComment(R"(ambient Font font("#1 Sans", 8) #x)"),
+              R"(ambient Font font("#1 Sans", 8))");
+    // An unclosed date or text runs to the end of the line, as SplitWords reads it.
+    EXPECT_EQ(WithoutComment("let d.Value #2007-12-25 # no close"),
+              "let d.Value #2007-12-25 # no close");
+    EXPECT_EQ(WithoutComment(R"(echo "open # text)"), R"(echo "open # text)");
 }
 
 }  // namespace

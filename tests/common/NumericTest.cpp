@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "common/Numeric.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "common/Variant.h"
 
 #include <gtest/gtest.h>

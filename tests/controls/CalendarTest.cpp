@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "controls/calendar/frmMese.h"
 
 #include <gtest/gtest.h>
@@ -108,6 +109,20 @@ TEST_F(CalendarTest, EscapeWithoutAnOpeningDateWritesNoDate) {
     Key(*f, 37);
     Key(*f, 27);
     EXPECT_EQ(written_, std::vector<std::string>{"-1/-1/-1"});
+}
+
+// The owner's no-date text opens on today's month like "-1/-1/-1", and
+// Escape writes nothing back: the owner never takes that text for a date.
+TEST_F(CalendarTest, TheOwnersNoDateTextOpensOnTodayAndEscapeLeavesIt) {
+    auto f = Open(std::string(kNoCalendarDateText));
+    EXPECT_EQ(f->OpeningDateParts(), (std::array<Long, 3>{-1, -1, -1}));
+    EXPECT_EQ(f->ShownMonth(), 11);
+    EXPECT_EQ(f->ShownYear(), 2026);
+    EXPECT_EQ(f->CurrentDate(), Ymd(2026, 11, 22));
+    Key(*f, 33);
+    Key(*f, 27);
+    EXPECT_TRUE(written_.empty());
+    EXPECT_FALSE(f->IsOpen());
 }
 
 // Clicks on days, allowed or not, run in calendar_choose and calendar_cancel.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Layout, keys, hover, access keys and persistence run end to end in the
 // commandbox_*.khs scripts; here, the pixels where edge lines meet, the
 // bytes of the three picture looks, the unit factor's failures and the

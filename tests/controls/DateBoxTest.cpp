@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Sections: value and limits; boxes and layout; mouse; painting;
 // persistence.
 #include "controls/datebox/DateBox.h"
@@ -175,6 +176,51 @@ TEST_F(DateBoxTest, APressPutsTheCaretNearestThePointerAndADragSelects) {
     ASSERT_EQ(host_.events.size(), 3u);
     EXPECT_EQ(host_.events[2].name, "MouseUp");
     EXPECT_EQ(host_.events[2].args[2], Variant(60.0f));
+}
+
+// ---- Focus ------------------------------------------------------------------
+
+// Any focus move commits the field being left, as Tab does: a half-typed
+// field is completed, and a blank one of a box that may not be empty keeps
+// the focus and shows it, selected whole. A disabled box is no tab stop
+// and takes the focus in no way.
+TEST_F(DateBoxTest, EveryFocusMoveCommitsTheFieldAndADisabledBoxTakesNone) {
+    DateBox& b = Make();
+    auto second = std::make_unique<DateBox>();
+    DateBox& o = *second;
+    Placed& other = host_.Add("d2", std::move(second), {120, 21});
+    host::PlaceNew(o, other);
+    b.SetValue(Ymd(2007, 12, 25));
+    const auto key = [&](Integer code) {
+        b.KeyDown(code, 0);
+        b.KeyUp(code, 0);
+    };
+    ASSERT_TRUE(host_.SetFocus(placed_));
+    key('3');
+    EXPECT_EQ(b.ShownText(), "3_/12/2007");
+    ASSERT_TRUE(host_.SetFocus(&other));  // a click on the other box
+    EXPECT_EQ(b.ShownText(), "03/12/2007");
+    EXPECT_EQ(b.Value(), Ymd(2007, 12, 3));
+
+    b.SetNullable(false);
+    ASSERT_TRUE(host_.SetFocus(placed_));
+    key(46);  // Delete empties the whole field
+    EXPECT_EQ(Line(b, "txtData(1)"), "txtData(1) \"__\" sel 0 0 focus");
+    EXPECT_FALSE(host_.SetFocus(&other));
+    EXPECT_FALSE(host_.FocusNext(true));
+    EXPECT_EQ(host_.Focused(), placed_);
+    EXPECT_EQ(Line(b, "txtData(1)"), "txtData(1) \"__\" sel 0 2 focus");
+
+    key('0');
+    key('1');
+    ASSERT_TRUE(host_.SetFocus(&other));
+    b.SetEnabled(false);
+    EXPECT_FALSE(host_.SetFocus(placed_));
+    EXPECT_TRUE(host_.FocusNext(true));  // round to the other box itself
+    EXPECT_EQ(host_.Focused(), &other);
+    b.SetEnabled(true);
+    EXPECT_TRUE(host_.FocusNext(true));
+    EXPECT_EQ(host_.Focused(), placed_);
 }
 
 // ---- Painting ---------------------------------------------------------------

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Sections: keys; leaving a field; parts and boxes.
 #include "controls/datebox/DateEditor.h"
 

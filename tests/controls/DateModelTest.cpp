@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "controls/datebox/DateModel.h"
 
 #include <gtest/gtest.h>

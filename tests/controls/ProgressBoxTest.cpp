@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Values, gradients, the caption, timing and persistence run end to end in
 // the progressbox_*.khs scripts; here, the bar too narrow to divide by.
 #include "controls/progressbox/ProgressBox.h"

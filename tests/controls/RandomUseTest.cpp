@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Long random sequences of user actions and property writes, with the
 // controls' rules checked after every step. Each run is seeded; a failure
 // names its seed and step, and the same seed replays it.

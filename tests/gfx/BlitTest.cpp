@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Block transfers between device contexts: raster operations, clipping,
 // depth conversion, overlap; pictures as contexts.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Bitmap files: exact round trips for every depth, the other layouts a file
 // may use, and refusal of damaged or hostile files.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Colour operations: each rule on hand-checked pixels, faults and refusals,
 // sessions, the vector kernels against the scalar loops, and the weighted
 // grey over the whole cube.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Drawing primitives: viewport, pixels at and past the row's end, lines
 // against the reference, curves, circles, noise.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The animated effects: frame 100 of each scene for a fixed seed, the same
 // with every set of kernels; seeds; the bounds each effect keeps; refusals.
 #include <gtest/gtest.h>

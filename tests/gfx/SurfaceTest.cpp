@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The surface: layout, creation, the pixel array, sessions, pictures in and out.
 #include <gtest/gtest.h>
 

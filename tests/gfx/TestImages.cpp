@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/gfx/TestImages.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Helpers for the raster tests: random images, byte snapshots, pixels, and
 // the kernel sets to run.
 #pragma once

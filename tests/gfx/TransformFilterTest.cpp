@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Transforms and filters: the rules' own cases, refusals and faults, and
 // every fast path against the scalar loops on random images.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/FormFile.h"
 
 #include <gtest/gtest.h>

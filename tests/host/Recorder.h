@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A control that records what its host calls, for the site protocol's tests
 // on every host: life-cycle steps with the client size they see ("Show
 // 96x20": the frame was laid out before), pointer calls with their

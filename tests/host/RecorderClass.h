@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The recording control's class, for hosts that create controls by class
 // name (the script host, forms): one property, BorderStyle, and no events.
 #pragma once

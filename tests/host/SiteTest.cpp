@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The site protocol on the headless host: placing a loaded control, and the
 // pointer protocol's table.
 #include "host/Site.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "library/Dispatch.h"
 
 #include <gtest/gtest.h>

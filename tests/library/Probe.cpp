@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/library/Probe.h"
 
 #include <cstdlib>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A small control for the library tests: one property of every boundary
 // type, a read-only one, methods with and without arguments, and an event.
 #pragma once

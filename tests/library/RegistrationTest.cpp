@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "library/Registration.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "library/Server.h"
 
 #include <gtest/gtest.h>

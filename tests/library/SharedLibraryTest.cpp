@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // libkelvarin.so as a host program sees it: loaded with dlopen, registered
 // into a registry file of its own, a class found by programmatic name and
 // made. What each entry point answers in detail (refusals, counts, locks)
@@ -11,7 +12,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "library/Kelvarin.h"
+#include <kelvarin/Kelvarin.h>
 #include "library/Server.h"
 #include "library/TypeLib.h"
 #include "tests/library/Probe.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "library/TypeLib.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Filling, typing and applying run end to end in general_page.khs; here,
 // every character code through the filter of each kind of field.
 #include "pages/general/General.h"

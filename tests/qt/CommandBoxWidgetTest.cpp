@@ -1,8 +1,9 @@
+// SPDX-License-Identifier: MIT
 // The picture button as a real widget: its Qt properties are dispatch's,
 // pictures come from image files, Qt's clicks and keys arrive as its events
 // in the host's order, Alt with its access key clicks it from anywhere in
 // the window, and the pointer test under a real 50 ms timer drives hover.
-#include "qt/CommandBoxWidget.h"
+#include <kelvarin/CommandBoxWidget.h>
 
 #include <gtest/gtest.h>
 

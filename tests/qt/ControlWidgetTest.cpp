@@ -1,8 +1,9 @@
+// SPDX-License-Identifier: MIT
 // A control widget as a site: a new control is initialised and a loaded one
 // only reads, each framed before it is shown; a border written through
 // dispatch lays it out again; Qt's presses, releases and double clicks reach
 // it through the pointer protocol.
-#include "qt/ControlWidget.h"
+#include <kelvarin/ControlWidget.h>
 
 #include <gtest/gtest.h>
 
@@ -10,7 +11,8 @@
 #include <QMouseEvent>
 #include <QTest>
 
-#include "qt/Forms.h"
+#include <kelvarin/Forms.h>
+#include "host/FormFile.h"
 #include "tests/host/RecorderClass.h"
 #include "tests/qt/QtPrinters.h"
 

@@ -1,8 +1,9 @@
+// SPDX-License-Identifier: MIT
 // The date field as a real widget: its Qt properties are dispatch's, keys
 // typed through Qt edit and step it, Tab leaves it, and F4 or Alt+Down drop
 // the calendar down below it as a modal popup window that the keys drive
 // and a loss of activation closes.
-#include "qt/DateBoxWidget.h"
+#include <kelvarin/DateBoxWidget.h>
 
 #include <gtest/gtest.h>
 
@@ -105,14 +106,78 @@ TEST(DateBoxWidgetTest, ABlankFieldOfARequiredBoxKeepsTheFocus) {
     EXPECT_EQ(box->displayText(), QStringLiteral("31/__/2001"));
 }
 
+// Every focus move inside the window goes the way Tab goes: the mouse and
+// the application's setFocus complete a half-typed field, and a blank
+// field of a required box takes the focus straight back, selected whole.
+TEST(DateBoxWidgetTest, EveryFocusMoveCompletesTheFieldOrIsRefused) {
+    Form form;
+    DateBoxWidget* box = form.box;
+    box->SetValue(At(2007, 12, 25));
+    form.next->setFocus(Qt::TabFocusReason);
+    box->setFocus(Qt::TabFocusReason);  // the field selected whole
+    QTest::keyClick(box, Qt::Key_3);
+    EXPECT_EQ(box->displayText(), QStringLiteral("3_/12/2007"));
+    QTest::mouseClick(form.next, Qt::LeftButton);
+    EXPECT_TRUE(form.next->hasFocus());
+    EXPECT_EQ(box->displayText(), QStringLiteral("03/12/2007"));
+    EXPECT_EQ(box->Value(), At(2007, 12, 3));
+
+    box->setFocus(Qt::TabFocusReason);
+    QTest::keyClick(box, Qt::Key_Right);
+    QTest::keyClick(box, Qt::Key_Right);
+    QTest::keyClick(box, Qt::Key_1);  // the year reads 1___
+    form.next->setFocus(Qt::OtherFocusReason);
+    EXPECT_EQ(box->displayText(), QStringLiteral("03/12/2001"));
+
+    box->SetNullable(false);
+    box->setFocus(Qt::TabFocusReason);
+    QTest::keyClick(box, Qt::Key_Delete);
+    QTest::mouseClick(form.next, Qt::LeftButton);
+    QApplication::processEvents();
+    EXPECT_TRUE(box->hasFocus());
+    EXPECT_EQ(box->displayText(), QStringLiteral("__/12/2001"));
+    // Selected whole: the next digit starts the field afresh.
+    QTest::keyClick(box, Qt::Key_4);
+    EXPECT_EQ(box->displayText(), QStringLiteral("4_/12/2001"));
+}
+
+// A disabled field is no tab stop, takes no focus from a click and reports
+// no key or mouse event.
+TEST(DateBoxWidgetTest, ADisabledFieldTakesNoPart) {
+    Form form;
+    DateBoxWidget* box = form.box;
+    QSignalSpy ups(box, &DateBoxWidget::KeyUp);
+    QSignalSpy mouseUps(box, &DateBoxWidget::MouseUp);
+    form.next->setFocus(Qt::OtherFocusReason);
+    box->SetEnabled(false);
+    EXPECT_FALSE(box->isEnabled());
+    QTest::mouseClick(box, Qt::LeftButton, {}, QPoint(8, 10));
+    EXPECT_TRUE(form.next->hasFocus());
+    QTest::keyClick(form.next, Qt::Key_Tab);
+    EXPECT_FALSE(box->hasFocus());
+    QTest::keyClick(box, Qt::Key_5);
+    EXPECT_EQ(ups.size(), 0);
+    EXPECT_EQ(mouseUps.size(), 0);
+    box->SetEnabled(true);
+    QTest::mouseClick(box, Qt::LeftButton, {}, QPoint(8, 10));
+    EXPECT_TRUE(box->hasFocus());
+    EXPECT_EQ(mouseUps.size(), 1);
+}
+
 // Runs `inside` on the calendar once it is open, from the nested loop that
-// shows it.
+// shows it (a mouse click runs events between its press and its release).
 void WhenOpen(std::function<void(QWidget*)> inside) {
-    QTimer::singleShot(0, [inside = std::move(inside)] {
-        QWidget* popup = QApplication::activePopupWidget();
-        ASSERT_NE(popup, nullptr);
-        inside(popup);
-    });
+    auto* poll = new QTimer(qApp);
+    QObject::connect(poll, &QTimer::timeout,
+                     [poll, inside = std::move(inside), tries = 0]() mutable {
+                         QWidget* popup = QApplication::activePopupWidget();
+                         if (!popup && ++tries < 100) return;
+                         poll->deleteLater();
+                         poll->stop();
+                         ASSERT_NE(popup, nullptr);
+                         inside(popup);
+                     });
+    poll->start(0);
 }
 
 TEST(DateBoxWidgetTest, F4AndAltDownDropTheCalendarBelowTheField) {
@@ -168,6 +233,45 @@ TEST(DateBoxWidgetTest, F4AndAltDownDropTheCalendarBelowTheField) {
     const QPoint moved = box->mapToGlobal(QPoint(2, 2));
     EXPECT_EQ(placed.left(), moved.x() + box->width() - placed.width());
     EXPECT_EQ(placed.top(), moved.y() - placed.height());
+}
+
+// The calendar opened by its button gives the field back selected whole,
+// as F4 does, and a click on another widget while it is open closes it and
+// reaches that widget.
+TEST(DateBoxWidgetTest, TheButtonsCalendarGivesTheFieldBackAndLetsAClickThrough) {
+    Form form;
+    DateBoxWidget* box = form.box;
+    box->SetValue(At(2007, 12, 25));
+    const QPoint button(box->width() - 10, box->height() / 2);
+    QTest::mouseClick(box, Qt::LeftButton, {}, QPoint(8, box->height() / 2));
+    WhenOpen([](QWidget* popup) { QTest::keyClick(popup, Qt::Key_Escape); });
+    QTest::mouseClick(box, Qt::LeftButton, {}, button);
+    EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
+    QTest::keyClick(box, Qt::Key_7);
+    EXPECT_EQ(box->displayText(), QStringLiteral("7_/12/2007"));
+
+    // An empty field opens on today's month and stays empty.
+    box->SetValueDB(QVariant::fromValue(nullptr));
+    QSignalSpy changes(box, &DateBoxWidget::Change);
+    WhenOpen([](QWidget* popup) { QTest::keyClick(popup, Qt::Key_Escape); });
+    QTest::keyClick(box, Qt::Key_F4);
+    EXPECT_EQ(box->displayText(), QStringLiteral("__/__/____"));
+    EXPECT_EQ(changes.size(), 0);
+
+    // The popup holds the mouse: a press on the line edit, beside the
+    // popup that covers part of it, reaches the popup first.
+    QLineEdit* next = form.next;
+    const QPoint aside = next->mapToGlobal(QPoint(next->width() - 4, next->height() / 2));
+    WhenOpen([aside](QWidget* popup) {
+        ASSERT_FALSE(popup->geometry().contains(aside));
+        QTest::mouseClick(popup, Qt::LeftButton, {}, popup->mapFromGlobal(aside));
+    });
+    QTest::mouseClick(box, Qt::LeftButton, {}, button);
+    QApplication::processEvents();
+    EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
+    // The window's focus went to the line edit (offscreen, no window is
+    // active again once a popup has closed).
+    EXPECT_EQ(form.window.focusWidget(), next);
 }
 
 }  // namespace

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Qt Designer's view of the widgets: the plugin loads, names each widget
 // and its header, and makes the widgets of those classes.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Designer's context menu: Designer's own form editor loads the plugin from
 // its plugin path, and "Edit General…" on a bar of a form opens the page,
 // whose apply is one step of the form's undo stack that the property sheet

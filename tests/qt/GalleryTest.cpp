@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The gallery in this process (its forms, its timed job) and as the
 // program a user runs (load, save, screenshot, exit status).
 #include "apps/gallery/GalleryWindow.h"
@@ -16,14 +17,14 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <kelvarin/CommandBoxWidget.h>
+#include <kelvarin/DateBoxWidget.h>
+#include <kelvarin/ProgressBoxWidget.h>
 #include "apps/gallery/CommandPage.h"
 #include "apps/gallery/DatePage.h"
 #include "apps/gallery/EffectsPage.h"
 #include "host/FormFile.h"
 #include "library/ClassFactory.h"
-#include "qt/CommandBoxWidget.h"
-#include "qt/DateBoxWidget.h"
-#include "qt/ProgressBoxWidget.h"
 
 namespace kelvarin::gallery {
 namespace {
@@ -122,7 +123,7 @@ TEST(GalleryTest, TheCommandPageReadsOutEventsAndFollowsLoadedButtons) {
     ASSERT_TRUE(window.loadForm(path).isEmpty());
     EXPECT_EQ(window.commandPage()->playButton(),
               qobject_cast<qt::CommandBoxWidget*>(window.control(QStringLiteral("cmdPlayground"))));
-    EXPECT_TRUE(window.control(QStringLiteral("cmdDefault"))->AmbientDisplayAsDefault());
+    EXPECT_TRUE(window.control(QStringLiteral("cmdDefault"))->displayAsDefault());
 }
 
 // ---- The program -------------------------------------------------------------------------------

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The property page as a Qt dialog, driven by real key and mouse events:
 // numeric fields swallow what the page's filter rejects, Apply follows the
 // changed flag, an apply writes in the page's order and an error it raises
@@ -14,11 +15,11 @@
 #include <QPushButton>
 #include <QTest>
 
+#include <kelvarin/DateBoxWidget.h>
+#include <kelvarin/ProgressBoxWidget.h>
 #include "apps/gallery/GalleryWindow.h"
 #include "library/ClassFactory.h"
 #include "pages/general/General.h"
-#include "qt/DateBoxWidget.h"
-#include "qt/ProgressBoxWidget.h"
 #include "tests/qt/QtPrinters.h"
 
 namespace kelvarin::qt {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The Qt host's surface: exact bytes in a padded 24-bit image, drawing
 // clipped to the view, text measured and drawn by Qt and placed by the
 // host's layout rule. Lines and the focus rectangle are drawn pixel by pixel

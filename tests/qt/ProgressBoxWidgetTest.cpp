@@ -1,8 +1,9 @@
+// SPDX-License-Identifier: MIT
 // The progress bar as a real widget: properties through Qt and through
 // dispatch agree, input arrives as events in the host's order, a real timer
 // reports time, the painted widget shows the gradient, errors stay inside,
 // and forms round-trip.
-#include "qt/ProgressBoxWidget.h"
+#include <kelvarin/ProgressBoxWidget.h>
 
 #include <gtest/gtest.h>
 
@@ -16,12 +17,15 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <kelvarin/CommandBoxWidget.h>
+#include <kelvarin/DateBoxWidget.h>
+#include <kelvarin/Forms.h>
 #include "common/HostError.h"
 #include "controls/progressbox/ProgressBox.h"
+#include "host/ControlSite.h"
+#include "host/FormFile.h"
+#include "host/Surface.h"
 #include "library/Dispatch.h"
-#include "qt/CommandBoxWidget.h"
-#include "qt/DateBoxWidget.h"
-#include "qt/Forms.h"
 #include "qt/QtPlatform.h"
 #include "tests/qt/QtPrinters.h"
 
@@ -275,12 +279,12 @@ TEST(ProgressBoxWidgetTest, TheSiteAnswersFromTheWidgetAndTheScreen) {
     form.show();
     QApplication::processEvents();
 
-    EXPECT_EQ(w->ExtenderTop(), 40);        // in the form, not on the screen
-    EXPECT_EQ(w->Font().pointSizeF(), 13);  // a new control takes the container's font
-    EXPECT_NE(w->WindowHandle(), other->WindowHandle());
-    EXPECT_EQ(w->ClientSurface().Width(), 148);
+    EXPECT_EQ(w->site().ExtenderTop(), 40);  // in the form, not on the screen
+    EXPECT_EQ(w->Font().pointSizeF(), 13);   // a new control takes the container's font
+    EXPECT_NE(w->site().WindowHandle(), other->site().WindowHandle());
+    EXPECT_EQ(w->site().ClientSurface().Width(), 148);
     const QPoint corner = w->mapToGlobal(QPoint(1, 1));
-    EXPECT_EQ(w->ClientToScreen({0, 0}), (host::Point{corner.x(), corner.y()}));
+    EXPECT_EQ(w->site().ClientToScreen({0, 0}), (host::Point{corner.x(), corner.y()}));
 }
 
 }  // namespace

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the Qt host takes from the platform: keys, masks, locale, system
 // colours, the tick, fonts and pictures.
 #include "qt/QtPlatform.h"

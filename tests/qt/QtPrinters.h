@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Readable failure messages for Qt values in GoogleTest, and the events a
 // widget raised as text to compare.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The Qt tests run real widgets on the offscreen platform, whatever the
 // machine has: one application for the whole run, the platform's colours
 // and locale installed as the binding's users install them.

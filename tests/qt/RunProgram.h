@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Runs one of this build's programs to its end, for the tests of what a user
 // runs. The program inherits this process's offscreen platform.
 #pragma once

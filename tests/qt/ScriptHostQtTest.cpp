@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // kelvarin-host --qt: paint writes a PNG of the same pixels as its bitmap,
 // and the text in them is Qt's. That a script gives the same events and
 // values with --qt is the acceptance scripts' (tests/scripts, script_qt.*).

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # Runs one acceptance script and compares what it prints with NAME.out;
 # HOST_ARGS, if given, go before the script.
 # A script may end with status 1 (a command failed on purpose); a crash fails.

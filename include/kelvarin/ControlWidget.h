@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // One control in a Qt window: the widget is the control's site and frame.
 // It places the control as every host does (host/Site.h), keeps its
 // persistent image (painted by the control, shown by paintEvent with the
@@ -10,33 +11,44 @@
 // runtime error the control raises (a HostError) is reported by qWarning
 // and the hostError signal, and never reaches Qt's event loop.
 //
-// Sections: creation; dispatch; persistence; signals; ControlSite and
-// SiteFrame; Qt events.
+// The widget is its control's site through a private part (ControlWidget::Site,
+// in ControlWidget.cpp), so this header needs none of the core's.
+//
+// Sections: creation; dispatch; persistence; signals; the site; Qt events.
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
-#include <optional>
 
 #include <QFont>
 #include <QImage>
 #include <QPixmap>
+#include <QPointer>
 #include <QString>
 #include <QVariant>
 #include <QWidget>
 
-#include "common/HostError.h"
-#include "host/Control.h"
-#include "host/FormFile.h"
-#include "host/Pointer.h"
-#include "host/Site.h"
-#include "qt/Guard.h"
-#include "qt/ImageSurface.h"
-#include "qt/QtText.h"
+#include <kelvarin/Export.h>
+
+namespace kelvarin {
+class Variant;
+}  // namespace kelvarin
+namespace kelvarin::host {
+class Control;
+class ControlSite;
+class PointerProtocol;
+struct FormControl;
+struct PointerEvent;
+}  // namespace kelvarin::host
 
 namespace kelvarin::qt {
 
-class ControlWidget : public QWidget, public host::ControlSite, public host::SiteFrame {
+class ImageSurface;
+class TextPainter;
+struct Failure;
+
+class KELVARIN_WIDGETS_API ControlWidget : public QWidget {
     Q_OBJECT
 
 public:
@@ -69,6 +81,11 @@ public:
     QString className() const;
     host::Control* control() noexcept { return control_.get(); }
     const host::Control* control() const noexcept { return control_.get(); }
+    // The widget's side of the control's site (its ambient properties,
+    // timers, clock, screen).
+    host::ControlSite& site() noexcept;
+    // The widget that sites a control, or null.
+    static ControlWidget* Of(host::Control& control) noexcept;
 
     // ---- Dispatch by member name (case-insensitive) --------------------------
     // These are the widget's only way into the control's properties and
@@ -129,6 +146,10 @@ public:
     void SetMousePointer(int pointer) { letMember(QStringLiteral("MousePointer"), pointer); }
 
 protected:
+    // Whether the pointer is over the control: the topmost widget under the
+    // cursor is this one (another widget lying on top counts as outside).
+    virtual bool isPointerOver() const;
+
     // Emits the subclass's typed signal for an event.
     virtual void emitTypedEvent(int number, const QVariantList& args) {
         (void)number;
@@ -141,44 +162,15 @@ protected:
     int intMember(const char* name);
 
     // Runs f, reporting any error; false when one was raised.
-    template <typename F>
-    bool guard(const char* where, F&& f) noexcept {
-        const Failure failure = Guard(std::forward<F>(f));
-        if (failure) report(where, failure);
-        return !failure;
-    }
+    bool guard(const char* where, const std::function<void()>& f) noexcept;
 
 public:
-    // ---- ControlSite and SiteFrame ----------------------------------------------
-    void PropertyChanged(std::string_view name) override;
-    void RaiseEvent(int number, std::span<Variant> args) override;
-    std::shared_ptr<kelvarin::Font> AmbientFont() override;
-    bool AmbientDisplayAsDefault() override { return displayAsDefault_; }
-    std::string ExtenderName() override;
-    double ExtenderLeft() override { return x(); }
-    double ExtenderTop() override { return y(); }
-    double ExtenderWidth() override { return width(); }
-    double ContainerUnitsPerPixel() override { return 1.0; }
-    Long WindowHandle() override { return handle_; }
-    host::Surface& ClientSurface() override { return client_; }
-    void Refresh() override { update(); }
-    std::unique_ptr<host::Timer> CreateTimer(host::TimerCallback onTick) override;
-    std::uint32_t TickCount() override;
-    Date Now() override;
-    bool IsPointerOver() override;
-    host::Size ScreenSize() override;
-    host::Point ClientToScreen(host::Point client) override;
-    void DoEvents() override;
-    void ShowModal(host::Popup& popup, host::Point screen) override;
-    const Locale& UserLocale() override;
-    int FrameBorder() const override { return client_.View().left(); }
-    void LayOutFrame() override;
-
     // The user typed Alt and one of the control's access keys (its key code),
     // wherever the focus is in the window.
-    void accessKeyPress(Integer keyCode);
+    void accessKeyPress(std::int16_t keyCode);
 
     // The ambient DisplayAsDefault the container gives (false unless set).
+    bool displayAsDefault() const noexcept { return displayAsDefault_; }
     void setDisplayAsDefault(bool value);
     // The image as shown, frame included (for tests and screenshots).
     const QImage& image() const noexcept { return image_; }
@@ -199,6 +191,9 @@ protected:
     bool focusNextPrevChild(bool next) override;
 
 private:
+    class Site;
+    friend class Site;
+
     // Both constructors: the widget, then the control placed as new
     // (entry null) or as loaded from the entry.
     ControlWidget(std::unique_ptr<host::Control> control, host::FormControl* entry,
@@ -210,38 +205,30 @@ private:
     // follow the surface properties it may have changed.
     void syncSurface();
     void paintFrame();
+    void layOutFrame();
     // Runs a call of input into the control, then follows its surface.
-    template <typename F>
-    void forward(const char* where, F&& f) noexcept {
-        if (!control_) return;
-        guard(where, std::forward<F>(f));
-        syncSurface();
-    }
+    void forward(const char* where, const std::function<void()>& f) noexcept;
     // Runs a call through dispatch (an error without a control), then
     // follows the surface; false when it raised.
-    template <typename F>
-    bool dispatch(const char* where, F&& f) noexcept {
-        const bool ok = guard(where, [&] {
-            if (!control_) RaiseHostError(HostErrorCode::ObjectDoesNotSupport);
-            f(*control_);
-        });
-        syncSurface();
-        return ok;
-    }
+    bool dispatch(const char* where, const std::function<void(host::Control&)>& f) noexcept;
     host::PointerEvent pointerEvent(const QMouseEvent& event, Qt::MouseButtons buttons) const;
     // Whether a press is the second of a double click, by Qt's own rule.
     bool isSecondClick(const QMouseEvent& event);
 
     std::unique_ptr<host::Control> control_;
-    std::optional<host::PointerProtocol> pointer_;
+    std::unique_ptr<Site> site_;
+    std::unique_ptr<host::PointerProtocol> pointer_;
     QImage image_;
     QImage shown_;  // the part being painted, in Qt's own 32-bit format
-    TextPainter text_;
-    ImageSurface client_;
-    Long handle_;
+    std::unique_ptr<TextPainter> text_;
+    std::unique_ptr<ImageSurface> client_;
+    std::int32_t handle_;
     bool displayAsDefault_ = false;
     bool placed_ = false;           // the placing sequence has run
     bool hasControlFocus_ = false;  // GotFocus told, LostFocus not yet
+    bool leaveGranted_ = false;     // Tab has asked the control already
+    // The control that refused to be left and is taking the focus back.
+    static inline QPointer<ControlWidget> reclaiming_;
     quint64 lastPressTime_ = 0;
     Qt::MouseButton lastPressButton_ = Qt::NoButton;
     QPoint lastPressAt_;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The date field as a Qt widget. Its properties carry the names of the type
 // library (setProperty("DateFormat", "d mmmm yyyy")) and go through dispatch
 // like any host's; its events are signals in the order of the event
@@ -13,11 +14,12 @@
 #include <QString>
 #include <QVariant>
 
-#include "qt/ControlWidget.h"
+#include <kelvarin/ControlWidget.h>
+#include <kelvarin/Export.h>
 
 namespace kelvarin::qt {
 
-class DateBoxWidget : public ControlWidget {
+class KELVARIN_WIDGETS_API DateBoxWidget : public ControlWidget {
     Q_OBJECT
     Q_PROPERTY(ControlWidget::AppearanceKind Appearance READ Appearance WRITE SetAppearance)
     Q_PROPERTY(uint BackColor READ BackColor WRITE SetBackColor)

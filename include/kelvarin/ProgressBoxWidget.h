@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The gradient progress bar as a Qt widget. Its properties carry the names
 // of the type library (setProperty("Value", 40), Designer's property sheet)
 // and go through dispatch like any host's; its events are signals in the
@@ -11,11 +12,12 @@
 #include <QPixmap>
 #include <QString>
 
-#include "qt/ControlWidget.h"
+#include <kelvarin/ControlWidget.h>
+#include <kelvarin/Export.h>
 
 namespace kelvarin::qt {
 
-class ProgressBoxWidget : public ControlWidget {
+class KELVARIN_WIDGETS_API ProgressBoxWidget : public ControlWidget {
     Q_OBJECT
     Q_PROPERTY(uint BackColor READ BackColor WRITE SetBackColor)
     Q_PROPERTY(uint ForeColor READ ForeColor WRITE SetForeColor)

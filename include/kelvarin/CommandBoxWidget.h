@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The picture button as a Qt widget. Its properties carry the names of the
 // type library (setProperty("AlignPicture", 3), Designer's property sheet)
 // and go through dispatch like any host's; its events are signals in the
@@ -13,11 +14,12 @@
 #include <QPixmap>
 #include <QString>
 
-#include "qt/ControlWidget.h"
+#include <kelvarin/ControlWidget.h>
+#include <kelvarin/Export.h>
 
 namespace kelvarin::qt {
 
-class CommandBoxWidget : public ControlWidget {
+class KELVARIN_WIDGETS_API CommandBoxWidget : public ControlWidget {
     Q_OBJECT
     Q_PROPERTY(uint BackColor READ BackColor WRITE SetBackColor)
     Q_PROPERTY(uint ForeColor READ ForeColor WRITE SetForeColor)

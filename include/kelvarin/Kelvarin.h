@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 /* The entry points of libkelvarin.so, for programs that load it at run time.
  *
  * A host loads the library with dlopen, registers it with DllRegisterServer,
