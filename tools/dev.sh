@@ -38,7 +38,7 @@ packages+=(clang libclang-rt-dev)
 build_fuzz() {
     [ -f build-fuzz/CMakeCache.txt ] ||
         CC=clang CXX=clang++ cmake -S . -B build-fuzz -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
-            -DKELVARIN_FUZZ=ON -DKELVARIN_BENCH=OFF
+            -DKELVARIN_FUZZ=ON -DKELVARIN_BENCH=OFF -DKELVARIN_WERROR=ON
     cmake --build build-fuzz --target fuzz_targets --parallel "$(nproc)"
 }
 
