@@ -252,8 +252,9 @@ inline void WorkPopup(host::Popup& popup, FuzzInput& in) {
 
 // One action of a user on a placed control: a key, a press, move or
 // release of the pointer, a click, the focus, or time passing. True when it
-// typed a digit into the control (typing is held to a field's own range
-// only, not to a date field's limits).
+// typed into the control, a digit or a deletion (a typed field is held to
+// its own range only, not to a date field's limits, and a part-typed year
+// is completed in this century).
 inline bool UserAction(host::headless::HeadlessHost& host, host::headless::Placed& placed,
                        FuzzInput& in) {
     const host::Size size = placed.OuterSize();
@@ -269,7 +270,8 @@ inline bool UserAction(host::headless::HeadlessHost& host, host::headless::Place
             const int key = AnyKey(in);
             Stroke(placed.Get(), key, e.shift);
             return (key >= host::kKey0 && key <= host::kKey0 + 9) ||
-                   (key >= host::kKeyNumpad0 && key <= host::kKeyNumpad0 + 9);
+                   (key >= host::kKeyNumpad0 && key <= host::kKeyNumpad0 + 9) ||
+                   key == host::kKeyDelete || key == host::kKeyBack;
         }
         case 2:
             if (!enabled) return false;
@@ -307,7 +309,12 @@ inline std::string SaveAndLoad(host::headless::Placed& placed, host::headless::H
     fc.height = placed.OuterSize().height;
     host::FormPropertyBag bag(fc.properties, fc.name);
     control.WriteProperties(bag);
-    const std::string text = host::WriteForm(file);
+    std::string text;
+    try {
+        text = host::WriteForm(file);
+    } catch (const host::FormError&) {
+        return {};  // a value no form keeps (a font of 1e47 points) is refused: nothing saved
+    }
     host::Form back;
     try {
         back = host::ReadForm(text, "saved", [](std::string_view) { return true; });
@@ -340,6 +347,7 @@ inline std::string SavedLoadsBack(host::headless::Placed& placed) {
         const std::string text =
             SaveAndLoad(*from, trip == 0 ? first : second, copies[trip], failed);
         if (failed) return text;
+        if (!copies[trip]) return {};  // refused as it was written: nothing saved
         const auto saved = Properties(from->Get(), true),
                    read = Properties(copies[trip]->Get(), true);
         bool same = saved.size() == read.size();

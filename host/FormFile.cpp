@@ -129,6 +129,9 @@ Json EncodePicture(const Picture& picture, const std::string& place) {
 
 // A text as JSON keeps only UTF-8; other bytes (texts are bytes to the
 // controls) are stored as {"bytes": base64}, so that they load back as they were.
+// Points; a font larger than this is no font a form keeps.
+constexpr double kMaxFontSize = 2048;
+
 Json EncodeText(const std::string& text) {
     if (IsValidUtf8(text)) return text;
     return Json{
@@ -150,6 +153,9 @@ Json Encode(const Variant& v, const std::string& place) {
             const auto object = v.ToObject();
             if (!object) return Json{{"nothing", true}};
             if (const auto* font = dynamic_cast<const Font*>(object.get())) {
+                // Refused here, not written for the reader to refuse.
+                if (!(font->size > 0 && font->size <= kMaxFontSize))
+                    Fail(place + ".size", "font size out of range");
                 return Json{{"font",
                              {{"name", EncodeText(font->name)},
                               {"size", font->size},
@@ -303,7 +309,8 @@ Variant Decode(const Json& j, const std::string& place) {
                 auto font = std::make_shared<Font>();
                 font->name = TextOrBytes(Member(value, "name", inner), inner + ".name", 256);
                 font->size = Number(Member(value, "size", inner), inner + ".size");
-                if (font->size <= 0 || font->size > 2048) Fail(inner + ".size", "out of range");
+                if (!(font->size > 0 && font->size <= kMaxFontSize))
+                    Fail(inner + ".size", "out of range");
                 for (auto [flag, field] : {std::pair{"bold", &font->bold},
                                            {"italic", &font->italic},
                                            {"underline", &font->underline},
