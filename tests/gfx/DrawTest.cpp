@@ -87,6 +87,8 @@ TEST(Viewport, OnAHeaderOfTheMostNegativeSizeRaisesOverflow) {
     clsGFX_2D gfx;
     EXPECT_FALSE(gfx.Create(INT32_MIN, 5, 8));
     EXPECT_EQ(ErrorOf([&] { gfx.Draw_SetViewport(3, 0, 1, 1); }), 6);
+    EXPECT_FALSE(gfx.Create(-715827884, 5, 24));  // a scan line of -2147483648 bytes
+    EXPECT_EQ(gfx.Get_BytesPerScanLine(), INT32_MIN);
     EXPECT_EQ(ErrorOf([&] { gfx.Draw_StartSession(); }), 6);
     EXPECT_FALSE(gfx.Create(5, INT32_MIN));
     EXPECT_EQ(ErrorOf([&] { gfx.Draw_SetViewport(0, 0, 1, -1); }), 6);
