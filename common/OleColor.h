@@ -63,6 +63,22 @@ KELVARIN_CORE_API const SysColorTable& DefaultSysColors() noexcept;
 KELVARIN_CORE_API void SetSysColors(const SysColorTable& table) noexcept;
 KELVARIN_CORE_API const SysColorTable& CurrentSysColors() noexcept;
 
+// Makes a table the current one for as long as it lives, then restores the
+// one before: a host whose parts have tables of their own (a dark panel in
+// a light window) sets each part's around every call into its control.
+class ScopedSysColors {
+public:
+    explicit ScopedSysColors(const SysColorTable& table) noexcept : saved_(CurrentSysColors()) {
+        SetSysColors(table);
+    }
+    ~ScopedSysColors() { SetSysColors(saved_); }
+    ScopedSysColors(const ScopedSysColors&) = delete;
+    ScopedSysColors& operator=(const ScopedSysColors&) = delete;
+
+private:
+    SysColorTable saved_;
+};
+
 // Colour n of the current table; 0 for an index outside it, as the system does.
 KELVARIN_CORE_API OLE_COLOR GetSysColor(std::uint32_t index) noexcept;
 

@@ -92,6 +92,11 @@ public:
     virtual bool IsOpen() const = 0;
     // State lines for diagnostics ("key value").
     virtual std::vector<std::string> Dump() const { return {}; }
+    // What assistive technology reads of a calendar: the date it stands on
+    // and the month and year it shows; 0 for a popup that is no calendar.
+    virtual Date CurrentDate() const { return 0; }
+    virtual Long ShownMonth() const { return 0; }
+    virtual Long ShownYear() const { return 0; }
 };
 
 }  // namespace kelvarin::host

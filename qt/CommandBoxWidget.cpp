@@ -8,14 +8,24 @@
 
 namespace kelvarin::qt {
 
+namespace {
+
+// Laid out as QPushButton is: its own width at least, its own height.
+const QSizePolicy kButtonPolicy(QSizePolicy::Minimum, QSizePolicy::Fixed, QSizePolicy::PushButton);
+
+}  // namespace
+
 CommandBoxWidget::CommandBoxWidget(QWidget* parent)
-    : ControlWidget(library::ClassRegistry::Instance().Create("CommandBox"), parent) {}
+    : ControlWidget(library::ClassRegistry::Instance().Create("CommandBox"), parent) {
+    setSizePolicy(kButtonPolicy);
+}
 
 CommandBoxWidget::CommandBoxWidget(host::FormControl& entry, const QString& place, QWidget* parent)
     : ControlWidget(library::ClassRegistry::Instance().Create("CommandBox"), entry, place, parent) {
+    setSizePolicy(kButtonPolicy);
 }
 
-QPixmap CommandBoxWidget::Picture() {
+QPixmap CommandBoxWidget::Picture() const {
     const QImage image = getMember(QStringLiteral("Picture")).value<QImage>();
     return image.isNull() ? QPixmap() : QPixmap::fromImage(image);
 }

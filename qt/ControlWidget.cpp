@@ -8,6 +8,7 @@
 #include <QCursor>
 #include <QDateTime>
 #include <QKeyEvent>
+#include <QMetaMethod>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPixmap>
@@ -23,6 +24,7 @@
 #include "host/Pointer.h"
 #include "host/Site.h"
 #include "library/Dispatch.h"
+#include "qt/Accessibility.h"
 #include "qt/Guard.h"
 #include "qt/ImageSurface.h"
 #include "qt/PictureImage.h"
@@ -197,7 +199,8 @@ ControlWidget::ControlWidget(std::unique_ptr<host::Control> control, host::FormC
       site_(std::make_unique<Site>(*this)),
       text_(std::make_unique<TextPainter>()),
       client_(std::make_unique<ImageSurface>(image_, *text_)),
-      handle_(NextHandle()) {
+      handle_(NextHandle()),
+      sysColors_(SysColorsFrom(palette())) {
     setAttribute(Qt::WA_OpaquePaintEvent);
     setMouseTracking(true);  // the control hears every move, buttons or not
     setFocusPolicy(Qt::StrongFocus);
@@ -215,6 +218,7 @@ ControlWidget::ControlWidget(std::unique_ptr<host::Control> control, host::FormC
     control_->SetSite(site_.get());
     pointer_ = std::make_unique<host::PointerProtocol>(*control_);
     AccessKeyFilter::Install();
+    InstallAccessibility();
     if (entry) {
         host::FormPropertyBag bag(entry->properties, Utf8(place));
         guard("Place", [&] { host::PlaceLoaded(*control_, bag, *site_); });
@@ -247,7 +251,10 @@ ControlWidget* ControlWidget::Of(host::Control& control) noexcept {
     return site ? &site->Widget() : nullptr;
 }
 
-bool ControlWidget::guard(const char* where, const std::function<void()>& f) noexcept {
+// System colours are the widget's own palette's while f runs, so a palette
+// set on a parent or on the widget is what the control paints with.
+bool ControlWidget::guard(const char* where, const std::function<void()>& f) const noexcept {
+    const ScopedSysColors colors(sysColors_);
     const Failure failure = Guard(f);
     if (failure) report(where, failure);
     return !failure;
@@ -269,11 +276,14 @@ bool ControlWidget::dispatch(const char* where,
     return ok;
 }
 
-void ControlWidget::report(const char* where, const Failure& failure) noexcept {
+void ControlWidget::report(const char* where, const Failure& failure) const noexcept {
     lastErrorNumber_ = failure.number;
     lastErrorText_ = failure.text;
     WarnFailure(objectName(), where, failure);
-    emit hostError(failure.number, failure.text, QString::fromUtf8(where));
+    // A read that fails is reported like any call: the signal is the
+    // widget's diagnostics, not a change of its state.
+    emit const_cast<ControlWidget*>(this)->hostError(failure.number, failure.text,
+                                                     QString::fromUtf8(where));
 }
 
 // ---- Dispatch -----------------------------------------------------------------------
@@ -371,7 +381,7 @@ QVariant ControlWidget::FromVariant(const Variant& value) {
     return {};
 }
 
-QVariant ControlWidget::getMember(const QString& name) {
+QVariant ControlWidget::getMember(const QString& name) const {
     QVariant result;
     guard("Get", [&] {
         if (!control_) RaiseHostError(HostErrorCode::ObjectDoesNotSupport);
@@ -380,17 +390,33 @@ QVariant ControlWidget::getMember(const QString& name) {
     return result;
 }
 
-QPixmap ControlWidget::MouseIcon() {
+QPixmap ControlWidget::MouseIcon() const {
     const QImage image = getMember(QStringLiteral("MouseIcon")).value<QImage>();
     return image.isNull() ? QPixmap() : QPixmap::fromImage(image);
 }
 
-uint ControlWidget::colorMember(const char* name) {
+uint ControlWidget::colorMember(const char* name) const {
     return static_cast<uint>(getMember(QString::fromLatin1(name)).toInt());
 }
 
-int ControlWidget::intMember(const char* name) {
+int ControlWidget::intMember(const char* name) const {
     return getMember(QString::fromLatin1(name)).toInt();
+}
+
+QColor ControlWidget::qColorMember(const char* name) const {
+    const ScopedSysColors colors(sysColors_);
+    return ToQColor(colorMember(name));
+}
+
+void ControlWidget::resetMember(const char* name) {
+    dispatch("Reset", [&](host::Control& c) {
+        for (const host::Member& m : c.Members()) {
+            if (m.name != name) continue;
+            library::Let(c, m.name, m.defaultValue);
+            return;
+        }
+        RaiseHostError(HostErrorCode::ObjectDoesNotSupport);
+    });
 }
 
 bool ControlWidget::letMember(const QString& name, const QVariant& value) {
@@ -439,6 +465,7 @@ void ControlWidget::resizeImage() {
     if (image_.size() != size) {
         image_ =
             QImage(std::max(size.width(), 0), std::max(size.height(), 0), QImage::Format_BGR888);
+        const ScopedSysColors colors(sysColors_);
         const OLE_COLOR back = control_ ? TranslateSysColor(control_->SurfaceState().backColor)
                                         : GetSysColor(COLOR_BTNFACE);
         image_.fill(ToQColor(back));
@@ -451,6 +478,7 @@ void ControlWidget::paintFrame() {
     const int w = image_.width(), h = image_.height();
     client_->SetView(QRect(b, b, std::max(w - 2 * b, 0), std::max(h - 2 * b, 0)));
     if (!control_ || b == 0 || image_.isNull()) return;
+    const ScopedSysColors colors(sysColors_);
     ImageSurface whole(image_, *text_);
     whole.SetView(image_.rect());
     host::PaintBorder(whole, control_->SurfaceState(), w, h);
@@ -464,7 +492,7 @@ void ControlWidget::layOutFrame() {
 void ControlWidget::syncSurface() {
     if (!control_ || !placed_) return;
     const host::SurfaceProperties& s = control_->SurfaceState();
-    if (isEnabled() != s.enabled) setEnabled(s.enabled);
+    syncEnabledAndFont();
     if (s.mousePointer == 99) {
         const auto icon = std::dynamic_pointer_cast<Picture>(s.mouseIcon);
         if (icon && icon->HasHandle()) {
@@ -479,11 +507,68 @@ void ControlWidget::syncSurface() {
     guard("Resize", [&] { host::SyncFrame(*control_, *site_); });
 }
 
+bool ControlWidget::hasEnabledAndFont() const {
+    int found = 0;
+    for (const host::Member& m : control_->Members())
+        found += m.kind == host::MemberKind::Property && (m.name == "Enabled" || m.name == "Font");
+    return found == 2;
+}
+
+// The widget's own enabled flag (not its parent's) is the control's
+// Enabled: a control in a disabled panel takes no input, as Qt has it, but
+// keeps, and saves, its own Enabled.
+void ControlWidget::syncEnabledAndFont() {
+    if (!control_ || !placed_ || syncing_) return;
+    if (!hasEnabledAndFont()) return;
+    bool enabled = true;
+    std::shared_ptr<kelvarin::Font> font;
+    const bool read = guard("Get", [&] {
+        enabled = library::Get(*control_, "Enabled").ToBoolean();
+        font =
+            std::dynamic_pointer_cast<kelvarin::Font>(library::Get(*control_, "Font").ToObject());
+    });
+    if (!read) return;
+    syncing_ = true;
+    if (testAttribute(Qt::WA_ForceDisabled) == enabled) setEnabled(enabled);
+    // Compared in the control's terms: a font the widget only inherits
+    // (its container's) is not made the widget's own.
+    if (font && !(FromQFont(this->font()) == *font)) setFont(ToQFont(*font));
+    syncing_ = false;
+}
+
+void ControlWidget::takeEnabledAndFont() {
+    if (!control_ || !placed_ || syncing_ || !hasEnabledAndFont()) return;
+    syncing_ = true;
+    const bool enabled = !testAttribute(Qt::WA_ForceDisabled);
+    if (getMember(QStringLiteral("Enabled")).toBool() != enabled)
+        letMember(QStringLiteral("Enabled"), enabled);
+    if (!(FromQFont(getMember(QStringLiteral("Font")).value<QFont>()) == FromQFont(font())))
+        setMember(QStringLiteral("Font"), font());
+    syncing_ = false;
+}
+
+// A property-changed notification, under the persisted name: the
+// propertyChanged signal, then the NOTIFY signal of the Q_PROPERTY.
+void ControlWidget::notifyChanged(std::string_view name) {
+    emit propertyChanged(QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size())));
+    // The NOTIFY signal goes by the member's name, which the notification
+    // gives in its persisted form.
+    std::string_view member = name;
+    for (const host::Member& m : control_->Members()) {
+        if (m.persisted == name || m.name == name) {
+            member = m.name;
+            break;
+        }
+    }
+    const QByteArray signal = QByteArray(member.data(), static_cast<qsizetype>(member.size())) +
+                              QByteArrayLiteral("Changed()");
+    const int index = metaObject()->indexOfSignal(signal.constData());
+    if (index >= 0) metaObject()->method(index).invoke(this, Qt::DirectConnection);
+}
+
 // ---- The site ------------------------------------------------------------------------------
 
-void ControlWidget::Site::PropertyChanged(std::string_view name) {
-    emit w_.propertyChanged(QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size())));
-}
+void ControlWidget::Site::PropertyChanged(std::string_view name) { w_.notifyChanged(name); }
 
 void ControlWidget::Site::RaiseEvent(int number, std::span<Variant> args) {
     QVariantList list;
@@ -541,6 +626,17 @@ void ControlWidget::setDisplayAsDefault(bool value) {
 void ControlWidget::paintEvent(QPaintEvent* event) {
     const QRect exposed = event->rect().intersected(image_.rect());
     if (exposed.isEmpty()) return;
+    const qreal ratio = devicePixelRatioF();
+    if (text_->Recording() != (ratio > 1)) {
+        // The ratio changed (another screen): text is kept for it from a
+        // fresh paint on, or no longer kept.
+        text_->SetRecording(ratio > 1);
+        if (control_ && placed_) guard("Paint", [&] { control_->Paint(); });
+    }
+    if (ratio > 1) {
+        QPainter(this).drawImage(QPoint(0, 0), text_->ShowAtRatio(image_, ratio));
+        return;
+    }
     if (shown_.width() < exposed.width() || shown_.height() < exposed.height())
         shown_ = QImage(image_.size(), QImage::Format_RGB32);
     const int w = exposed.width();
@@ -578,13 +674,24 @@ void ControlWidget::resizeEvent(QResizeEvent* event) {
 void ControlWidget::changeEvent(QEvent* event) {
     QWidget::changeEvent(event);
     if (!placed_) return;
-    if (event->type() == QEvent::FontChange) {
-        guard("AmbientChanged", [&] { control_->AmbientChanged("Font"); });
-    } else if (event->type() == QEvent::PaletteChange) {
-        // The desktop theme changed: system colours are read again.
-        SetSysColors(SysColorsFrom(QApplication::palette()));
-        guard("Paint", [&] { control_->Paint(); });
-        layOutFrame();
+    switch (event->type()) {
+        case QEvent::EnabledChange: takeEnabledAndFont(); break;
+        case QEvent::FontChange:
+            if (!testAttribute(Qt::WA_SetFont))
+                guard("AmbientChanged", [&] { control_->AmbientChanged("Font"); });
+            takeEnabledAndFont();
+            break;
+        case QEvent::PaletteChange: {
+            // Our palette, the container's or the desktop theme changed: the
+            // system colours are read again from the palette now in effect.
+            sysColors_ = SysColorsFrom(palette());
+            if (palette() == QApplication::palette()) SetSysColors(sysColors_);
+            paintFrame();
+            guard("Paint", [&] { control_->Paint(); });
+            update();
+            break;
+        }
+        default: break;
     }
 }
 
@@ -705,7 +812,8 @@ void ControlWidget::focusOutEvent(QFocusEvent* event) {
 bool ControlWidget::focusNextPrevChild(bool next) {
     // The control may keep the focus (an invalid entry it will not leave).
     bool leave = true;
-    if (control_ && hasControlFocus_)
+    // Being disabled moves the focus on whatever the control would say.
+    if (control_ && hasControlFocus_ && !syncing_)
         guard("QueryLeaveFocus", [&] { leave = control_->QueryLeaveFocus(); });
     if (!leave) return true;
     leaveGranted_ = hasControlFocus_;

@@ -13,7 +13,10 @@
 namespace kelvarin::qt {
 
 PopupWindow::PopupWindow(host::Popup& popup, QWidget* owner)
-    : QWidget(owner, Qt::Popup | Qt::FramelessWindowHint), popup_(popup), surface_(image_, text_) {
+    : QWidget(owner, Qt::Popup | Qt::FramelessWindowHint),
+      popup_(popup),
+      surface_(image_, text_),
+      colors_(SysColorsFrom(owner ? owner->palette() : QApplication::palette())) {
     setAttribute(Qt::WA_OpaquePaintEvent);
     setAttribute(Qt::WA_NoMouseReplay);  // PopupWindow replays a press outside itself
     setMouseTracking(true);
@@ -61,6 +64,7 @@ void ReplayPress(const QMouseEvent& event) {
 
 template <typename F>
 void PopupWindow::guard(const char* where, F&& f) noexcept {
+    const ScopedSysColors colors(colors_);
     const Failure failure = Guard(std::forward<F>(f));
     if (!failure) return;
     WarnFailure(QStringLiteral("popup"), where, failure);
@@ -96,8 +100,12 @@ void PopupWindow::paintEvent(QPaintEvent*) {
         image_ = QImage(std::max(size.width, 1), std::max(size.height, 1), QImage::Format_BGR888);
     image_.fill(Qt::white);
     surface_.SetView(image_.rect());
+    // Sharp text above a device pixel ratio of 1 (see qt/QtText.h).
+    const qreal ratio = devicePixelRatioF();
+    text_.SetRecording(ratio > 1);
     guard("Paint", [&] { popup_.Paint(surface_); });
-    QPainter(this).drawImage(0, 0, image_);
+    if (ratio > 1) QPainter(this).drawImage(0, 0, text_.ShowAtRatio(image_, ratio));
+    else QPainter(this).drawImage(0, 0, image_);
 }
 
 void PopupWindow::keyPressEvent(QKeyEvent* event) {

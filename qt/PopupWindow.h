@@ -9,6 +9,7 @@
 #include <QImage>
 #include <QWidget>
 
+#include "common/OleColor.h"
 #include "host/ControlSite.h"
 #include "qt/ImageSurface.h"
 #include "qt/QtText.h"
@@ -21,6 +22,8 @@ class PopupWindow : public QWidget {
 public:
     // `report` receives errors the popup raises while it handles input.
     PopupWindow(host::Popup& popup, QWidget* owner);
+
+    host::Popup& popup() const noexcept { return popup_; }
 
     // Shows the window at the screen point and returns once the popup has closed.
     void exec(const QPoint& screen);
@@ -51,6 +54,7 @@ private:
     TextPainter text_;
     ImageSurface surface_;
     QEventLoop loop_;
+    SysColorTable colors_;  // the owner's palette's: the popup paints as the owner does
 };
 
 }  // namespace kelvarin::qt

@@ -28,7 +28,10 @@ packages=(g++ cmake ninja-build pkg-config libgtest-dev libgmock-dev libbenchmar
           # Qt 6 Widgets, Designer's plugin and extension interfaces (Designer
           # needs the OpenGL module's CMake files), SVG pictures, and what the
           # offscreen platform needs to draw text in tests and screenshots.
-          qt6-base-dev qt6-tools-dev libqt6opengl6-dev qt6-svg-dev libgl-dev fonts-dejavu-core)
+          qt6-base-dev qt6-tools-dev libqt6opengl6-dev qt6-svg-dev libgl-dev fonts-dejavu-core
+          # The gallery's end-to-end test: a real X server, a pointer and a
+          # keyboard driven from its script.
+          xvfb xdotool python3)
 
 # ---- Fuzzing ---------------------------------------------------------------
 # The libFuzzer programs, built by clang with the address and undefined-
@@ -160,7 +163,9 @@ run)
     if [ -z "${DISPLAY:-}" ] && [ -z "${WAYLAND_DISPLAY:-}" ]; then
         shot=build/kelvarin-gallery.png
         echo "No display (DISPLAY and WAYLAND_DISPLAY are unset): running the gallery offscreen."
-        QT_QPA_PLATFORM=offscreen build/apps/gallery/kelvarin-gallery --screenshot "$shot" "$@"
+        # The offscreen screen is small: the window of a 1366 x 768 screen.
+        QT_QPA_PLATFORM=offscreen build/apps/gallery/kelvarin-gallery --screenshot "$shot" \
+            --size 1340x690 "$@"
         echo "Open $PWD/$shot to see the window."
         exit 0
     fi

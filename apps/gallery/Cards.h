@@ -1,15 +1,19 @@
 // SPDX-License-Identifier: MIT
 // The gallery's building blocks, shared by its pages: the grid of cards, a
-// titled card, captions and captioned rows, styled by the window's style
-// sheet through their names.
+// titled card, captions and captioned rows, readouts that keep their room,
+// styled by the window's style sheet through their names; the style sheet
+// itself, made from a palette.
 #pragma once
 
+#include <QLabel>
 #include <QString>
+#include <QVariantList>
 
 class QFrame;
 class QGridLayout;
+class QPalette;
 class QPushButton;
-class QLabel;
+class QScrollArea;
 class QVBoxLayout;
 class QWidget;
 
@@ -39,6 +43,38 @@ QLabel* Styled(QWidget* parent, const char* look, const QString& text = QString(
 // A "Properties…" button that opens the property page for the widget, as
 // a form designer does for the selected control.
 QPushButton* PropertiesButton(QWidget* parent, const char* name, qt::ControlWidget* control);
+
+// A label whose text changes as the program runs: it takes the width its
+// layout gives it (a long text wraps, it never widens the card) and the
+// height of `lines` lines whatever it shows, so nothing around it moves.
+class Readout : public QLabel {
+    Q_OBJECT
+
+public:
+    Readout(QWidget* parent, const char* look, int lines, const QString& text = QString());
+    // In a row of widgets: the width of the widest text it will show.
+    void reserveWidth(const QString& widest);
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+    bool hasHeightForWidth() const override { return false; }
+
+private:
+    int lines_;
+    QString widest_;
+};
+
+// A page in a scroll area, so that a small screen scrolls it instead of
+// the window growing past the screen.
+QScrollArea* Scrolled(QWidget* page);
+
+// The gallery's style sheet in the colours of `palette`: light or dark, the
+// cards and texts follow it.
+QString StyleSheetFor(const QPalette& palette);
+// The palette of --dark: light text on dark grey, a blue highlight.
+QPalette DarkPalette();
+
+// An event as the readouts show it: "MouseUp(1, 0, 4, 11)".
+QString EventText(const QString& event, const QVariantList& args);
 
 // A grey caption for a row of a card.
 inline QLabel* Caption(QWidget* parent, const QString& text) {

@@ -46,16 +46,6 @@ constexpr std::pair<const char*, const char*> kSwatches[] = {
     {"Mask", "MaskColor"},
 };
 
-const char* const kStyleSheet = R"(
-    QPushButton#commandSwatch { border: 1px solid #cbd2db; border-radius: 4px; min-width: 22px;
-                                max-width: 22px; min-height: 22px; max-height: 22px; }
-    QLabel#placementHead { color: #6b7280; font-weight: 600; }
-    QLabel#note { color: #6b7280; font-size: 8.5pt; }
-    QLabel#eventReadout { color: #1f2937; font-family: "DejaVu Sans Mono"; font-size: 8.5pt;
-                          background: #f8fafc; border: 1px solid #eef1f5; border-radius: 6px;
-                          padding: 6px 8px; }
-)";
-
 QString SwatchStyle(uint color) {
     return QStringLiteral("background: %1;").arg(qt::ToQColor(color).name());
 }
@@ -74,7 +64,6 @@ QVBoxLayout* RowCard(QHBoxLayout* row, int stretch, const QString& title, const 
 
 CommandPage::CommandPage(QWidget* parent) : QWidget(parent) {
     setObjectName(QStringLiteral("commandPage"));
-    setStyleSheet(QString::fromLatin1(kStyleSheet));
     QGridLayout* grid = CardGrid(this);
     buildPlacements(grid);
     buildLooks(grid);
@@ -135,16 +124,16 @@ void CommandPage::buildPlacements(QGridLayout* grid) {
 
     QVBoxLayout* log = RowCard(row, 2, QStringLiteral("Events as they arrive"),
                                QStringLiteral("From every button on this page."));
-    readout_ = Styled(log->parentWidget(), "eventReadout",
-                      QStringLiteral("Click, type or hover\nover a button."));
-    readout_->setAlignment(Qt::AlignLeft | Qt::AlignTop);
-    log->addWidget(readout_, 1);
+    readout_ = new Readout(log->parentWidget(), "eventReadout", kReadoutLines,
+                           QStringLiteral("Click, type or hover\nover a button."));
+    readout_->setWordWrap(false);  // a line each, a long one cut at the edge
+    log->addWidget(readout_);
 }
 
 void CommandPage::buildLooks(QGridLayout* grid) {
-    QVBoxLayout* body =
-        GridCard(grid, 1, 0, QStringLiteral("Looks"),
-                 QStringLiteral("Hover over the star; Alt+S clicks Salva from anywhere."));
+    QVBoxLayout* body = GridCard(
+        grid, 1, 0, QStringLiteral("Looks"),
+        QStringLiteral("Hover over the star; Alt+S clicks Salva from anywhere on this page."));
     QWidget* frame = body->parentWidget();
     auto* table = new QGridLayout;
     table->setHorizontalSpacing(14);
@@ -196,9 +185,7 @@ void CommandPage::buildLooks(QGridLayout* grid) {
 void CommandPage::follow(CommandBoxWidget* box) {
     connect(box, &qt::ControlWidget::eventRaised, this,
             [this, box](int, const QString& event, const QVariantList& args) {
-                QStringList shown;
-                for (const QVariant& a : args) shown << a.toString();
-                const QString text = event + "(" + shown.join(QStringLiteral(", ")) + ")";
+                const QString text = EventText(event, args);
                 if (!events_.isEmpty() && events_.last().button == box &&
                     events_.last().name == event) {
                     ++events_.last().repeats;
@@ -274,6 +261,7 @@ void CommandPage::buildPlayground(QGridLayout* grid) {
     interleaveBox_ = new QSpinBox(frame);
     interleaveBox_->setRange(0, 40);
     interleaveBox_->setSuffix(QStringLiteral(" px"));
+    interleaveBox_->setKeyboardTracking(false);
     maskBox_ = new QCheckBox(QStringLiteral("Mask colour"), frame);
     highLightBox_ = new QCheckBox(QStringLiteral("HighLighted"), frame);
     enabledBox_ = new QCheckBox(QStringLiteral("Enabled"), frame);

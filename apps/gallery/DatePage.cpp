@@ -29,11 +29,15 @@ QDateTime At(int year, int month, int day, int hour = 0, int minute = 0, int sec
 }
 
 // A value as the host writes it: the short date of the user's locale, the
-// time of day, or both.
+// time of day, or both; Null for an empty ValueDB. Value reads the empty
+// date (day 0, which the host would write as a bare midnight) for an empty
+// box: it says so.
 QString HostText(const QVariant& value) {
     if (value.isNull() || value.metaType().id() == QMetaType::Nullptr)
         return QStringLiteral("Null");
-    return QString::fromStdString(DateToText(qt::ControlWidget::ToVariant(value).ToDate()));
+    const Date d = qt::ControlWidget::ToVariant(value).ToDate();
+    if (d == 0) return QStringLiteral("empty (day 0)");
+    return QString::fromStdString(DateToText(d));
 }
 
 // The patterns the playground offers; any other can be typed in.
@@ -51,6 +55,9 @@ DatePage::DatePage(QWidget* parent) : QWidget(parent) {
     buildPatterns(grid);
     buildEmptyAndLimits(grid);
     buildPlayground(grid);
+    // Setting the boxes up raised their Change events: the user has done nothing yet.
+    eventLine_->clear();
+    changes_ = 0;
     watch(findChild<DateBoxWidget*>(QStringLiteral("patternDate")));
 }
 
@@ -59,26 +66,20 @@ DateBoxWidget* DatePage::dateBox(QWidget* parent, const QString& name, const QSt
     box->setObjectName(name);
     box->setMinimumHeight(26);
     box->setMinimumWidth(220);
-    box->SetDateFormat(pattern);
-    box->SetBackColor(RGB(255, 255, 255));
-    box->SetForeColor(RGB(31, 41, 55));
+    box->SetDateFormat(pattern);  // in the system's colours, light or dark
     follow(box);
     return box;
 }
 
 // The readout follows the box the user works in, whatever happens there.
 void DatePage::follow(DateBoxWidget* box) {
-    connect(
-        box, &qt::ControlWidget::eventRaised, this,
-        [this, box](int, const QString& event, const QVariantList& args) {
-            QStringList shown;
-            for (const QVariant& a : args) shown << a.toString();
-            eventLine_->setText(
-                QStringLiteral("Last event: %1(%2)").arg(event, shown.join(QStringLiteral(", "))));
-            if (box != watched_) changes_ = 0;
-            if (event == QStringLiteral("Change")) ++changes_;
-            watch(box);
-        });
+    connect(box, &qt::ControlWidget::eventRaised, this,
+            [this, box](int, const QString& event, const QVariantList& args) {
+                eventLine_->setText(QStringLiteral("Last event: ") + EventText(event, args));
+                if (box != watched_) changes_ = 0;
+                if (event == QStringLiteral("Change")) ++changes_;
+                watch(box);
+            });
 }
 
 void DatePage::replace(qt::ControlWidget* own, qt::ControlWidget* loaded) {
@@ -125,8 +126,9 @@ void DatePage::buildEmptyAndLimits(QGridLayout* grid) {
     QVBoxLayout* body = GridCard(
         grid, 0, 1, QStringLiteral("Empty values and limits"),
         QStringLiteral("A Nullable box may be left empty (ValueDB is Null); one that is not "
-                       "keeps the focus until its fields are filled. Limits hold for typing, "
-                       "stepping and the calendar."));
+                       "keeps the focus while a field is blank. Stepping, F5 and the calendar "
+                       "keep within MinDate and MaxDate; typing only keeps a year within 100 to "
+                       "9980 and a day within its month, so a typed date can lie outside them."));
     QWidget* frame = body->parentWidget();
     DateBoxWidget* empty = dateBox(frame, QStringLiteral("nullable"), QStringLiteral("dd/mm/yyyy"));
     DateBoxWidget* required =
@@ -141,9 +143,9 @@ void DatePage::buildEmptyAndLimits(QGridLayout* grid) {
     limited->SetNullable(false);
 
     const std::pair<const char*, DateBoxWidget*> rows[] = {
-        {"Nullable, empty", empty}, {"Not Nullable", required}, {"2020 to 2029", limited}};
+        {"Nullable, empty", empty}, {"Not Nullable", required}, {"Limits 2020\u20132029", limited}};
     CaptionedRows captioned(body, 130);
-    for (const auto& [text, box] : rows) captioned.add(QString::fromLatin1(text), box);
+    for (const auto& [text, box] : rows) captioned.add(QString::fromUtf8(text), box);
 }
 
 // ---- The readout ----------------------------------------------------------------------
@@ -153,10 +155,10 @@ void DatePage::buildReadout(QGridLayout* grid) {
         GridCard(grid, 1, 0, QStringLiteral("Value and ValueDB"),
                  QStringLiteral("What the program reads from the box you last worked in."));
     QWidget* frame = body->parentWidget();
-    watchedName_ = Styled(frame, "cardTitle");
-    valueLine_ = Styled(frame, "readout");
-    valueDBLine_ = Styled(frame, "readout");
-    eventLine_ = Styled(frame, "cardSubtitle", QStringLiteral("Last event: none"));
+    watchedName_ = new Readout(frame, "cardTitle", 1);
+    valueLine_ = new Readout(frame, "readout", 1);
+    valueDBLine_ = new Readout(frame, "readout", 1);
+    eventLine_ = new Readout(frame, "cardSubtitle", 1);
     body->addWidget(watchedName_);
     body->addWidget(valueLine_);
     body->addWidget(valueDBLine_);
@@ -166,10 +168,10 @@ void DatePage::buildReadout(QGridLayout* grid) {
         frame, "cardSubtitle",
         QStringLiteral(
             "<b>Keys</b>: digits type over the field \u00b7 <b>\u2191 \u2193</b> step by "
-            "SmallChange, "
-            "<b>Page Up/Down</b> by LargeChange \u00b7 <b>\u2190 \u2192 Enter</b> move \u00b7 "
-            "<b>Delete Backspace</b> clear \u00b7 <b>F5</b> today \u00b7 <b>F4 Alt+\u2193</b> "
-            "calendar"),
+            "SmallChange, <b>Page Up/Down</b> by LargeChange \u00b7 <b>\u2190 \u2192 Enter</b> "
+            "move (<b>Shift+Enter</b> back) \u00b7 <b>Delete Backspace</b> clear \u00b7 "
+            "<b>F5</b> today \u00b7 <b>F4 Alt+\u2193</b> calendar. A field is completed when "
+            "you leave it: a year 7 becomes 2007, a day 31 in April 30."),
         true);
     keys->setTextFormat(Qt::RichText);
     body->addWidget(keys);
@@ -219,11 +221,16 @@ void DatePage::buildPlayground(QGridLayout* grid) {
     buttonBox_ = new QCheckBox(QStringLiteral("Calendar button"), frame);
     lockedBox_ = new QCheckBox(QStringLiteral("Locked"), frame);
     minEdit_ = new QDateEdit(frame);
+    minEdit_->setObjectName(QStringLiteral("limitMin"));
     maxEdit_ = new QDateEdit(frame);
+    maxEdit_->setObjectName(QStringLiteral("limitMax"));
     for (QDateEdit* e : {minEdit_, maxEdit_}) {
         e->setDisplayFormat(QStringLiteral("dd/MM/yyyy"));
-        e->setDateRange(QDate(100, 1, 1), QDate(9999, 12, 31));
+        e->setDateRange(QDate(100, 1, 1), QDate(9980, 12, 31));  // the box's own bounds
         e->setMinimumWidth(110);
+        // The box takes a limit when the typing is done, not at each digit
+        // (which would move its value to every half-typed year on the way).
+        e->setKeyboardTracking(false);
     }
     auto* clear = new QPushButton(QStringLiteral("Empty it"), frame);
     auto* today = new QPushButton(QStringLiteral("Today"), frame);

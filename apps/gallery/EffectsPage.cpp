@@ -131,7 +131,7 @@ EffectView::EffectView(Kind kind, QWidget* parent)
       surface_(std::make_unique<clsGFX_2D>()),
       backdrop_(std::make_unique<clsGFX_2D>()),
       mask_(std::make_unique<clsGFX_2D>()) {
-    setMinimumSize(240, 150);
+    setMinimumSize(240, 120);  // four of them fit a small screen
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
     setAttribute(Qt::WA_OpaquePaintEvent);
     setCursor(Qt::CrossCursor);
@@ -286,7 +286,10 @@ EffectsPage::EffectsPage(QWidget* parent) : QWidget(parent) {
     seedBox_->setValue(2024);
     seedBox_->setMinimumWidth(96);
     auto* again = new QPushButton(QStringLiteral("Restart"), this);
-    rate_ = Styled(this, "readout");
+    seedBox_->setKeyboardTracking(false);  // one restart for a typed seed, not one a digit
+    auto* rate = new Readout(this, "readout", 1);
+    rate->reserveWidth(QStringLiteral("000 frames a second"));
+    rate_ = rate;
     bar->addWidget(Caption(this, QStringLiteral("Seed")));
     bar->addWidget(seedBox_);
     bar->addWidget(again);

@@ -3,6 +3,7 @@
 
 #include <cmath>
 
+#include <QApplication>
 #include <QCheckBox>
 #include <QColorDialog>
 #include <QComboBox>
@@ -14,6 +15,8 @@
 #include <QLayout>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QScreen>
+#include <QScrollArea>
 #include <QSlider>
 #include <QSpinBox>
 #include <QTabWidget>
@@ -55,24 +58,6 @@ constexpr OLE_COLOR kGreen = RGB(134, 239, 172);
 constexpr OLE_COLOR kLime = RGB(190, 242, 100);
 constexpr OLE_COLOR kMint = RGB(94, 234, 212);
 
-const char* const kStyleSheet = R"(
-    kelvarin--gallery--GalleryWindow { background: #f3f5f8; }
-    QFrame#card { background: #ffffff; border: 1px solid #e2e6ec; border-radius: 10px; }
-    QLabel#title { font-size: 20pt; font-weight: 600; color: #111827; }
-    QLabel#subtitle { color: #6b7280; }
-    QLabel#cardTitle { font-size: 11.5pt; font-weight: 600; color: #111827; }
-    QLabel#cardSubtitle { color: #6b7280; }
-    QLabel#caption { color: #4b5563; }
-    QLabel#readout { color: #1f2937; font-family: "DejaVu Sans Mono"; }
-    QLabel#status { color: #6b7280; }
-    QTabWidget#pages::pane { border: none; }
-    QTabBar::tab { padding: 6px 16px; color: #4b5563; background: transparent; border: none;
-                   border-bottom: 2px solid transparent; }
-    QTabBar::tab:selected { color: #111827; font-weight: 600; border-bottom: 2px solid #6366f1; }
-    QPushButton#swatch { border: 1px solid #cbd2db; border-radius: 4px; min-width: 22px; max-width: 22px;
-                         min-height: 22px; max-height: 22px; }
-)";
-
 QString Seconds(int ms) { return QString::number(ms / 1000.0, 'f', 1) + QStringLiteral(" s"); }
 
 QString SwatchStyle(OLE_COLOR c) {
@@ -86,17 +71,17 @@ QString SwatchStyle(OLE_COLOR c) {
 GalleryWindow::GalleryWindow(QWidget* parent) : QWidget(parent) {
     setObjectName(QStringLiteral("gallery"));
     setWindowTitle(QStringLiteral("Kelvarin Gallery"));
-    setStyleSheet(QString::fromLatin1(kStyleSheet));
+    restyle();
 
     auto* outer = new QVBoxLayout(this);
-    outer->setContentsMargins(28, 24, 28, 16);
-    outer->setSpacing(16);
+    outer->setContentsMargins(24, 14, 24, 8);
+    outer->setSpacing(10);
 
     outer->addWidget(Styled(this, "title", QStringLiteral("Kelvarin Gallery")));
     outer->addWidget(Styled(
         this, "subtitle",
-        QStringLiteral("The Kelvarin controls at work: every bar and every date field here is one "
-                       "control, set up through its properties."),
+        QStringLiteral("The Kelvarin controls at work: every bar, date field and picture button "
+                       "here is one control, set up through its properties."),
         true));
 
     tabs_ = new QTabWidget(this);
@@ -111,13 +96,13 @@ GalleryWindow::GalleryWindow(QWidget* parent) : QWidget(parent) {
     buildCaptions(grid);
     buildJob(grid);
     buildPlayground(grid);
-    tabs_->addTab(progressPage, QStringLiteral("ProgressBox"));
+    tabs_->addTab(Scrolled(progressPage), QStringLiteral("ProgressBox"));
 
-    datePage_ = new DatePage(tabs_);
-    tabs_->addTab(datePage_, QStringLiteral("DateBox"));
+    datePage_ = new DatePage;
+    tabs_->addTab(Scrolled(datePage_), QStringLiteral("DateBox"));
 
-    effectsPage_ = new EffectsPage(tabs_);
-    tabs_->addTab(effectsPage_, QStringLiteral("Effects"));
+    effectsPage_ = new EffectsPage;
+    tabs_->addTab(Scrolled(effectsPage_), QStringLiteral("Effects"));
 
     // Controls of a loaded form that the gallery lacks get a page of their own.
     auto* formPage = new QWidget(tabs_);
@@ -126,11 +111,11 @@ GalleryWindow::GalleryWindow(QWidget* parent) : QWidget(parent) {
     formCard_ = Card(formPage, QString(), QString(), &formBody_);
     formLayout->addWidget(formCard_);
     formLayout->addStretch(1);
-    tabs_->addTab(formPage, QStringLiteral("Form"));
+    tabs_->addTab(Scrolled(formPage), QStringLiteral("Form"));
     tabs_->setTabVisible(kFormTab, false);
 
-    commandPage_ = new CommandPage(tabs_);
-    tabs_->addTab(commandPage_, QStringLiteral("CommandBox"));
+    commandPage_ = new CommandPage;
+    tabs_->addTab(Scrolled(commandPage_), QStringLiteral("CommandBox"));
 
     statusLine_ = Styled(this, "status");
     outer->addWidget(statusLine_);
@@ -140,7 +125,26 @@ GalleryWindow::GalleryWindow(QWidget* parent) : QWidget(parent) {
 
     jobTimer_.setInterval(30);
     connect(&jobTimer_, &QTimer::timeout, this, &GalleryWindow::advanceJob);
-    resize(1040, 720);
+    // The pages scroll: the window takes the room it wants where the screen
+    // has it, and no more than the screen's free area (less the frame the
+    // window manager adds) where it does not.
+    QSize size(1280, 820);
+    if (const QScreen* s = screen())
+        size = size.boundedTo(s->availableGeometry().size() - QSize(16, 40));
+    resize(size);
+}
+
+void GalleryWindow::restyle() {
+    const QString sheet = StyleSheetFor(QApplication::palette());
+    if (styleSheet() != sheet) setStyleSheet(sheet);
+}
+
+void GalleryWindow::changeEvent(QEvent* event) {
+    // The system's colours changed (a dark theme chosen, say): the cards follow.
+    // (Restyling changes the window's palette too: the sheet is then the same.)
+    if (event->type() == QEvent::ApplicationPaletteChange || event->type() == QEvent::PaletteChange)
+        restyle();
+    QWidget::changeEvent(event);
 }
 
 ProgressBoxWidget* GalleryWindow::bar(QWidget* parent, const QString& name) {
@@ -232,8 +236,9 @@ void GalleryWindow::buildCaptions(QGridLayout* grid) {
 void GalleryWindow::buildJob(QGridLayout* grid) {
     QVBoxLayout* body =
         GridCard(grid, 1, 0, QStringLiteral("A timed job"),
-                 QStringLiteral("The bar times its run from minimum to maximum and reports elapsed "
-                                "and estimated time through TimerChange."));
+                 QStringLiteral("Setting the bar to its minimum starts its clock, reaching the "
+                                "maximum stops it; meanwhile TimerChange reports the time elapsed "
+                                "and the estimated length of the whole run."));
     QWidget* frame = body->parentWidget();
     jobBar_ = bar(frame, QStringLiteral("job"));
     jobBar_->setMinimumHeight(30);
@@ -243,10 +248,9 @@ void GalleryWindow::buildJob(QGridLayout* grid) {
     jobBar_->SetTimerChangedInterval(250);
     body->addWidget(jobBar_);
 
-    readout_ = Styled(frame, "readout", QStringLiteral("Press Start to run the job."));
+    readout_ = new Readout(frame, "readout", 1, QStringLiteral("Press Start to run the job."));
     body->addWidget(readout_);
-
-    eventLine_ = Styled(frame, "cardSubtitle", QStringLiteral("Last event: none"));
+    eventLine_ = new Readout(frame, "cardSubtitle", 1);  // empty until the first event
     body->addWidget(eventLine_);
 
     auto* buttons = new QHBoxLayout;
@@ -257,6 +261,7 @@ void GalleryWindow::buildJob(QGridLayout* grid) {
     interval->setRange(20, 5000);
     interval->setSingleStep(50);
     interval->setSuffix(QStringLiteral(" ms"));
+    interval->setKeyboardTracking(false);  // typing 500 is not 5, then 50, then 500
     interval->setValue(jobBar_->TimerChangedInterval());
     QLabel* every = Caption(frame, QStringLiteral("Report every"));
     buttons->addWidget(startButton_);
@@ -266,23 +271,19 @@ void GalleryWindow::buildJob(QGridLayout* grid) {
     buttons->addWidget(interval);
     body->addSpacing(6);
     body->addLayout(buttons);
-    body->addWidget(
-        Styled(frame, "cardSubtitle",
-               QStringLiteral("The estimate is of the whole run, as the bar reports it; what is "
-                              "left is the estimate less the time elapsed."),
-               true));
+    body->addWidget(Styled(
+        frame, "cardSubtitle",
+        QStringLiteral("The estimate is of the whole run; what is left is the estimate less the "
+                       "time elapsed. Pause stops the job, not the bar's clock: the elapsed time "
+                       "and the estimate go on counting the pause."),
+        true));
     connect(interval, &QSpinBox::valueChanged, this,
             [this](int ms) { jobBar_->SetTimerChangedInterval(ms); });
 
     connect(startButton_, &QPushButton::clicked, this, [this] { startJob(); });
     connect(pauseButton_, &QPushButton::clicked, this, [this] {
-        if (jobTimer_.isActive()) {
-            pauseJob();
-        } else {
-            jobClock_.start();
-            jobTimer_.start();
-            pauseButton_->setText(QStringLiteral("Pause"));
-        }
+        if (jobTimer_.isActive()) pauseJob();
+        else resumeJob();
     });
     followJobBar();
 }
@@ -295,7 +296,9 @@ void GalleryWindow::startJob(int milliseconds) {
     jobDuration_ = std::max(milliseconds, 1);
     jobElapsedBefore_ = 0;
     timerChanges_ = 0;
+    lastElapsed_ = lastEstimated_ = -1;
     jobBar_->SetValue(jobBar_->MinValue());  // the bar starts timing the run here
+    runClock_.start();                       // and so does the gallery, pauses included
     readout_->setText(QStringLiteral("Elapsed 0.0 s  \u00b7  estimating\u2026"));
     jobClock_.start();
     jobTimer_.start();
@@ -309,38 +312,60 @@ void GalleryWindow::pauseJob() {
     jobElapsedBefore_ += jobClock_.elapsed();
     jobTimer_.stop();
     pauseButton_->setText(QStringLiteral("Resume"));
+    showJobTimes();
 }
 
-// Progress that runs unevenly, as real work does, but never backwards.
+void GalleryWindow::resumeJob() {
+    if (jobTimer_.isActive() || !pauseButton_->isEnabled()) return;
+    jobClock_.start();
+    jobTimer_.start();
+    pauseButton_->setText(QStringLiteral("Pause"));
+}
+
+// Progress that runs unevenly, as real work does, but never backwards; it
+// counts only the time the job ran, not its pauses.
 void GalleryWindow::advanceJob() {
     const double x =
         std::min(1.0, (jobElapsedBefore_ + jobClock_.elapsed()) / double(jobDuration_));
     const double pi = 3.14159265358979;
     const double done = std::clamp(x + 0.05 * std::sin(3 * pi * x) * (1 - x), 0.0, 1.0);
     const double min = jobBar_->MinValue(), max = jobBar_->MaxValue();
-    jobBar_->SetValue(min + (max - min) * done);
-    if (x >= 1.0) {
-        jobTimer_.stop();
-        pauseButton_->setEnabled(false);
-        readout_->setText(QStringLiteral("Done in %1.")
-                              .arg(Seconds(int(jobElapsedBefore_ + jobClock_.elapsed()))));
-    }
+    jobBar_->SetValue(min + (max - min) * done);  // at the maximum the bar's clock stops
+    if (x < 1.0) return;
+    jobTimer_.stop();
+    pauseButton_->setEnabled(false);
+    pauseButton_->setText(QStringLiteral("Pause"));
+    // The bar's own measure: from its start to its end, pauses included. It
+    // raises no TimerChange as it stops, so its last report is a little earlier.
+    QString text = QStringLiteral("Done in %1, pauses included")
+                       .arg(Seconds(static_cast<int>(runClock_.elapsed())));
+    if (lastElapsed_ >= 0) text += QStringLiteral("; last report at %1").arg(Seconds(lastElapsed_));
+    readout_->setText(text + QLatin1Char('.'));
 }
 
 void GalleryWindow::onTimerChange(int elapsed, int estimated) {
     ++timerChanges_;
+    lastElapsed_ = elapsed;
+    lastEstimated_ = estimated;
     eventLine_->setText(
         QStringLiteral("Last event: TimerChange(%1, %2)").arg(elapsed).arg(estimated));
-    if (!jobTimer_.isActive()) return;
-    if (estimated < 0) {
+    showJobTimes();
+}
+
+// The bar's last report, while the run is on (paused or not).
+void GalleryWindow::showJobTimes() {
+    if (!pauseButton_->isEnabled() || lastElapsed_ < 0) return;  // not running, or no report yet
+    const QString paused = jobTimer_.isActive() ? QString() : QStringLiteral("Paused  \u00b7  ");
+    if (lastEstimated_ < 0) {
         readout_->setText(
-            QStringLiteral("Elapsed %1  \u00b7  estimating\u2026").arg(Seconds(elapsed)));
+            paused +
+            QStringLiteral("Elapsed %1  \u00b7  estimating\u2026").arg(Seconds(lastElapsed_)));
         return;
     }
     // The estimate is of the whole run; what is left is the difference.
-    readout_->setText(
-        QStringLiteral("Elapsed %1  \u00b7  estimated %2  \u00b7  %3 left")
-            .arg(Seconds(elapsed), Seconds(estimated), Seconds(std::max(estimated - elapsed, 0))));
+    readout_->setText(paused + QStringLiteral("Elapsed %1  \u00b7  estimated %2  \u00b7  %3 left")
+                                   .arg(Seconds(lastElapsed_), Seconds(lastEstimated_),
+                                        Seconds(std::max(lastEstimated_ - lastElapsed_, 0))));
 }
 
 QString GalleryWindow::jobReadout() const { return readout_->text(); }
@@ -372,10 +397,15 @@ void GalleryWindow::buildPlayground(QGridLayout* grid) {
     valueSlider_ = new QSlider(Qt::Horizontal, frame);
     valueSlider_->setRange(0, 1000);
     minBox_ = new QDoubleSpinBox(frame);
+    minBox_->setObjectName(QStringLiteral("rangeMin"));
     maxBox_ = new QDoubleSpinBox(frame);
+    maxBox_->setObjectName(QStringLiteral("rangeMax"));
     for (QDoubleSpinBox* box : {minBox_, maxBox_}) {
         box->setRange(-1e6, 1e6);
         box->setDecimals(1);
+        // The bar takes the range when the typing is done: typing 50 must
+        // not first make the maximum 5 (and drag the value down with it).
+        box->setKeyboardTracking(false);
     }
     styleBox_ = new QComboBox(frame);
     styleBox_->addItems({QStringLiteral("Linear"), QStringLiteral("Gaussian"),
@@ -431,7 +461,7 @@ void GalleryWindow::buildPlayground(QGridLayout* grid) {
     form->addLayout(colours, 4, 1);
     body->addLayout(form);
 
-    notified_ = Styled(frame, "cardSubtitle");
+    notified_ = new Readout(frame, "cardSubtitle", 2);
     body->addWidget(notified_);
 
     // The controls write through the bar's properties; the bar's

@@ -4,7 +4,9 @@
 // a simulated job timed by the bar itself, and a playground whose controls
 // change value, range, style, caption and colours and open the property
 // page. The date field has its own page (DatePage), and so do the raster
-// effects (EffectsPage).
+// effects (EffectsPage) and the picture button (CommandPage). Each page
+// scrolls, so the window fits a small screen; its colours follow the
+// application's palette, light or dark, as it changes.
 //
 // Sections: construction; forms; the simulated job; the playground.
 #pragma once
@@ -62,7 +64,9 @@ public:
     QString jobReadout() const;
     // Starts the job afresh; it takes about `milliseconds` to finish.
     void startJob(int milliseconds = 12000);
+    // The job stops and goes on; the bar's clock runs all the while.
     void pauseJob();
+    void resumeJob();
     int timerChanges() const noexcept { return timerChanges_; }
 
     DatePage* datePage() const noexcept { return datePage_; }
@@ -79,6 +83,9 @@ signals:
     // A line for the status bar (loads, saves, errors the controls report).
     void status(const QString& text);
 
+protected:
+    void changeEvent(QEvent* event) override;
+
 private:
     qt::ProgressBoxWidget* bar(QWidget* parent, const QString& name);
     void buildStyles(QGridLayout* grid);
@@ -90,6 +97,8 @@ private:
     void replace(qt::ControlWidget* own, qt::ControlWidget* loaded);
     void advanceJob();
     void onTimerChange(int elapsed, int estimated);
+    void showJobTimes();
+    void restyle();
     void pickColor(QPushButton* swatch, const char* property);
     void syncPlayground();
     void watchErrors(qt::ControlWidget* w);
@@ -111,8 +120,11 @@ private:
     QPushButton* startButton_ = nullptr;
     QPushButton* pauseButton_ = nullptr;
     QTimer jobTimer_;
-    QElapsedTimer jobClock_;
-    qint64 jobElapsedBefore_ = 0;  // of the run, before the last pause
+    QElapsedTimer jobClock_;       // of the job since it last started or resumed
+    qint64 jobElapsedBefore_ = 0;  // of the job, before the last pause
+    QElapsedTimer runClock_;       // since the start, pauses included, as the bar counts
+    int lastElapsed_ = -1;         // the bar's last TimerChange, -1 before the first
+    int lastEstimated_ = -1;
     int jobDuration_ = 12000;
     int timerChanges_ = 0;
 

@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: MIT
-// kelvarin-gallery [--page NAME] [--form FILE] [--save FILE] [--screenshot FILE.png]:
+// kelvarin-gallery [--page NAME] [--form FILE] [--save FILE] [--screenshot FILE.png]
+//                  [--size WxH] [--dark] [--trace]:
 // the controls at work in a real window. --page opens a page ("DateBox"),
 // --form loads a form file into the gallery, --save writes the gallery's
 // controls to one and --screenshot renders the window to a PNG; with
-// either of the last two the program exits when done (the offscreen
-// platform will do).
+// either of those two the program exits when done (the offscreen platform
+// will do). --size sets the window's size, --dark a dark palette (without
+// it the gallery follows the system's), and --trace prints the controls'
+// events, values and places (EventTrace.h).
 #include <cstdio>
 #include <cstring>
 #include <memory>
@@ -13,11 +16,14 @@
 #include <QCommandLineParser>
 #include <QElapsedTimer>
 #include <QFont>
+#include <QRegularExpression>
 #include <QStyleFactory>
 
 #include <kelvarin/Version.h>
 
 #include <kelvarin/ProgressBoxWidget.h>
+#include "apps/gallery/Cards.h"
+#include "apps/gallery/EventTrace.h"
 #include "apps/gallery/GalleryWindow.h"
 #include "qt/QtPlatform.h"
 
@@ -65,22 +71,44 @@ int main(int argc, char** argv) {
                                         QStringLiteral("Render the window to a PNG file and exit."),
                                         QStringLiteral("FILE"));
     const QCommandLineOption page(QStringLiteral("page"),
-                                  QStringLiteral("Open a page: ProgressBox, DateBox or Effects."),
+                                  QStringLiteral("Open a page: ProgressBox, DateBox, Effects "
+                                                 "or CommandBox."),
                                   QStringLiteral("NAME"));
-    parser.addOptions({page, form, save, screenshot});
+    const QCommandLineOption size(QStringLiteral("size"),
+                                  QStringLiteral("The window's size, as 1280x720."),
+                                  QStringLiteral("WxH"));
+    const QCommandLineOption dark(QStringLiteral("dark"),
+                                  QStringLiteral("Use a dark palette, whatever the system's."));
+    const QCommandLineOption trace(
+        QStringLiteral("trace"),
+        QStringLiteral("Print the controls' events, values and places to standard output."));
+    parser.addOptions({page, form, save, screenshot, size, dark, trace});
     parser.process(*application);
     if (!parser.positionalArguments().isEmpty()) {
         std::fprintf(stderr, "kelvarin-gallery: unexpected argument %s\n",
                      qPrintable(parser.positionalArguments().first()));
         return 2;
     }
+    QSize windowSize;
+    if (parser.isSet(size)) {
+        const auto match =
+            QRegularExpression(QStringLiteral("^(\\d{2,5})x(\\d{2,5})$")).match(parser.value(size));
+        if (!match.hasMatch()) {
+            std::fprintf(stderr, "kelvarin-gallery: --size wants WxH, as 1280x720, not %s\n",
+                         qPrintable(parser.value(size)));
+            return 2;
+        }
+        windowSize = QSize(match.captured(1).toInt(), match.captured(2).toInt());
+    }
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
     QFont font(QStringLiteral("DejaVu Sans"));
     font.setPointSizeF(9.5);
     QApplication::setFont(font);
-    kelvarin::qt::ApplyPlatformSettings();
+    if (parser.isSet(dark)) QApplication::setPalette(kelvarin::gallery::DarkPalette());
+    kelvarin::qt::ApplyPlatformSettings();  // the system colours of the palette in force
 
     kelvarin::gallery::GalleryWindow window;
+    if (windowSize.isValid()) window.resize(windowSize);
     int status = 0;
     if (parser.isSet(form)) {
         const QString error = window.loadForm(parser.value(form));
@@ -93,6 +121,7 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "kelvarin-gallery: no page %s\n", qPrintable(parser.value(page)));
         return 2;
     }
+    if (parser.isSet(trace)) (new kelvarin::gallery::EventTrace(window, stdout))->start();
     window.show();
     QApplication::processEvents();  // laid out, so the saved geometry is the shown one
     if (parser.isSet(save)) {

@@ -59,9 +59,9 @@ public:
     frmMese& operator=(const frmMese&) = delete;
 
     // ---- State
-    Date CurrentDate() const noexcept { return currentDate_; }
-    Long ShownMonth() const noexcept { return shownMonth_; }
-    Long ShownYear() const noexcept { return shownYear_; }
+    Date CurrentDate() const noexcept override { return currentDate_; }
+    Long ShownMonth() const noexcept override { return shownMonth_; }
+    Long ShownYear() const noexcept override { return shownYear_; }
     // Month, year and day of the opening date; -1 where it had none.
     const std::array<Long, 3>& OpeningDateParts() const noexcept { return openingDateParts_; }
     bool HasCapture() const noexcept { return capture_; }

@@ -471,6 +471,21 @@ std::string DateBox::ShownText() const {
     return text;
 }
 
+DateBox::FieldFocus DateBox::FocusedField() const {
+    int offset = 0;
+    for (const FormatToken& t : editor_.Tokens()) {
+        if (t.controlIndex < 0) continue;
+        if (t.isLiteral) {
+            offset += Utf8Length(lblSeparator_(t.controlIndex).caption);
+            continue;
+        }
+        const TextBoxElement& b = txtData_(t.controlIndex);
+        if (t.controlIndex == ActiveBox()) return {offset, b.Length(), b.selStart, b.selLength};
+        offset += b.Length();
+    }
+    return {};
+}
+
 std::vector<std::string> DateBox::Dump() const {
     std::vector<std::string> lines;
     for (const FormatToken& t : editor_.Tokens()) {

@@ -148,6 +148,16 @@ public:
     // ---- Diagnostics --------------------------------------------------------
     // The boxes' and separators' texts in pattern order, as one line.
     std::string ShownText() const;
+    // The field that has the focus, as assistive technology reads it: where
+    // its text starts in ShownText and its length, in characters, and its
+    // selection within it; offset -1 while no field has the focus.
+    struct FieldFocus {
+        int offset = -1;
+        int length = 0;
+        int selStart = 0;
+        int selLength = 0;
+    };
+    FieldFocus FocusedField() const;
     std::vector<std::string> Dump() const override;
 
 private:

@@ -192,11 +192,12 @@ bool DateEditor::CommitBox(int box) {
         ClampBox(box);
     } else if (part == kYear) {
         // A partly typed year is taken as this century's: "7" is 2007.
-        b.SetText("2" + std::string(static_cast<std::size_t>(length - typedLength - 1), '0') +
-                  typed);
+        std::string year(static_cast<std::size_t>(length - typedLength), '0');
+        year.front() = '2';
+        b.SetText(year + typed);
         SetPart(kYear, LeadingNumber(b.text), box);
     } else if (typed != "0") {
-        if (editable) b.SetText("0" + typed);
+        if (editable) b.SetText(std::string(1, '0') + typed);
         SetPart(part, LeadingNumber(b.text), box);
     } else if (part == kMonth || part == kDay) {
         if (nullable) b.SetText("__");

@@ -21,27 +21,45 @@ namespace kelvarin::qt {
 
 class KELVARIN_WIDGETS_API CommandBoxWidget : public ControlWidget {
     Q_OBJECT
-    Q_PROPERTY(uint BackColor READ BackColor WRITE SetBackColor)
-    Q_PROPERTY(uint ForeColor READ ForeColor WRITE SetForeColor)
-    Q_PROPERTY(bool Enabled READ Enabled WRITE SetEnabled)
-    Q_PROPERTY(QFont Font READ Font WRITE SetFont)
-    Q_PROPERTY(QPixmap MouseIcon READ MouseIcon WRITE SetMouseIcon)
-    Q_PROPERTY(int MousePointer READ MousePointer WRITE SetMousePointer)
-    Q_PROPERTY(int OLEDropMode READ OLEDropMode WRITE SetOLEDropMode)
-    Q_PROPERTY(QPixmap Picture READ Picture WRITE SetPicture)
-    Q_PROPERTY(bool RightToLeft READ RightToLeft WRITE SetRightToLeft)
-    Q_PROPERTY(ControlWidget::AlignmentText Alignment READ Alignment WRITE SetAlignment)
-    Q_PROPERTY(AlignPictureKind AlignPicture READ AlignPicture WRITE SetAlignPicture)
-    Q_PROPERTY(int Interleave READ Interleave WRITE SetInterleave)
-    Q_PROPERTY(QString Text READ Text WRITE SetText)
+    // Colours: the OLE colour for code (a system colour reads back as one)
+    // and, under the Qt name, a QColor for Designer's colour picker.
+    Q_PROPERTY(
+        uint BackColor READ BackColor WRITE SetBackColor NOTIFY BackColorChanged DESIGNABLE false)
+    Q_PROPERTY(QColor backColor READ backColor WRITE setBackColor RESET resetBackColor NOTIFY
+                   BackColorChanged)
+    Q_PROPERTY(
+        uint ForeColor READ ForeColor WRITE SetForeColor NOTIFY ForeColorChanged DESIGNABLE false)
+    Q_PROPERTY(QColor foreColor READ foreColor WRITE setForeColor RESET resetForeColor NOTIFY
+                   ForeColorChanged)
+    // The widget's own enabled and font, under the type library's names.
+    Q_PROPERTY(bool Enabled READ Enabled WRITE SetEnabled NOTIFY EnabledChanged DESIGNABLE false)
+    Q_PROPERTY(QFont Font READ Font WRITE SetFont NOTIFY FontChanged DESIGNABLE false)
+    Q_PROPERTY(QPixmap MouseIcon READ MouseIcon WRITE SetMouseIcon NOTIFY MouseIconChanged)
+    Q_PROPERTY(int MousePointer READ MousePointer WRITE SetMousePointer NOTIFY MousePointerChanged)
+    Q_PROPERTY(int OLEDropMode READ OLEDropMode WRITE SetOLEDropMode NOTIFY OLEDropModeChanged)
+    Q_PROPERTY(QPixmap Picture READ Picture WRITE SetPicture NOTIFY PictureChanged)
+    Q_PROPERTY(bool RightToLeft READ RightToLeft WRITE SetRightToLeft NOTIFY RightToLeftChanged)
+    Q_PROPERTY(ControlWidget::AlignmentText Alignment READ Alignment WRITE SetAlignment NOTIFY
+                   AlignmentChanged)
+    Q_PROPERTY(AlignPictureKind AlignPicture READ AlignPicture WRITE SetAlignPicture NOTIFY
+                   AlignPictureChanged)
+    Q_PROPERTY(int Interleave READ Interleave WRITE SetInterleave NOTIFY InterleaveChanged)
+    Q_PROPERTY(QString Text READ Text WRITE SetText NOTIFY TextChanged)
     // Lower case, as the type library spells it.
-    Q_PROPERTY(StyleKind style READ Style WRITE SetStyle)
-    Q_PROPERTY(bool ShowFocusRect READ ShowFocusRect WRITE SetShowFocusRect)
-    Q_PROPERTY(int hWnd READ hWnd DESIGNABLE false)
-    Q_PROPERTY(uint MaskColor READ MaskColor WRITE SetMaskColor)
-    Q_PROPERTY(bool UseMaskColor READ UseMaskColor WRITE SetUseMaskColor)
-    Q_PROPERTY(bool HighLighted READ HighLighted WRITE SetHighLighted)
-    Q_PROPERTY(uint ForeColorHighLighted READ ForeColorHighLighted WRITE SetForeColorHighLighted)
+    Q_PROPERTY(StyleKind style READ Style WRITE SetStyle NOTIFY styleChanged)
+    Q_PROPERTY(
+        bool ShowFocusRect READ ShowFocusRect WRITE SetShowFocusRect NOTIFY ShowFocusRectChanged)
+    Q_PROPERTY(int hWnd READ hWnd CONSTANT DESIGNABLE false)
+    Q_PROPERTY(
+        uint MaskColor READ MaskColor WRITE SetMaskColor NOTIFY MaskColorChanged DESIGNABLE false)
+    Q_PROPERTY(QColor maskColor READ maskColor WRITE setMaskColor RESET resetMaskColor NOTIFY
+                   MaskColorChanged)
+    Q_PROPERTY(bool UseMaskColor READ UseMaskColor WRITE SetUseMaskColor NOTIFY UseMaskColorChanged)
+    Q_PROPERTY(bool HighLighted READ HighLighted WRITE SetHighLighted NOTIFY HighLightedChanged)
+    Q_PROPERTY(uint ForeColorHighLighted READ ForeColorHighLighted WRITE SetForeColorHighLighted
+                   NOTIFY ForeColorHighLightedChanged DESIGNABLE false)
+    Q_PROPERTY(QColor foreColorHighLighted READ foreColorHighLighted WRITE setForeColorHighLighted
+                   RESET resetForeColorHighLighted NOTIFY ForeColorHighLightedChanged)
 
 public:
     // eAlignPicture and eStyle (the type library's names have blanks). Any
@@ -58,41 +76,62 @@ public:
 
     QSize sizeHint() const override { return {120, 32}; }
 
-    int OLEDropMode() { return intMember("OLEDropMode"); }
+    int OLEDropMode() const { return intMember("OLEDropMode"); }
     void SetOLEDropMode(int mode) { letMember(QStringLiteral("OLEDropMode"), mode); }
-    QPixmap Picture();
+    QPixmap Picture() const;
     void SetPicture(const QPixmap& picture) { setMember(QStringLiteral("Picture"), picture); }
     // The picture in an image file of any format Qt reads (PNG, BMP, ICO,
     // SVG at its own size); false, with nothing changed, when it cannot be
     // read (the reason is reported as an error).
     bool loadPicture(const QString& path);
-    bool RightToLeft() { return getMember(QStringLiteral("RightToLeft")).toBool(); }
+    bool RightToLeft() const { return getMember(QStringLiteral("RightToLeft")).toBool(); }
     void SetRightToLeft(bool on) { letMember(QStringLiteral("RightToLeft"), on); }
-    AlignmentText Alignment() { return static_cast<AlignmentText>(intMember("Alignment")); }
+    AlignmentText Alignment() const { return static_cast<AlignmentText>(intMember("Alignment")); }
     void SetAlignment(AlignmentText a) { letMember(QStringLiteral("Alignment"), int(a)); }
-    AlignPictureKind AlignPicture() {
+    AlignPictureKind AlignPicture() const {
         return static_cast<AlignPictureKind>(intMember("AlignPicture"));
     }
     void SetAlignPicture(AlignPictureKind a) { letMember(QStringLiteral("AlignPicture"), int(a)); }
     // In the container's units: pixels in a Qt window.
-    int Interleave() { return intMember("Interleave"); }
+    int Interleave() const { return intMember("Interleave"); }
     void SetInterleave(int gap) { letMember(QStringLiteral("Interleave"), gap); }
-    QString Text() { return getMember(QStringLiteral("Text")).toString(); }
+    QString Text() const { return getMember(QStringLiteral("Text")).toString(); }
     void SetText(const QString& text) { letMember(QStringLiteral("Text"), text); }
-    StyleKind Style() { return static_cast<StyleKind>(intMember("style")); }
+    StyleKind Style() const { return static_cast<StyleKind>(intMember("style")); }
     void SetStyle(StyleKind s) { letMember(QStringLiteral("style"), int(s)); }
-    bool ShowFocusRect() { return getMember(QStringLiteral("ShowFocusRect")).toBool(); }
+    bool ShowFocusRect() const { return getMember(QStringLiteral("ShowFocusRect")).toBool(); }
     void SetShowFocusRect(bool on) { letMember(QStringLiteral("ShowFocusRect"), on); }
-    uint MaskColor() { return colorMember("MaskColor"); }
+    QColor maskColor() const { return qColorMember("MaskColor"); }
+    void setMaskColor(const QColor& c) { letMember(QStringLiteral("MaskColor"), c); }
+    void resetMaskColor() { resetMember("MaskColor"); }
+    QColor foreColorHighLighted() const { return qColorMember("ForeColorHighLighted"); }
+    void setForeColorHighLighted(const QColor& c) {
+        letMember(QStringLiteral("ForeColorHighLighted"), c);
+    }
+    void resetForeColorHighLighted() { resetMember("ForeColorHighLighted"); }
+    uint MaskColor() const { return colorMember("MaskColor"); }
     void SetMaskColor(uint c) { letMember(QStringLiteral("MaskColor"), c); }
-    bool UseMaskColor() { return getMember(QStringLiteral("UseMaskColor")).toBool(); }
+    bool UseMaskColor() const { return getMember(QStringLiteral("UseMaskColor")).toBool(); }
     void SetUseMaskColor(bool on) { letMember(QStringLiteral("UseMaskColor"), on); }
-    bool HighLighted() { return getMember(QStringLiteral("HighLighted")).toBool(); }
+    bool HighLighted() const { return getMember(QStringLiteral("HighLighted")).toBool(); }
     void SetHighLighted(bool on) { letMember(QStringLiteral("HighLighted"), on); }
-    uint ForeColorHighLighted() { return colorMember("ForeColorHighLighted"); }
+    uint ForeColorHighLighted() const { return colorMember("ForeColorHighLighted"); }
     void SetForeColorHighLighted(uint c) { letMember(QStringLiteral("ForeColorHighLighted"), c); }
 
 signals:
+    void OLEDropModeChanged();
+    void PictureChanged();
+    void RightToLeftChanged();
+    void AlignmentChanged();
+    void AlignPictureChanged();
+    void InterleaveChanged();
+    void TextChanged();
+    void styleChanged();
+    void ShowFocusRectChanged();
+    void MaskColorChanged();
+    void UseMaskColorChanged();
+    void HighLightedChanged();
+    void ForeColorHighLightedChanged();
     void Click();
     void DblClick();
     void KeyDown(int KeyCode, int Shift);

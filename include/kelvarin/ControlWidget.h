@@ -20,7 +20,11 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <string_view>
 
+#include <array>
+
+#include <QColor>
 #include <QFont>
 #include <QImage>
 #include <QPixmap>
@@ -91,7 +95,7 @@ public:
     // These are the widget's only way into the control's properties and
     // methods (the typed properties of subclasses use them too). A failure
     // is reported and gives an invalid QVariant or false.
-    QVariant getMember(const QString& name);
+    QVariant getMember(const QString& name) const;
     bool letMember(const QString& name, const QVariant& value);
     bool setMember(const QString& name, const QVariant& value);  // object references
     QVariant callMember(const QString& name, const QVariantList& args = {});
@@ -124,25 +128,48 @@ signals:
     // another failure; `where` names the call that failed.
     void hostError(int number, const QString& text, const QString& where);
 
+    // The NOTIFY signals of the surface properties the subclasses publish.
+    // A property-changed notification of the control emits the signal named
+    // after the member (PropertyChanged), so every subclass's own
+    // "<Member>Changed" signal is reached the same way.
+    void BackColorChanged();
+    void EnabledChanged();
+    void FontChanged();
+    void ForeColorChanged();
+    void BorderStyleChanged();
+    void AppearanceChanged();
+    void MouseIconChanged();
+    void MousePointerChanged();
+
 public:
     // ---- The surface properties, for the Q_PROPERTYs of the subclasses whose
-    // controls have them. Colours are the 32 bits of an OLE colour, unsigned.
-    uint BackColor() { return colorMember("BackColor"); }
+    // controls have them. Colours are the 32 bits of an OLE colour, unsigned;
+    // the QColor ones are what Designer's colour picker edits (see
+    // qColorMember). Enabled and Font are the widget's own enabled and font
+    // (syncSurface and changeEvent keep them one state); their Q_PROPERTYs
+    // are for code and scripts, and Designer shows only the widget's.
+    uint BackColor() const { return colorMember("BackColor"); }
     void SetBackColor(uint color) { letMember(QStringLiteral("BackColor"), color); }
-    uint ForeColor() { return colorMember("ForeColor"); }
+    QColor backColor() const { return qColorMember("BackColor"); }
+    void setBackColor(const QColor& color) { letMember(QStringLiteral("BackColor"), color); }
+    void resetBackColor() { resetMember("BackColor"); }
+    uint ForeColor() const { return colorMember("ForeColor"); }
     void SetForeColor(uint color) { letMember(QStringLiteral("ForeColor"), color); }
-    bool Enabled() { return getMember(QStringLiteral("Enabled")).toBool(); }
+    QColor foreColor() const { return qColorMember("ForeColor"); }
+    void setForeColor(const QColor& color) { letMember(QStringLiteral("ForeColor"), color); }
+    void resetForeColor() { resetMember("ForeColor"); }
+    bool Enabled() const { return getMember(QStringLiteral("Enabled")).toBool(); }
     void SetEnabled(bool enabled) { letMember(QStringLiteral("Enabled"), enabled); }
-    QFont Font() { return getMember(QStringLiteral("Font")).value<QFont>(); }
+    QFont Font() const { return getMember(QStringLiteral("Font")).value<QFont>(); }
     void SetFont(const QFont& font) { setMember(QStringLiteral("Font"), font); }
-    BorderStyleKind BorderStyle() { return BorderStyleKind(intMember("BorderStyle")); }
+    BorderStyleKind BorderStyle() const { return BorderStyleKind(intMember("BorderStyle")); }
     void SetBorderStyle(BorderStyleKind style) { letMember(QStringLiteral("BorderStyle"), style); }
-    AppearanceKind Appearance() { return AppearanceKind(intMember("Appearance")); }
+    AppearanceKind Appearance() const { return AppearanceKind(intMember("Appearance")); }
     void SetAppearance(AppearanceKind look) { letMember(QStringLiteral("Appearance"), look); }
-    int hWnd() { return intMember("hWnd"); }
-    QPixmap MouseIcon();
+    int hWnd() const { return intMember("hWnd"); }
+    QPixmap MouseIcon() const;
     void SetMouseIcon(const QPixmap& icon) { setMember(QStringLiteral("MouseIcon"), icon); }
-    int MousePointer() { return intMember("MousePointer"); }
+    int MousePointer() const { return intMember("MousePointer"); }
     void SetMousePointer(int pointer) { letMember(QStringLiteral("MousePointer"), pointer); }
 
 protected:
@@ -158,11 +185,18 @@ protected:
 
     // Typed reads for the Q_PROPERTYs of subclasses. Colours travel as the
     // 32 bits of a Long and read back unsigned.
-    uint colorMember(const char* name);
-    int intMember(const char* name);
+    uint colorMember(const char* name) const;
+    int intMember(const char* name) const;
+    // A colour property as Designer's colour picker shows it: a system
+    // colour as the widget's palette gives it now. Writing it back stores a
+    // plain colour, so a system colour stays one only while it is not edited;
+    // the reset restores the member's default (a system colour again).
+    QColor qColorMember(const char* name) const;
+    void resetMember(const char* name);
 
-    // Runs f, reporting any error; false when one was raised.
-    bool guard(const char* where, const std::function<void()>& f) noexcept;
+    // Runs f, reporting any error; false when one was raised. System colours
+    // are the widget's own palette's while f runs.
+    bool guard(const char* where, const std::function<void()>& f) const noexcept;
 
 public:
     // The user typed Alt and one of the control's access keys (its key code),
@@ -198,12 +232,18 @@ private:
     // (entry null) or as loaded from the entry.
     ControlWidget(std::unique_ptr<host::Control> control, host::FormControl* entry,
                   const QString& place, QWidget* parent);
-    void report(const char* where, const Failure& failure) noexcept;
+    void report(const char* where, const Failure& failure) const noexcept;
     // Makes the image the widget's size and lays out the client area.
     void resizeImage();
-    // After a call into the control: the frame, enabled state and pointer
-    // follow the surface properties it may have changed.
+    // After a call into the control: the frame, enabled state, font and
+    // pointer follow the surface properties it may have changed.
     void syncSurface();
+    // The control's Enabled and Font are the widget's enabled and font: each
+    // side follows the other after either changed.
+    void syncEnabledAndFont();
+    bool hasEnabledAndFont() const;  // every control of the library has both
+    void notifyChanged(std::string_view name);
+    void takeEnabledAndFont();
     void paintFrame();
     void layOutFrame();
     // Runs a call of input into the control, then follows its surface.
@@ -232,8 +272,12 @@ private:
     quint64 lastPressTime_ = 0;
     Qt::MouseButton lastPressButton_ = Qt::NoButton;
     QPoint lastPressAt_;
-    int lastErrorNumber_ = 0;
-    QString lastErrorText_;
+    // The system colour table (common/OleColor.h) of the widget's effective palette.
+    std::array<std::uint32_t, 31> sysColors_;
+    bool syncing_ = false;  // inside syncEnabledAndFont or takeEnabledAndFont
+    // Diagnostics: kept by the const reads too.
+    mutable int lastErrorNumber_ = 0;
+    mutable QString lastErrorText_;
 };
 
 }  // namespace kelvarin::qt

@@ -19,27 +19,51 @@ namespace kelvarin::qt {
 
 class KELVARIN_WIDGETS_API ProgressBoxWidget : public ControlWidget {
     Q_OBJECT
-    Q_PROPERTY(uint BackColor READ BackColor WRITE SetBackColor)
-    Q_PROPERTY(uint ForeColor READ ForeColor WRITE SetForeColor)
-    Q_PROPERTY(bool Enabled READ Enabled WRITE SetEnabled)
-    Q_PROPERTY(QFont Font READ Font WRITE SetFont)
-    Q_PROPERTY(ControlWidget::BorderStyleKind BorderStyle READ BorderStyle WRITE SetBorderStyle)
-    Q_PROPERTY(ControlWidget::AppearanceKind Appearance READ Appearance WRITE SetAppearance)
-    Q_PROPERTY(int hWnd READ hWnd DESIGNABLE false)
-    Q_PROPERTY(QPixmap MouseIcon READ MouseIcon WRITE SetMouseIcon)
-    Q_PROPERTY(int MousePointer READ MousePointer WRITE SetMousePointer)
-    Q_PROPERTY(uint StartColor READ StartColor WRITE SetStartColor)
-    Q_PROPERTY(uint FinishColor READ FinishColor WRITE SetFinishColor)
-    Q_PROPERTY(double Value READ Value WRITE SetValue)
-    Q_PROPERTY(QString Text READ Text WRITE SetText)
-    Q_PROPERTY(bool ShowPercentual READ ShowPercentual WRITE SetShowPercentual)
-    Q_PROPERTY(ControlWidget::AlignmentText Alignment READ Alignment WRITE SetAlignment)
-    Q_PROPERTY(double MinValue READ MinValue WRITE SetMinValue)
-    Q_PROPERTY(double MaxValue READ MaxValue WRITE SetMaxValue)
-    Q_PROPERTY(double Percentual READ Percentual WRITE SetPercentual)
-    Q_PROPERTY(GradientStyleKind GradientStyle READ GradientStyle WRITE SetGradientStyle)
-    Q_PROPERTY(uint PivotColor READ PivotColor WRITE SetPivotColor)
-    Q_PROPERTY(int TimerChangedInterval READ TimerChangedInterval WRITE SetTimerChangedInterval)
+    // Colours: the OLE colour for code (a system colour reads back as one)
+    // and, under the Qt name, a QColor for Designer's colour picker.
+    Q_PROPERTY(
+        uint BackColor READ BackColor WRITE SetBackColor NOTIFY BackColorChanged DESIGNABLE false)
+    Q_PROPERTY(QColor backColor READ backColor WRITE setBackColor RESET resetBackColor NOTIFY
+                   BackColorChanged)
+    Q_PROPERTY(
+        uint ForeColor READ ForeColor WRITE SetForeColor NOTIFY ForeColorChanged DESIGNABLE false)
+    Q_PROPERTY(QColor foreColor READ foreColor WRITE setForeColor RESET resetForeColor NOTIFY
+                   ForeColorChanged)
+    // The widget's own enabled and font, under the type library's names.
+    Q_PROPERTY(bool Enabled READ Enabled WRITE SetEnabled NOTIFY EnabledChanged DESIGNABLE false)
+    Q_PROPERTY(QFont Font READ Font WRITE SetFont NOTIFY FontChanged DESIGNABLE false)
+    Q_PROPERTY(ControlWidget::BorderStyleKind BorderStyle READ BorderStyle WRITE SetBorderStyle
+                   NOTIFY BorderStyleChanged)
+    Q_PROPERTY(ControlWidget::AppearanceKind Appearance READ Appearance WRITE SetAppearance NOTIFY
+                   AppearanceChanged)
+    Q_PROPERTY(int hWnd READ hWnd CONSTANT DESIGNABLE false)
+    Q_PROPERTY(QPixmap MouseIcon READ MouseIcon WRITE SetMouseIcon NOTIFY MouseIconChanged)
+    Q_PROPERTY(int MousePointer READ MousePointer WRITE SetMousePointer NOTIFY MousePointerChanged)
+    Q_PROPERTY(uint StartColor READ StartColor WRITE SetStartColor NOTIFY StartColorChanged
+                   DESIGNABLE false)
+    Q_PROPERTY(QColor startColor READ startColor WRITE setStartColor RESET resetStartColor NOTIFY
+                   StartColorChanged)
+    Q_PROPERTY(uint FinishColor READ FinishColor WRITE SetFinishColor NOTIFY FinishColorChanged
+                   DESIGNABLE false)
+    Q_PROPERTY(QColor finishColor READ finishColor WRITE setFinishColor RESET resetFinishColor
+                   NOTIFY FinishColorChanged)
+    Q_PROPERTY(double Value READ Value WRITE SetValue NOTIFY ValueChanged)
+    Q_PROPERTY(QString Text READ Text WRITE SetText NOTIFY TextChanged)
+    Q_PROPERTY(bool ShowPercentual READ ShowPercentual WRITE SetShowPercentual NOTIFY
+                   ShowPercentualChanged)
+    Q_PROPERTY(ControlWidget::AlignmentText Alignment READ Alignment WRITE SetAlignment NOTIFY
+                   AlignmentChanged)
+    Q_PROPERTY(double MinValue READ MinValue WRITE SetMinValue NOTIFY MinValueChanged)
+    Q_PROPERTY(double MaxValue READ MaxValue WRITE SetMaxValue NOTIFY MaxValueChanged)
+    Q_PROPERTY(double Percentual READ Percentual WRITE SetPercentual NOTIFY PercentualChanged)
+    Q_PROPERTY(GradientStyleKind GradientStyle READ GradientStyle WRITE SetGradientStyle NOTIFY
+                   GradientStyleChanged)
+    Q_PROPERTY(uint PivotColor READ PivotColor WRITE SetPivotColor NOTIFY PivotColorChanged
+                   DESIGNABLE false)
+    Q_PROPERTY(QColor pivotColor READ pivotColor WRITE setPivotColor RESET resetPivotColor NOTIFY
+                   PivotColorChanged)
+    Q_PROPERTY(int TimerChangedInterval READ TimerChangedInterval WRITE SetTimerChangedInterval
+                   NOTIFY TimerChangedIntervalChanged)
 
 public:
     // eGradientStyle (the names in the type library have blanks).
@@ -51,35 +75,56 @@ public:
     // A control of a form (see ControlWidget).
     ProgressBoxWidget(host::FormControl& entry, const QString& place, QWidget* parent = nullptr);
 
-    uint StartColor();
+    QColor startColor() const { return qColorMember("StartColor"); }
+    void setStartColor(const QColor& c) { letMember(QStringLiteral("StartColor"), c); }
+    void resetStartColor() { resetMember("StartColor"); }
+    QColor finishColor() const { return qColorMember("FinishColor"); }
+    void setFinishColor(const QColor& c) { letMember(QStringLiteral("FinishColor"), c); }
+    void resetFinishColor() { resetMember("FinishColor"); }
+    QColor pivotColor() const { return qColorMember("PivotColor"); }
+    void setPivotColor(const QColor& c) { letMember(QStringLiteral("PivotColor"), c); }
+    void resetPivotColor() { resetMember("PivotColor"); }
+    uint StartColor() const;
     void SetStartColor(uint color);
-    uint FinishColor();
+    uint FinishColor() const;
     void SetFinishColor(uint color);
-    double Value();
+    double Value() const;
     void SetValue(double value);
-    QString Text();
+    QString Text() const;
     void SetText(const QString& text);
-    bool ShowPercentual();
+    bool ShowPercentual() const;
     void SetShowPercentual(bool show);
-    AlignmentText Alignment();
+    AlignmentText Alignment() const;
     void SetAlignment(AlignmentText alignment);
-    double MinValue();
+    double MinValue() const;
     void SetMinValue(double value);
-    double MaxValue();
+    double MaxValue() const;
     void SetMaxValue(double value);
-    double Percentual();
+    double Percentual() const;
     void SetPercentual(double percentual);
-    GradientStyleKind GradientStyle();
+    GradientStyleKind GradientStyle() const;
     void SetGradientStyle(GradientStyleKind style);
-    uint PivotColor();
+    uint PivotColor() const;
     void SetPivotColor(uint color);
-    int TimerChangedInterval();
+    int TimerChangedInterval() const;
     void SetTimerChangedInterval(int milliseconds);
 
     // The caption as the bar draws it (text, a blank, the rounded percentage).
     QString caption() const;
 
 signals:
+    void StartColorChanged();
+    void FinishColorChanged();
+    void ValueChanged();
+    void TextChanged();
+    void ShowPercentualChanged();
+    void AlignmentChanged();
+    void MinValueChanged();
+    void MaxValueChanged();
+    void PercentualChanged();
+    void GradientStyleChanged();
+    void PivotColorChanged();
+    void TimerChangedIntervalChanged();
     void Click();
     void DblClick();
     void KeyDown(int KeyCode, int Shift);
@@ -95,6 +140,9 @@ signals:
 
 protected:
     void emitTypedEvent(int number, const QVariantList& args) override;
+
+private:
+    void beLikeAProgressBar();
 };
 
 }  // namespace kelvarin::qt

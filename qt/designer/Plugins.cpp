@@ -25,8 +25,10 @@ void WidgetPlugin::initialize(QDesignerFormEditorInterface* core) {
 }
 
 QString WidgetPlugin::domXml() const {
+    // The widget box shows the control's own class name ("DateBox"); forms
+    // and generated code name the C++ class.
     return QStringLiteral(
-               "<ui language=\"c++\">\n"
+               "<ui language=\"c++\" displayname=\"%5\">\n"
                " <widget class=\"%1\" name=\"%2\">\n"
                "  <property "
                "name=\"geometry\"><rect><x>0</x><y>0</y><width>%3</width><height>%4</height>"
@@ -35,7 +37,8 @@ QString WidgetPlugin::domXml() const {
                "</ui>\n")
         .arg(entry_.className, entry_.objectName)
         .arg(entry_.size.width())
-        .arg(entry_.size.height());
+        .arg(entry_.size.height())
+        .arg(entry_.displayName);
 }
 
 namespace {
@@ -102,8 +105,8 @@ QIcon CommandIcon() {
 
 KelvarinPlugins::KelvarinPlugins(QObject* parent) : QObject(parent) {
     widgets_.append(new WidgetPlugin(
-        {QStringLiteral("kelvarin::qt::DateBoxWidget"), QStringLiteral("dateBox"),
-         QStringLiteral("Date field with a drop-down calendar"),
+        {QStringLiteral("kelvarin::qt::DateBoxWidget"), QStringLiteral("DateBox"),
+         QStringLiteral("dateBox"), QStringLiteral("Date field with a drop-down calendar"),
          QStringLiteral(
              "A date field edited part by part, that may be empty (a database Null), stays within "
              "its limits and drops down a month calendar."),
@@ -111,8 +114,8 @@ KelvarinPlugins::KelvarinPlugins(QObject* parent) : QObject(parent) {
          [](QWidget* parent) -> QWidget* { return new DateBoxWidget(parent); }},
         this));
     widgets_.append(new WidgetPlugin(
-        {QStringLiteral("kelvarin::qt::ProgressBoxWidget"), QStringLiteral("progressBox"),
-         QStringLiteral("Gradient progress bar"),
+        {QStringLiteral("kelvarin::qt::ProgressBoxWidget"), QStringLiteral("ProgressBox"),
+         QStringLiteral("progressBox"), QStringLiteral("Gradient progress bar"),
          QStringLiteral("A progress bar painted as a colour gradient, with a caption of its text "
                         "and percentage, "
                         "that reports elapsed and estimated time while a run goes on."),
@@ -120,8 +123,8 @@ KelvarinPlugins::KelvarinPlugins(QObject* parent) : QObject(parent) {
          [](QWidget* parent) -> QWidget* { return new ProgressBoxWidget(parent); }},
         this));
     widgets_.append(new WidgetPlugin(
-        {QStringLiteral("kelvarin::qt::CommandBoxWidget"), QStringLiteral("commandBox"),
-         QStringLiteral("Picture button"),
+        {QStringLiteral("kelvarin::qt::CommandBoxWidget"), QStringLiteral("CommandBox"),
+         QStringLiteral("commandBox"), QStringLiteral("Picture button"),
          QStringLiteral("A push button that paints its own face: a caption with an access key "
                         "and a picture in one of five places, greyed until the pointer is over "
                         "it if wished, in two edge styles."),

@@ -19,8 +19,9 @@ class WidgetPlugin : public QObject, public QDesignerCustomWidgetInterface {
 
 public:
     struct Entry {
-        QString className;   // the widget's C++ class
-        QString objectName;  // the name a new one gets in a form
+        QString className;    // the widget's C++ class
+        QString displayName;  // the control's class, as the widget box names it
+        QString objectName;   // the name a new one gets in a form
         QString toolTip;
         QString whatsThis;
         QString includeFile;

@@ -43,26 +43,40 @@ constexpr const char* kForm = R"(<ui version="4.0"><class>Form</class>
  </widget>
 </ui>)";
 
-TEST(DesignerTaskMenuTest, EditGeneralWritesThroughTheFormsCursorAndUndoesInOneStep) {
-    // Designer looks for plugins in "designer" under each library path.
-    QTemporaryDir dir;
-    ASSERT_TRUE(QDir(dir.path()).mkpath(QStringLiteral("designer")));
-    ASSERT_TRUE(QFile::link(QStringLiteral(KELVARIN_DESIGNER_PATH),
-                            dir.filePath(QStringLiteral("designer/libkelvarin_designer.so"))));
-    QCoreApplication::addLibraryPath(dir.path());
-    QDesignerComponents::initializeResources();
-    std::unique_ptr<QDesignerFormEditorInterface> core(
-        QDesignerComponents::createFormEditor(nullptr));
-    QDesignerComponents::initializePlugins(core.get());
-    std::unique_ptr<QDesignerPropertyEditorInterface> sheetEditor(
-        QDesignerComponents::createPropertyEditor(core.get(), nullptr));
-    core->setPropertyEditor(sheetEditor.get());
-    QDesignerIntegration integration(core.get());
-    QCoreApplication::removeLibraryPath(dir.path());
+// Designer's own form editor with the plugin loaded from its plugin path,
+// a property editor and one form window holding kForm.
+struct DesignerSession {
+    DesignerSession() {
+        // Designer looks for plugins in "designer" under each library path.
+        EXPECT_TRUE(QDir(dir.path()).mkpath(QStringLiteral("designer")));
+        EXPECT_TRUE(QFile::link(QStringLiteral(KELVARIN_DESIGNER_PATH),
+                                dir.filePath(QStringLiteral("designer/libkelvarin_designer.so"))));
+        QCoreApplication::addLibraryPath(dir.path());
+        QDesignerComponents::initializeResources();
+        core.reset(QDesignerComponents::createFormEditor(nullptr));
+        QDesignerComponents::initializePlugins(core.get());
+        sheetEditor.reset(QDesignerComponents::createPropertyEditor(core.get(), nullptr));
+        core->setPropertyEditor(sheetEditor.get());
+        integration = std::make_unique<QDesignerIntegration>(core.get());
+        QCoreApplication::removeLibraryPath(dir.path());
+        form.reset(core->formWindowManager()->createFormWindow(nullptr));
+        EXPECT_TRUE(form->setContents(QString::fromLatin1(kForm)));
+    }
+    QDesignerPropertySheetExtension* sheetOf(QWidget* w) const {
+        return qt_extension<QDesignerPropertySheetExtension*>(core->extensionManager(), w);
+    }
 
-    std::unique_ptr<QDesignerFormWindowInterface> form(
-        core->formWindowManager()->createFormWindow(nullptr));
-    ASSERT_TRUE(form->setContents(QString::fromLatin1(kForm)));
+    QTemporaryDir dir;
+    std::unique_ptr<QDesignerFormEditorInterface> core;
+    std::unique_ptr<QDesignerPropertyEditorInterface> sheetEditor;
+    std::unique_ptr<QDesignerIntegration> integration;
+    std::unique_ptr<QDesignerFormWindowInterface> form;
+};
+
+TEST(DesignerTaskMenuTest, EditGeneralWritesThroughTheFormsCursorAndUndoesInOneStep) {
+    DesignerSession session;
+    QDesignerFormEditorInterface* core = session.core.get();
+    QDesignerFormWindowInterface* form = session.form.get();
     QWidget* bar = form->mainContainer()->findChild<QWidget*>(QStringLiteral("bar"));
     QWidget* date = form->mainContainer()->findChild<QWidget*>(QStringLiteral("date"));
     ASSERT_NE(bar, nullptr);
@@ -96,7 +110,7 @@ TEST(DesignerTaskMenuTest, EditGeneralWritesThroughTheFormsCursorAndUndoesInOneS
 
     EXPECT_EQ(bar->property("Value").toDouble(), 35);
     EXPECT_EQ(bar->property("Text").toString(), QStringLiteral("Copia"));
-    auto* sheet = qt_extension<QDesignerPropertySheetExtension*>(extensions, bar);
+    auto* sheet = session.sheetOf(bar);
     ASSERT_NE(sheet, nullptr);
     EXPECT_TRUE(sheet->isChanged(sheet->indexOf(QStringLiteral("Value"))));
     EXPECT_TRUE(form->contents().contains(QStringLiteral("<string>Copia</string>")));
@@ -104,6 +118,39 @@ TEST(DesignerTaskMenuTest, EditGeneralWritesThroughTheFormsCursorAndUndoesInOneS
     form->commandHistory()->undo();
     EXPECT_EQ(bar->property("Value").toDouble(), 0);
     EXPECT_EQ(bar->property("Text").toString(), QString());
+}
+
+// The property sheet shows enabled and font once (the widget's, which are
+// the control's) and colours with the colour picker;
+// a system colour nobody edited stays out of the form, so it stays one.
+TEST(DesignerTaskMenuTest, ThePropertySheetSpeaksQt) {
+    DesignerSession session;
+    QWidget* date = session.form->mainContainer()->findChild<QWidget*>(QStringLiteral("date"));
+    ASSERT_NE(date, nullptr);
+    QDesignerPropertySheetExtension* sheet = session.sheetOf(date);
+    ASSERT_NE(sheet, nullptr);
+    const auto shown = [&](const char* name) {
+        const int i = sheet->indexOf(QString::fromLatin1(name));
+        return i >= 0 && sheet->isVisible(i);
+    };
+    EXPECT_TRUE(shown("enabled"));
+    EXPECT_TRUE(shown("font"));
+    EXPECT_FALSE(shown("Enabled"));
+    EXPECT_FALSE(shown("Font"));
+    EXPECT_FALSE(shown("BackColor"));
+    ASSERT_TRUE(shown("backColor"));
+    EXPECT_EQ(sheet->property(sheet->indexOf(QStringLiteral("backColor"))).metaType().id(),
+              QMetaType::QColor);
+
+    sheet->setProperty(sheet->indexOf(QStringLiteral("enabled")), false);
+    EXPECT_FALSE(date->property("Enabled").toBool());
+
+    EXPECT_FALSE(session.form->contents().contains(QStringLiteral("backColor")));
+    EXPECT_EQ(date->property("BackColor").toUInt(), 0x80000005u);
+    sheet->setProperty(sheet->indexOf(QStringLiteral("backColor")), QColor(1, 2, 3));
+    sheet->setChanged(sheet->indexOf(QStringLiteral("backColor")), true);
+    EXPECT_EQ(date->property("BackColor").toUInt(), 0x00030201u);
+    EXPECT_TRUE(session.form->contents().contains(QStringLiteral("backColor")));
 }
 
 }  // namespace

@@ -9,9 +9,16 @@
 #include "tests/qt/RunProgram.h"
 
 #include <QComboBox>
+#include <QDateEdit>
+#include <QDoubleSpinBox>
 #include <QFile>
 #include <QImage>
+#include <QMap>
 #include <QPointer>
+#include <QRegularExpression>
+#include <QScreen>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QSet>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -20,9 +27,11 @@
 #include <kelvarin/CommandBoxWidget.h>
 #include <kelvarin/DateBoxWidget.h>
 #include <kelvarin/ProgressBoxWidget.h>
+#include "apps/gallery/Cards.h"
 #include "apps/gallery/CommandPage.h"
 #include "apps/gallery/DatePage.h"
 #include "apps/gallery/EffectsPage.h"
+#include "apps/gallery/EventTrace.h"
 #include "host/FormFile.h"
 #include "library/ClassFactory.h"
 
@@ -81,15 +90,26 @@ TEST(GalleryTest, TheDatePageReadsOutTheBoxTypedIntoAndKeepsItsControlsInStep) {
     EXPECT_TRUE(status.isEmpty())
         << status.at(0).at(0).toString().toStdString();  // no control complained
 
+    DatePage* page = window.datePage();
+    // Setting the boxes up raised events; the user has not done anything yet.
+    EXPECT_FALSE(page->readout().contains(QStringLiteral("Last event")))
+        << page->readout().toStdString();
+
     auto* empty = qobject_cast<qt::DateBoxWidget*>(window.control(QStringLiteral("nullable")));
     ASSERT_NE(empty, nullptr);
     EXPECT_EQ(empty->ValueDB().metaType().id(), QMetaType::Nullptr);
     empty->setFocus(Qt::TabFocusReason);
+    QTest::keyClick(empty, Qt::Key_Delete);  // blanks what is blank: no value yet
+    EXPECT_EQ(page->watched(), empty);
+    EXPECT_TRUE(page->readout().contains(QStringLiteral("Value    empty")))
+        << page->readout().toStdString();  // not the bare midnight of day 0
+    EXPECT_TRUE(page->readout().contains(QStringLiteral("ValueDB  Null")));
+    EXPECT_TRUE(page->readout().contains(QStringLiteral("Last event: KeyUp(46, 0)")))
+        << page->readout().toStdString();
     for (Qt::Key k :
          {Qt::Key_0, Qt::Key_9, Qt::Key_0, Qt::Key_3, Qt::Key_2, Qt::Key_0, Qt::Key_0, Qt::Key_7})
         QTest::keyClick(empty, k);
     EXPECT_EQ(empty->displayText(), QStringLiteral("09/03/2007"));
-    DatePage* page = window.datePage();
     EXPECT_EQ(page->watched(), empty);
     const QString readout = page->readout();
     EXPECT_TRUE(readout.contains(QStringLiteral("nullable"))) << readout.toStdString();
@@ -126,6 +146,180 @@ TEST(GalleryTest, TheCommandPageReadsOutEventsAndFollowsLoadedButtons) {
     EXPECT_TRUE(window.control(QStringLiteral("cmdDefault"))->displayAsDefault());
 }
 
+// On a 1366 x 768 screen with a panel the window has about 1340 x 690 to
+// itself: there every page fits its width (and scrolls its height), and no
+// readout moves or widens anything when its text grows.
+TEST(GalleryTest, FitsASmallScreenAndKeepsItsLayoutWhenReadoutsGrow) {
+    GalleryWindow window;
+    const QSize free = window.screen()->availableGeometry().size();
+    EXPECT_EQ(window.size().boundedTo(free), window.size());  // as it opens
+    window.resize(1340, 690);
+    window.show();
+    QApplication::processEvents();
+    EXPECT_EQ(window.size(), QSize(1340, 690));  // its minimum is smaller
+
+    // Where every widget of the window stands, the readouts included.
+    const auto places = [&window] {
+        QMap<const QWidget*, QRect> at;
+        for (const QWidget* w : window.findChildren<QWidget*>())
+            if (w->isVisible()) at[w] = {w->mapTo(&window, QPoint()), w->size()};
+        return at;
+    };
+    const QList<Readout*> readouts = window.findChildren<Readout*>();
+    ASSERT_GE(readouts.size(), 9);
+    for (const char* name : {"ProgressBox", "DateBox", "Effects", "CommandBox"}) {
+        ASSERT_TRUE(window.showPage(QString::fromLatin1(name)));
+        QApplication::processEvents();
+        QScrollArea* shown = nullptr;
+        for (QScrollArea* s : window.findChildren<QScrollArea*>())
+            if (s->isVisible()) shown = s;
+        ASSERT_NE(shown, nullptr) << name;
+        EXPECT_FALSE(shown->horizontalScrollBar()->isVisible()) << name;
+
+        const QMap<const QWidget*, QRect> before = places();
+        for (Readout* r : readouts)
+            r->setText(QStringLiteral("Last event: MouseMove(1, 0, 1234.5, 678.9) ").repeated(12) +
+                       QStringLiteral("\nand a line more").repeated(12));
+        QApplication::processEvents();
+        EXPECT_EQ(places(), before) << name;
+        EXPECT_FALSE(shown->horizontalScrollBar()->isVisible()) << name;
+    }
+}
+
+// The playgrounds' range and limit boxes act when the typing is done: typing
+// 50 as the bar's maximum never makes it 5 on the way (which would have
+// pulled the value down to 5).
+TEST(GalleryTest, ThePlaygroundsTakeATypedRangeWhenTheTypingIsDone) {
+    GalleryWindow window;
+    window.show();
+    QApplication::setActiveWindow(&window);
+    ProgressBoxWidget* bar = Bar(window, "playground");
+    bar->SetValue(30);
+    auto* max = window.findChild<QDoubleSpinBox*>(QStringLiteral("rangeMax"));
+    ASSERT_NE(max, nullptr);
+    max->setFocus();
+    max->selectAll();
+    QTest::keyClicks(max, QStringLiteral("50"));
+    EXPECT_EQ(bar->MaxValue(), 100);
+    QTest::keyClick(max, Qt::Key_Return);
+    EXPECT_EQ(bar->MaxValue(), 50);
+    EXPECT_EQ(bar->Value(), 30);
+
+    ASSERT_TRUE(window.showPage(QStringLiteral("DateBox")));
+    auto* box = qobject_cast<qt::DateBoxWidget*>(window.control(QStringLiteral("datePlayground")));
+    auto* min = window.findChild<QDateEdit*>(QStringLiteral("limitMin"));
+    ASSERT_NE(box, nullptr);
+    ASSERT_NE(min, nullptr);
+    const QDateTime lowest = box->MinDate();
+    min->setFocus();
+    min->setSelectedSection(QDateTimeEdit::YearSection);
+    QTest::keyClicks(min, QStringLiteral("2026"));
+    EXPECT_EQ(box->MinDate(), lowest);
+    QTest::keyClick(min, Qt::Key_Return);
+    EXPECT_EQ(box->MinDate().date(), QDate(2026, 1, 1));
+}
+
+// Pausing the job stops the job, not the bar's clock: the bar reports on
+// through the pause, and the time the job is done in is the bar's, so it is
+// never less than the bar's last reported elapsed time.
+TEST(GalleryTest, TheJobsDoneInCountsThePauseAsTheBarDoes) {
+    GalleryWindow window;
+    window.show();
+    window.jobBar()->SetTimerChangedInterval(40);
+    window.startJob(300);
+    QTRY_VERIFY(window.timerChanges() >= 1);
+    window.pauseJob();
+    const int paused = window.timerChanges();
+    QTRY_VERIFY(window.timerChanges() >= paused + 4);
+    EXPECT_TRUE(window.jobReadout().startsWith(QStringLiteral("Paused")))
+        << window.jobReadout().toStdString();
+    window.resumeJob();
+    QTRY_VERIFY_WITH_TIMEOUT(window.jobReadout().startsWith(QStringLiteral("Done in")), 10000);
+
+    const auto match =
+        QRegularExpression(
+            QStringLiteral("^Done in ([0-9.]+) s, pauses included; last report at ([0-9.]+) s.$"))
+            .match(window.jobReadout());
+    ASSERT_TRUE(match.hasMatch()) << window.jobReadout().toStdString();
+    const double done = match.captured(1).toDouble(), elapsed = match.captured(2).toDouble();
+    EXPECT_GE(done, elapsed);
+    EXPECT_GE(elapsed, 0.3 + 4 * 0.04 - 0.1);  // the job's own time and the pause
+}
+
+// --dark, or a dark palette of the system's: the cards, texts and date
+// fields turn dark with it, and light again after.
+TEST(GalleryTest, FollowsTheApplicationPaletteLightOrDark) {
+    const QPalette light = QApplication::palette();
+    GalleryWindow window;
+    ASSERT_TRUE(window.showPage(QStringLiteral("DateBox")));
+    window.resize(1280, 700);
+    window.show();
+    QApplication::processEvents();
+    auto* box = window.control(QStringLiteral("nullable"));
+    const auto lightness = [box] {
+        const QImage image = box->grab().toImage();
+        return image.pixelColor(image.width() / 2, image.height() / 2).lightness();
+    };
+    EXPECT_GT(lightness(), 200);
+
+    QApplication::setPalette(DarkPalette());
+    QApplication::processEvents();
+    EXPECT_TRUE(window.styleSheet().contains(DarkPalette().color(QPalette::Window).name()));
+    EXPECT_LT(lightness(), 60);
+
+    QApplication::setPalette(light);
+    QApplication::processEvents();
+    EXPECT_FALSE(window.styleSheet().contains(DarkPalette().color(QPalette::Window).name()));
+    EXPECT_GT(lightness(), 200);
+}
+
+// --trace's lines, as the X11 test reads them: where the page's controls
+// and the tabs stand, then every event of a control and a date field's
+// value after it.
+TEST(GalleryTest, TheTraceTellsPlacesEventsAndValues) {
+    std::FILE* out = std::tmpfile();
+    ASSERT_NE(out, nullptr);
+    GalleryWindow window;
+    ASSERT_TRUE(window.showPage(QStringLiteral("DateBox")));
+    window.show();
+    QApplication::setActiveWindow(&window);
+    QApplication::processEvents();
+    auto* trace = new EventTrace(window, out);
+
+    const QString layout = trace->layoutLines();
+    const auto has = [&layout](const char* pattern) {
+        return QRegularExpression(QString::fromLatin1(pattern), QRegularExpression::MultilineOption)
+            .match(layout)
+            .hasMatch();
+    };
+    EXPECT_TRUE(layout.startsWith(QStringLiteral("PAGE DateBox\n"))) << layout.toStdString();
+    EXPECT_TRUE(has("^TAB CommandBox -?\\d+ -?\\d+ \\d+ \\d+$")) << layout.toStdString();
+    EXPECT_TRUE(has("^AT nullable -?\\d+ -?\\d+ \\d+ \\d+$")) << layout.toStdString();
+    EXPECT_TRUE(has("^FIELDS nullable 0 \\d+ \\d+ \\d+$")) << layout.toStdString();
+    EXPECT_FALSE(has("^AT cmdSalva ")) << "not on the page in front";
+
+    auto* box = qobject_cast<qt::DateBoxWidget*>(window.control(QStringLiteral("nullable")));
+    ASSERT_NE(box, nullptr);
+    box->setFocus(Qt::TabFocusReason);
+    QTest::keyClick(box, Qt::Key_2);
+    box->SetValue(QDateTime(QDate(2007, 12, 25), QTime(), Qt::UTC));
+    std::rewind(out);
+    QString printed;
+    char line[512];
+    while (std::fgets(line, sizeof line, out)) printed += QString::fromUtf8(line);
+    delete trace;  // before its file goes
+    std::fclose(out);
+    EXPECT_TRUE(
+        printed.contains(QStringLiteral("EVENT nullable KeyDown(50, 0)\n"
+                                        "VALUE nullable \"2_/__/____\" empty Null\n")))
+        << printed.toStdString();
+    EXPECT_TRUE(
+        printed.endsWith(QStringLiteral("EVENT nullable Change()\nVALUE nullable "
+                                        "\"25/12/2007\" 2007-12-25 00:00:00 "
+                                        "2007-12-25 00:00:00\n")))
+        << printed.toStdString();
+}
+
 // ---- The program -------------------------------------------------------------------------------
 
 test::ProgramRun Gallery(const QStringList& args) {
@@ -139,7 +333,8 @@ TEST(GalleryTest, TheProgramSavesLoadsAndTakesAScreenshot) {
     const QString picture = dir.filePath(QStringLiteral("gallery.png"));
 
     const test::ProgramRun saved =
-        Gallery({QStringLiteral("--save"), first, QStringLiteral("--screenshot"), picture});
+        Gallery({QStringLiteral("--save"), first, QStringLiteral("--screenshot"), picture,
+                 QStringLiteral("--size"), QStringLiteral("1280x700")});
     ASSERT_EQ(saved.exitCode, 0) << saved.err.toStdString();
     EXPECT_TRUE(saved.out.contains(picture));
 
@@ -169,6 +364,15 @@ TEST(GalleryTest, TheProgramSavesLoadsAndTakesAScreenshot) {
     EXPECT_TRUE(missing.err.contains(QStringLiteral("none.json"))) << missing.err.toStdString();
 
     EXPECT_EQ(Gallery({QStringLiteral("surplus")}).exitCode, 2);
+    EXPECT_EQ(Gallery({QStringLiteral("--size"), QStringLiteral("1280")}).exitCode, 2);
+
+    const test::ProgramRun dark =
+        Gallery({QStringLiteral("--dark"), QStringLiteral("--size"), QStringLiteral("900x600"),
+                 QStringLiteral("--screenshot"), picture});
+    ASSERT_EQ(dark.exitCode, 0) << dark.err.toStdString();
+    const QImage darkImage(picture);
+    EXPECT_EQ(darkImage.size(), QSize(900, 600));
+    EXPECT_LT(darkImage.pixelColor(4, 4).lightness(), 60);
 }
 
 // The effects play while their page is shown, the same frames for the
