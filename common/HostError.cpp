@@ -13,6 +13,7 @@ const char* HostError::Text(HostErrorCode code) noexcept {
     switch (code) {
         case HostErrorCode::InvalidProcedureCall: return "Invalid procedure call or argument";
         case HostErrorCode::Overflow: return "Overflow";
+        case HostErrorCode::OutOfMemory: return "Out of memory";
         case HostErrorCode::SubscriptOutOfRange: return "Subscript out of range";
         case HostErrorCode::DivisionByZero: return "Division by zero";
         case HostErrorCode::TypeMismatch: return "Type mismatch";

@@ -31,7 +31,7 @@ Long FloorToLong(double x);
 
 // Checked 32-bit arithmetic: Overflow (6) instead of wrapping.
 Long CheckedAdd(Long a, Long b);
-Long CheckedSub(Long a, Long b);
+KELVARIN_CORE_API Long CheckedSub(Long a, Long b);
 Long CheckedMul(Long a, Long b);
 // Integer division truncating towards zero; Division by zero (11) for b = 0.
 Long IntDiv(Long a, Long b);

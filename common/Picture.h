@@ -42,8 +42,9 @@ enum class PictureType : int {
 
 class KELVARIN_CORE_API Picture final : public Object {
 public:
-    // Pixel memory above this is refused, whatever its source.
-    static constexpr std::int64_t kMaxPixelBytes = std::int64_t{1} << 30;
+    // Pixel memory above this (256 MiB) is refused, whatever its source: no
+    // file, script or caller makes the library take more for one picture.
+    static constexpr std::int64_t kMaxPixelBytes = std::int64_t{256} << 20;
     static constexpr int kMaxPaletteEntries = 256;
 
     // A zero-filled bitmap. An 8-bit bitmap without a palette gets the

@@ -58,6 +58,30 @@ inline std::size_t Utf8Offset(std::string_view s, int characters) noexcept {
     return s.size();
 }
 
+// Whether the bytes are well-formed UTF-8: no stray or missing continuation
+// bytes, no overlong forms, no surrogates, nothing past U+10FFFF.
+inline bool IsValidUtf8(std::string_view s) noexcept {
+    for (std::size_t i = 0; i < s.size();) {
+        const auto b = static_cast<unsigned char>(s[i]);
+        std::size_t n = 0;
+        unsigned char lo = 0x80, hi = 0xBF;  // the second byte's range
+        if (b < 0x80) n = 1;
+        else if (b >= 0xC2 && b <= 0xDF) n = 2;
+        else if (b >= 0xE0 && b <= 0xEF)
+            n = 3, lo = b == 0xE0 ? 0xA0 : 0x80, hi = b == 0xED ? 0x9F : 0xBF;
+        else if (b >= 0xF0 && b <= 0xF4)
+            n = 4, lo = b == 0xF0 ? 0x90 : 0x80, hi = b == 0xF4 ? 0x8F : 0xBF;
+        else return false;
+        if (i + n > s.size()) return false;
+        for (std::size_t k = 1; k < n; ++k) {
+            const auto c = static_cast<unsigned char>(s[i + k]);
+            if (k == 1 ? c < lo || c > hi : !IsUtf8Continuation(s[i + k])) return false;
+        }
+        i += n;
+    }
+    return true;
+}
+
 // The size in bytes of the character that starts at byte i.
 inline std::size_t Utf8CharSize(std::string_view s, std::size_t i) noexcept {
     std::size_t n = 1;

@@ -75,7 +75,8 @@ private:
 };
 
 // Text as the host reads a number: the locale's decimal and thousands
-// separators, sign, exponent, &H and &O prefixes. Nothing if it is not one.
+// separators, sign, exponent, &H and &O prefixes. Nothing if it is not one;
+// Overflow (6) for one past the range of a Double.
 std::optional<double> TextToNumber(std::string_view text, const Locale& locale = CurrentLocale());
 // A number as the host writes it: up to 15 significant digits for a Double
 // (7 for a Single), the locale's decimal separator, exponent form past that.

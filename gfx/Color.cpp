@@ -315,8 +315,11 @@ bool clsGFX_2D::Color_FadeTo(Long lngMaskColor, Long lngFadeTo, double dblFadeWe
             for (int v = 0; v < 256; ++v) fast[c][v] = static_cast<std::uint8_t>(table[c][v]);
         }
         const std::uint8_t maskBytes[3] = {m0, m1, m2};
-        const int parts[3] = {static_cast<int>(part[0]), static_cast<int>(part[1]),
-                              static_cast<int>(part[2])};
+        // A part beyond 16 bits takes the table loop; it is never converted
+        // out of int's range.
+        int parts[3];
+        for (int c = 0; c < 3; ++c)
+            parts[c] = part[c] >= 0 && part[c] <= 0xFFFF ? static_cast<int>(part[c]) : -1;
         const FadeDivision division = FadeDivisionOf(fast, parts, divisor);
         for (Long y = 0; y < rows.height; ++y) {
             const Long done = division.shift >= 0

@@ -52,15 +52,15 @@ Long AbsChecked(Long v) {
 void clsGFX_2D::Draw_SetViewport(Long lngXmin, Long lngYmin, Long lngXmax, Long lngYmax) {
     ViewportRect v{lngXmin, lngYmin, lngXmax, lngYmax};
     if (v.Xmin < 0) v.Xmin = 0;
-    if (v.Xmin >= width_) v.Xmin = width_ - 1;
-    if (v.Xmax == -1) v.Xmax = width_ - 1;
+    if (v.Xmin >= width_) v.Xmin = CheckedSub(width_, 1);
+    if (v.Xmax == -1) v.Xmax = CheckedSub(width_, 1);
     if (v.Xmax < v.Xmin) v.Xmax = v.Xmin;
-    if (v.Xmax >= width_) v.Xmax = width_ - 1;
+    if (v.Xmax >= width_) v.Xmax = CheckedSub(width_, 1);
     if (v.Ymin < 0) v.Ymin = 0;
-    if (v.Ymin >= height_) v.Ymin = height_ - 1;
-    if (v.Ymax == -1) v.Ymax = height_ - 1;
+    if (v.Ymin >= height_) v.Ymin = CheckedSub(height_, 1);
+    if (v.Ymax == -1) v.Ymax = CheckedSub(height_, 1);
     if (v.Ymax < v.Ymin) v.Ymax = v.Ymin;
-    if (v.Ymax >= height_) v.Ymax = height_ - 1;
+    if (v.Ymax >= height_) v.Ymax = CheckedSub(height_, 1);
     viewport_ = v;
 }
 
@@ -399,16 +399,85 @@ void MidpointCircle(Long cx, Long cy, Long r, Plot plot) {
     }
 }
 
+// The midpoint circle's y at column x of its first octant, without walking
+// there: the largest y with x^2 + (y - 1/2)^2 < r^2, which is the choice
+// the differences above make step by step (for r >= 1).
+Long CircleY(std::int64_t r, std::int64_t x) {
+    const std::int64_t R = 4 * r * r - 4 * x * x;  // (2y - 1)^2 < R
+    auto s = static_cast<std::int64_t>(std::sqrt(static_cast<double>(R)));
+    while (s * s > R) --s;
+    while ((s + 1) * (s + 1) <= R) ++s;
+    const std::int64_t odd = s * s == R ? s - 1 : s;  // the largest 2y - 1 allowed
+    return static_cast<Long>((odd + 1) / 2);
+}
+
+// The first step's arithmetic, which raises Overflow where the walk would,
+// before anything is drawn.
+void CheckCircleArithmetic(Long cx, Long cy, Long r) {
+    CheckedSub(1, r);
+    CheckedSub(5, CheckedMul(2, r));
+    CheckedAdd(cx, r), CheckedSub(cx, r), CheckedAdd(cy, r), CheckedSub(cy, r);
+}
+
 }  // namespace
 
 void clsGFX_2D::Draw_Circle(Long x1, Long y1, Long r, Long c) {
     const std::array<std::uint8_t, 3> rgb{RedByte(c), GreenByte(c), BlueByte(c)};
+    // Every point of a circle on another depth would only set the same text.
+    // (A negative radius has no points, and no text.)
+    if (bytesPerPixel_ != 3) {
+        if (r < 0) return;
+        CheckCircleArithmetic(x1, y1, r);
+        Require24("Draw_PixelRGB is only for 24bit depth images");
+        return;
+    }
     MidpointCircle(x1, y1, r, [&](Long x, Long y) { Draw_PixelRGB(x, y, rgb); });
 }
 
+// A circle much larger than the viewport is drawn only where its octants
+// can cross it: the columns of each octant whose points may fall inside,
+// each with the y the walk would have reached there. The pixels are those
+// of the walk, without walking millions of columns outside.
 void clsGFX_2D::Draw_Circle_C(Long x1, Long y1, Long r, Long c) {
+    if (bytesPerPixel_ != 3) return Draw_Circle(x1, y1, r, c);
     const std::array<std::uint8_t, 3> rgb{RedByte(c), GreenByte(c), BlueByte(c)};
-    MidpointCircle(x1, y1, r, [&](Long x, Long y) { Draw_PixelRGB_C(x, y, rgb); });
+    const ViewportRect v = viewport_;
+    const std::int64_t span = std::int64_t{v.Xmax} - v.Xmin + std::int64_t{v.Ymax} - v.Ymin;
+    if (r < 16 || r <= 4 * span) {
+        MidpointCircle(x1, y1, r, [&](Long x, Long y) { Draw_PixelRGB_C(x, y, rgb); });
+        return;
+    }
+    CheckCircleArithmetic(x1, y1, r);
+    // The walk stops after the last column with x <= y.
+    std::int64_t lo = 0, hi = r;
+    while (lo < hi) {
+        const std::int64_t mid = (lo + hi + 1) / 2;
+        if (mid <= CircleY(r, mid)) lo = mid;
+        else hi = mid - 1;
+    }
+    const std::int64_t last = lo;
+    const auto each = [&](std::int64_t from, std::int64_t to, auto plot) {
+        for (std::int64_t x = std::max<std::int64_t>(from, 0); x <= std::min(to, last); ++x)
+            plot(static_cast<Long>(x), CircleY(r, x));
+    };
+    const std::int64_t cx = x1, cy = y1;
+    // Octants whose column coordinate is cx +- x, then those whose row is cy +- x.
+    each(v.Xmin - cx, v.Xmax - cx, [&](Long x, Long y) {
+        Draw_PixelRGB_C(x1 + x, y1 + y, rgb);
+        Draw_PixelRGB_C(x1 + x, y1 - y, rgb);
+    });
+    each(cx - v.Xmax, cx - v.Xmin, [&](Long x, Long y) {
+        Draw_PixelRGB_C(x1 - x, y1 + y, rgb);
+        Draw_PixelRGB_C(x1 - x, y1 - y, rgb);
+    });
+    each(v.Ymin - cy, v.Ymax - cy, [&](Long x, Long y) {
+        Draw_PixelRGB_C(x1 + y, y1 + x, rgb);
+        Draw_PixelRGB_C(x1 - y, y1 + x, rgb);
+    });
+    each(cy - v.Ymax, cy - v.Ymin, [&](Long x, Long y) {
+        Draw_PixelRGB_C(x1 + y, y1 - x, rgb);
+        Draw_PixelRGB_C(x1 - y, y1 - x, rgb);
+    });
 }
 
 }  // namespace kelvarin

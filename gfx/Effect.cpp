@@ -578,7 +578,9 @@ bool clsGFX_2D::Effect_Fire(Long lngCooling, const clsGFX_2D* Original) {
         if (fast) x = FireRow128(out, below, below2, n, lngCooling, any);
 #endif
         for (; x < n; ++x) {
-            const int sum = below[x - 1] + below[x] + below[x + 1] + below2[x];
+            // (x - 1 as a signed step: the border cell left of the row.)
+            const int sum =
+                below[static_cast<std::ptrdiff_t>(x) - 1] + below[x] + below[x + 1] + below2[x];
             const int v = std::max(0, sum - lngCooling) >> 2;
             out[x] = static_cast<std::uint8_t>(v);
             any = any || v != 0;
@@ -794,7 +796,8 @@ bool clsGFX_2D::Effect_Water(Long X, Long Y, Long lngRadius, Long lngDepth, Long
                 x = WaterRow128(next, now, stride, static_cast<std::size_t>(W), lngDamping, any);
 #endif
             for (; x < static_cast<std::size_t>(W); ++x) {
-                next[x] = Propagate(now[x - 1], now[x + 1], now[x - stride], now[x + stride],
+                const auto at = static_cast<std::ptrdiff_t>(x);
+                next[x] = Propagate(now[at - 1], now[at + 1], now[at - stride], now[at + stride],
                                     next[x], lngDamping);
                 any = any || next[x] != 0;
             }

@@ -10,6 +10,7 @@
 
 #include <cstring>
 #include <new>
+#include <string>
 #include <utility>
 
 #include "common/HostError.h"
@@ -19,9 +20,6 @@
 namespace kelvarin {
 
 namespace {
-
-// The same bound as a picture's, so that every surface can become one.
-constexpr std::int64_t kMaxSurfaceBytes = Picture::kMaxPixelBytes;
 
 std::uintptr_t NextHandle() noexcept {
     static std::uintptr_t last = 0;  // the user-interface thread only
@@ -70,7 +68,12 @@ bool clsGFX_2D::Allocate(Long lWidth, Long lHeight, Long BitPerPixels, bool zero
         BitPerPixels == 8 || BitPerPixels == 16 || BitPerPixels == 24 || BitPerPixels == 32;
     if (!depthOk || lWidth < 1 || lHeight < 1) return false;
     const std::int64_t stride = (std::int64_t{lWidth} * bytesPerPixel_ + 3) / 4 * 4;
-    if (stride > kMaxSurfaceBytes / lHeight) return false;
+    if (stride > kMaxSurfaceBytes / lHeight) {
+        lastError_ = "Create: " + std::to_string(lWidth) + "x" + std::to_string(lHeight) + " at " +
+                     std::to_string(BitPerPixels) + " bits is more than the " +
+                     std::to_string(kMaxSurfaceBytes >> 20) + " MiB a surface may have";
+        return false;
+    }
     const std::int64_t bytes = stride * lHeight;
     const auto size = static_cast<std::size_t>(bytes);
     bits_ = gfx_detail::AcquirePixels(size, zeroFill);
@@ -212,8 +215,8 @@ bool clsGFX_2D::Data_Get(PixelArray& TempArray) {
 
 void clsGFX_2D::Draw_StartSession() {
     const Long stride = Get_BytesPerScanLine();
-    lastColumn_ = IntDiv(stride - 1, bytesPerPixel_);
-    lastRow_ = height_ - 1;
+    lastColumn_ = IntDiv(CheckedSub(stride, 1), bytesPerPixel_);
+    lastRow_ = CheckedSub(height_, 1);
     session_ = HasSurface() ? PixelArray(bits_.get(), stride, height_) : PixelArray();
     sessionOpen_ = true;
 }

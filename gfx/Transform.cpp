@@ -760,7 +760,10 @@ bool clsGFX_2D::Image_Resample(Long lNewWidth, Long lNewHeight) {
     if (lNewWidth == width_ && lNewHeight == height_) return true;
     clsGFX_2D target;
     // Every pixel byte is written below; only the padding needs clearing.
-    if (!target.Allocate(lNewWidth, lNewHeight, 24, false)) return false;
+    if (!target.Allocate(lNewWidth, lNewHeight, 24, false)) {
+        if (!target.lastError_.empty()) lastError_ = target.lastError_;
+        return false;
+    }
     const auto sx = static_cast<Single>(
         Divide(static_cast<double>(width_) - 1, static_cast<double>(lNewWidth) - 1));
     const auto sy = static_cast<Single>(

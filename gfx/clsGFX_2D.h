@@ -53,9 +53,15 @@ public:
 
     // ---- Surface and picture exchange ----------------------------------------
 
+    // Pixel memory a surface may have: whatever a file, a script or a caller
+    // asks for, no surface takes more. The same bound as a picture's, so
+    // that every surface can become one.
+    static constexpr std::int64_t kMaxSurfaceBytes = Picture::kMaxPixelBytes;
+
     // A new zero-filled surface of 8, 16, 24 or 32 bits per pixel; anything
-    // else, a size below 1 or more than 1 GiB of pixels gives false and no
-    // surface (the header keeps what was asked, as Get_Width shows).
+    // else or a size below 1 gives false and no surface (the header keeps
+    // what was asked, as Get_Width shows); more than kMaxSurfaceBytes also
+    // leaves a last-error text saying so.
     bool Create(Long lWidth, Long lHeight, Long BitPerPixels = 24);
     // A bitmap keeps its own depth and colour table. An icon gives a 24-bit
     // surface of twice its hot spot (its centre for a standard icon), filled
@@ -126,7 +132,8 @@ public:
     // never the row padding; "Width=0" below one column.
     void Image_FlipX();
     void Image_FlipY();
-    // Bilinear resize of a 24-bit image. The surface is made anew (a new
+    // Bilinear resize of a 24-bit image; a size Create refuses gives false
+    // with its text and leaves the image as it was. The surface is made anew (a new
     // bitmap handle; a session the caller had open is reopened on it). A
     // width or height of 1 raises Division by zero (11) once the new
     // surface exists.

@@ -127,6 +127,17 @@ Json EncodePicture(const Picture& picture, const std::string& place) {
     Fail(place, "cannot store this picture");
 }
 
+// A text as JSON keeps only UTF-8; other bytes (texts are bytes to the
+// controls) are stored as {"bytes": base64}, so that they load back as they were.
+// Points; a font larger than this is no font a form keeps.
+constexpr double kMaxFontSize = 2048;
+
+Json EncodeText(const std::string& text) {
+    if (IsValidUtf8(text)) return text;
+    return Json{
+        {"bytes", ToBase64({reinterpret_cast<const std::uint8_t*>(text.data()), text.size()})}};
+}
+
 Json Encode(const Variant& v, const std::string& place) {
     switch (v.Type()) {
         case VarType::Empty: return Json{{"empty", true}};
@@ -137,13 +148,16 @@ Json Encode(const Variant& v, const std::string& place) {
         case VarType::Single:
         case VarType::Double: return v.ToDouble();
         case VarType::Date: return Json{{"date", IsoText(v.ToDate())}};
-        case VarType::String: return v.ToString();
+        case VarType::String: return EncodeText(v.ToString());
         case VarType::Object: {
             const auto object = v.ToObject();
             if (!object) return Json{{"nothing", true}};
             if (const auto* font = dynamic_cast<const Font*>(object.get())) {
+                // Refused here, not written for the reader to refuse.
+                if (!(font->size > 0 && font->size <= kMaxFontSize))
+                    Fail(place + ".size", "font size out of range");
                 return Json{{"font",
-                             {{"name", font->name},
+                             {{"name", EncodeText(font->name)},
                               {"size", font->size},
                               {"bold", font->bold},
                               {"italic", font->italic},
@@ -192,6 +206,16 @@ std::string Text(const Json& j, const std::string& place, std::size_t maxLength 
     const auto& s = j.get_ref<const std::string&>();
     if (s.size() > maxLength) Fail(place, "text too long");
     return s;
+}
+
+// A text, or the {"bytes": base64} form EncodeText writes.
+std::string TextOrBytes(const Json& j, const std::string& place, std::size_t maxLength) {
+    if (!j.is_object()) return Text(j, place, maxLength);
+    if (j.size() != 1 || !j.contains("bytes")) Fail(place, "expected a text");
+    const auto bytes =
+        FromBase64(Text(j["bytes"], place + ".bytes", maxLength * 2), place + ".bytes");
+    if (bytes.size() > maxLength) Fail(place, "text too long");
+    return std::string(bytes.begin(), bytes.end());
 }
 
 bool Flag(const Json& j, const std::string& place) {
@@ -277,14 +301,16 @@ Variant Decode(const Json& j, const std::string& place) {
             const Json& value = only.value();
             const std::string inner = place + "." + key;
             if (key == "date") return Variant::FromDate(ParseIso(Text(value, inner), inner));
+            if (key == "bytes") return Variant(TextOrBytes(j, place, 1u << 20));
             if (key == "nothing") return Variant::Nothing();
             if (key == "empty") return Variant();
             if (key == "font") {
                 if (!value.is_object()) Fail(inner, "expected an object");
                 auto font = std::make_shared<Font>();
-                font->name = Text(Member(value, "name", inner), inner + ".name", 256);
+                font->name = TextOrBytes(Member(value, "name", inner), inner + ".name", 256);
                 font->size = Number(Member(value, "size", inner), inner + ".size");
-                if (font->size <= 0 || font->size > 2048) Fail(inner + ".size", "out of range");
+                if (!(font->size > 0 && font->size <= kMaxFontSize))
+                    Fail(inner + ".size", "out of range");
                 for (auto [flag, field] : {std::pair{"bold", &font->bold},
                                            {"italic", &font->italic},
                                            {"underline", &font->underline},

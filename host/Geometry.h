@@ -2,6 +2,8 @@
 // Points, sizes and rectangles in pixels, top-left origin.
 #pragma once
 
+#include "common/Numeric.h"
+
 namespace kelvarin::host {
 
 struct Point {
@@ -23,8 +25,10 @@ struct Rect {
     int right = 0;
     int bottom = 0;
 
-    int Width() const noexcept { return right - left; }
-    int Height() const noexcept { return bottom - top; }
+    // Overflow (6) for a rectangle whose extent is no int, as the runtime's
+    // arithmetic on it would raise.
+    int Width() const { return CheckedSub(right, left); }
+    int Height() const { return CheckedSub(bottom, top); }
     bool Contains(Point p) const noexcept {
         return p.x >= left && p.x < right && p.y >= top && p.y < bottom;
     }

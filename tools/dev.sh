@@ -15,6 +15,10 @@
 #   tools/dev.sh build  install what is missing and build, nothing else
 #   tools/dev.sh docs   install Doxygen too and write the API documentation of
 #                       the public headers to build/docs/html
+#   tools/dev.sh fuzz TARGET [SECONDS]
+#                       install what is missing, build the fuzz targets with clang
+#                       and run one (bmp, dispatch, form, ...: fuzz/TARGET_fuzz.cpp)
+#                       for SECONDS (default 600); `test` runs each for 20 seconds
 # Re-running only rebuilds what changed.
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -28,6 +32,48 @@ packages=(g++ cmake ninja-build pkg-config libgtest-dev libgmock-dev libbenchmar
           # The gallery's end-to-end test: a real X server, a pointer and a
           # keyboard driven from its script.
           xvfb xdotool python3)
+
+# ---- Fuzzing ---------------------------------------------------------------
+# The libFuzzer programs, built by clang with the address and undefined-
+# behaviour sanitizers in build-fuzz; only the fuzz targets are built there.
+packages+=(clang libclang-rt-dev)
+
+build_fuzz() {
+    [ -f build-fuzz/CMakeCache.txt ] ||
+        CC=clang CXX=clang++ cmake -S . -B build-fuzz -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+            -DKELVARIN_FUZZ=ON -DKELVARIN_BENCH=OFF -DKELVARIN_WERROR=ON
+    cmake --build build-fuzz --target fuzz_targets --parallel "$(nproc)"
+}
+
+# fuzz_one TARGET SECONDS: fuzzes one target from its checked-in corpus; new
+# inputs and any finding go to build-fuzz/fuzz-work/TARGET. Fails on a finding
+# (a crash, a sanitizer report, a broken rule, 10 s for one input, 2 GiB).
+fuzz_one() {
+    local name=$1 seconds=$2 work=build-fuzz/fuzz-work/$1
+    [ -f "fuzz/${name}_fuzz.cpp" ] || { echo "no fuzz target $name (fuzz/${name}_fuzz.cpp)" >&2; return 2; }
+    mkdir -p "$work"
+    local dict=()
+    [ -f "fuzz/dict/$name.dict" ] && dict=("-dict=fuzz/dict/$name.dict")
+    if ! "build-fuzz/fuzz/${name}_fuzz" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 \
+        -print_final_stats=1 -artifact_prefix="$work/" "${dict[@]}" "$work" "fuzz/corpus/$name" \
+        >"$work.log" 2>&1; then
+        tail -n 80 "$work.log"
+        echo "fuzz: $name found a fault; the input is in $work/" >&2
+        return 1
+    fi
+    echo "fuzz: $name ${seconds}s, $(grep -o 'exec/s: [0-9]*' "$work.log" | tail -n 1)," \
+        "$(grep -o 'corp: [0-9]*/[0-9a-zA-Z]*' "$work.log" | tail -n 1)"
+}
+
+# Every target briefly: the corpus first, then 20 seconds of new inputs.
+fuzz_briefly() {
+    build_fuzz
+    local target
+    for target in fuzz/*_fuzz.cpp; do
+        target=${target#fuzz/}
+        fuzz_one "${target%_fuzz.cpp}" 20
+    done
+}
 
 install_missing() {
     local missing=()
@@ -107,6 +153,7 @@ test)
         -DKELVARIN_WERROR=ON
     run_tests build-san
     check_release_install
+    fuzz_briefly
     ;;
 run)
     install_missing
@@ -143,8 +190,14 @@ docs)
     cmake --build build --target docs
     echo "Open $PWD/build/docs/html/index.html to read the documentation."
     ;;
+fuzz)
+    [ $# -ge 2 ] || { echo "usage: tools/dev.sh fuzz TARGET [SECONDS]" >&2; exit 2; }
+    install_missing
+    build_fuzz
+    fuzz_one "$2" "${3:-600}"
+    ;;
 *)
-    echo "usage: tools/dev.sh test|run [GALLERY OPTIONS]|run-host [SCRIPT]|build|docs" >&2
+    echo "usage: tools/dev.sh test|run [GALLERY OPTIONS]|run-host [SCRIPT]|build|docs|fuzz TARGET [SECONDS]" >&2
     exit 2
     ;;
 esac

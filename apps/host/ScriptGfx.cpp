@@ -285,11 +285,13 @@ void ScriptHost::Gfx(const Words& w) {
         const Long width = ParseValue(w[2]).ToLong(), height = ParseValue(w[3]).ToLong();
         const Long bits = w.size() == 5 ? ParseValue(w[4]).ToLong() : 24;
         auto gfx = std::make_unique<clsGFX_2D>();
-        // Create gives no reason; the size or the depth is wrong.
-        if (!gfx->Create(width, height, bits))
+        // Create gives a reason only for a size past the memory cap.
+        if (!gfx->Create(width, height, bits)) {
+            if (!gfx->Get_LastError().empty()) throw ScriptError{gfx->Get_LastError()};
             throw ScriptError{"no surface of " + std::to_string(width) + "x" +
                               std::to_string(height) + " at " + std::to_string(bits) +
                               " bits: sizes start at 1, depths are 8, 16, 24 or 32"};
+        }
         keep(std::move(gfx));
         return;
     }

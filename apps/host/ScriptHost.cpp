@@ -94,7 +94,10 @@ void ScriptHost::Execute(std::string_view line) {
     std::size_t first = line.find_first_not_of(" \t");
     if (first == std::string_view::npos) return;
     try {
+        // Blank to the words too: a line of other white space (vertical
+        // tabs, form feeds) has no command.
         const std::vector<std::string> words = SplitWords(line);
+        if (words.empty()) return;
         Dispatch(words, line.substr(first));
     } catch (const HostError& e) {
         failed_ = true;

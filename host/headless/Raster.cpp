@@ -4,13 +4,20 @@
 #include <algorithm>
 #include <cstdlib>
 
+#include "common/HostError.h"
 #include "common/Numeric.h"
+#include "common/Picture.h"
 #include "common/Text.h"
 #include "host/TextLayout.h"
 
 namespace kelvarin::host::headless {
 
+// A window larger than any picture may be is refused before anything
+// changes, as the runtime refuses memory it cannot have.
 void Raster::Resize(int w, int h, OLE_COLOR fill) {
+    if (std::int64_t{std::max(w, 0)} * std::max(h, 0) * 3 > Picture::kMaxPixelBytes) {
+        RaiseHostError(HostErrorCode::OutOfMemory);
+    }
     width = std::max(w, 0);
     height = std::max(h, 0);
     bgr.assign(static_cast<std::size_t>(width) * height * 3, 0);
@@ -30,11 +37,13 @@ void Raster::Put(int x, int y, OLE_COLOR color) {
     bgr[i + 2] = static_cast<std::uint8_t>(RedOf(color));
 }
 
+// A font too large for the metrics raises Overflow (6), as the runtime's
+// conversion would.
 int CharWidth(const Font& font) {
-    return static_cast<int>(RoundHalfEven(font.size * 7.0 / 8.0)) + (font.bold ? 1 : 0);
+    return CheckedAdd(ToLong(font.size * 7.0 / 8.0), font.bold ? 1 : 0);
 }
 
-int LineHeight(const Font& font) { return static_cast<int>(RoundHalfEven(font.size * 15.0 / 8.0)); }
+int LineHeight(const Font& font) { return ToLong(font.size * 15.0 / 8.0); }
 
 bool RasterSurface::Inside(int x, int y) const noexcept {
     const int ax = x + view_.left;

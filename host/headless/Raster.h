@@ -17,6 +17,8 @@ struct Raster {
     int height = 0;
     std::vector<std::uint8_t> bgr;  // width * 3 bytes a row, top row first
 
+    // More than Picture::kMaxPixelBytes raises Out of memory (7), and the
+    // raster stays as it was.
     void Resize(int w, int h, OLE_COLOR fill);
     OLE_COLOR Get(int x, int y) const;
     void Put(int x, int y, OLE_COLOR color);
@@ -24,7 +26,8 @@ struct Raster {
 
 // The headless font metrics: every character is round-half-even(S * 7 / 8)
 // pixels wide (one more when bold) and every line round-half-even(S * 15 / 8)
-// pixels high, for a font of S points, whatever the face.
+// pixels high, for a font of S points, whatever the face; a size past the
+// range of a Long raises Overflow (6).
 int CharWidth(const Font& font);
 int LineHeight(const Font& font);
 

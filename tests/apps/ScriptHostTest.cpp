@@ -46,6 +46,14 @@ still "here"
     EXPECT_TRUE((RunScript("echo fine\n", &ok), ok));
 }
 
+// Found by fuzzing: a line of tabs and a vertical tab passed the blank
+// test but split into no words, and the command was read past the end.
+TEST(ScriptHost, ALineOfOtherWhiteSpaceIsBlank) {
+    bool ok = false;
+    EXPECT_EQ(RunScript("\t\v\t\n\f \r\necho after\n", &ok), "after\n");
+    EXPECT_TRUE(ok);
+}
+
 // A new control is framed before it is shown, a border written later lays it
 // out again once, the second press of dblclick is the double click's, and a
 // release off the control is no click.

@@ -196,6 +196,12 @@ TEST_F(CommandBoxTest, InterleaveFailsInCoarseContainersAndOnOverflow) {
     EXPECT_EQ(pixels.InterleavePixels(), 2147483647);
     host_.unitsPerPixel = 15;
     EXPECT_EQ(ErrorOf([&] { (void)pixels.Interleave(); }), 6);
+    // Found by fuzzing: an interleave that leaves the caption's rectangle
+    // wider than an int could measure overflowed silently in the text layout.
+    host_.unitsPerPixel = 1;
+    CommandBox& wide = Make(75, 23);
+    EXPECT_EQ(ErrorOf([&] { wide.SetInterleave(1549305890); }), 6);
+    EXPECT_EQ(wide.InterleavePixels(), 1549305890);
 }
 
 // Records each write: the store keeps only the last value of a name.

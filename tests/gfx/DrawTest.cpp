@@ -79,6 +79,26 @@ TEST(Viewport, IsNormalisedInsideTheSurface) {
     }
 }
 
+// Found by fuzzing: after a refused Create the header keeps the size asked
+// for, and a width or height of -2147483648 made the session's last index
+// and the viewport's far edge overflow. They raise Overflow, as the
+// runtime's arithmetic does, and a valid surface afterwards works.
+TEST(Viewport, OnAHeaderOfTheMostNegativeSizeRaisesOverflow) {
+    clsGFX_2D gfx;
+    EXPECT_FALSE(gfx.Create(INT32_MIN, 5, 8));
+    EXPECT_EQ(ErrorOf([&] { gfx.Draw_SetViewport(3, 0, 1, 1); }), 6);
+    EXPECT_FALSE(gfx.Create(-715827884, 5, 24));  // a scan line of -2147483648 bytes
+    EXPECT_EQ(gfx.Get_BytesPerScanLine(), INT32_MIN);
+    EXPECT_EQ(ErrorOf([&] { gfx.Draw_StartSession(); }), 6);
+    EXPECT_FALSE(gfx.Create(5, INT32_MIN));
+    EXPECT_EQ(ErrorOf([&] { gfx.Draw_SetViewport(0, 0, 1, -1); }), 6);
+    EXPECT_EQ(ErrorOf([&] { gfx.Draw_StartSession(); }), 6);
+    ASSERT_TRUE(gfx.Create(5, 4));
+    gfx.Draw_SetViewport(0, 0, -1, -1);
+    gfx.Draw_StartSession();
+    EXPECT_EQ(gfx.LastRowIndex(), 3);
+}
+
 TEST(Pixel, PastTheEndOfARowWritesWhatFitsThenRaises) {
     clsGFX_2D gfx;
     ASSERT_TRUE(gfx.Create(5, 2, 24));  // 16-byte rows: column 5 has one byte inside
@@ -253,6 +273,54 @@ TEST(Circle, FollowsTheMidpointRule) {
     EXPECT_EQ(ErrorOf([&] { gfx.Draw_Circle(1, 1, 3, 0xFFFFFF); }), 9);
     EXPECT_EQ(ErrorOf([&] { gfx.Draw_Circle_C(1, 1, 3, 0xFFFFFF); }), 0);
     EXPECT_TRUE(Lit(gfx).count({4, 1}));
+}
+
+// Found by fuzzing: a clipped circle of a radius near a billion walked all
+// its columns, for minutes. It draws at once now, the walk's own pixels,
+// on a 24-bit surface and on others.
+TEST(Circle, ClippedCircleOfHugeRadiusDrawsTheWalksPixelsAtOnce) {
+    // The walk itself, clipped to the 40 x 30 surface, as the reference.
+    const auto walk = [](Long cx, Long cy, Long r) {
+        Pixels lit;
+        const auto plot = [&](std::int64_t x, std::int64_t y) {
+            if (x >= 0 && x < 40 && y >= 0 && y < 30) lit.insert({int(x), int(y)});
+        };
+        std::int64_t x = 0, y = r, d = 1 - r, dE = 3, dSE = 5 - 2 * std::int64_t{r};
+        for (; x <= y; ++x) {
+            for (int sx : {-1, 1})
+                for (int sy : {-1, 1})
+                    plot(cx + sx * x, cy + sy * y), plot(cx + sx * y, cy + sy * x);
+            if (d < 0) d += dE, dE += 2, dSE += 2;
+            else d += dSE, dE += 2, dSE += 4, --y;
+        }
+        return lit;
+    };
+    const struct {
+        Long cx, cy, r;
+    } rows[] = {{20, -300, 310}, {-500, 15, 520},    {-200, -200, 300}, {60, 500, 480},
+                {20, 15, 1000},  {3000, 3000, 4229}, {-700, 14, 699}};
+    for (const auto& c : rows) {
+        clsGFX_2D gfx;
+        ASSERT_TRUE(gfx.Create(40, 30));
+        gfx.Draw_StartSession();
+        gfx.Draw_Circle_C(c.cx, c.cy, c.r, 0xFFFFFF);
+        EXPECT_EQ(Lit(gfx), walk(c.cx, c.cy, c.r)) << c.cx << " " << c.cy << " " << c.r;
+    }
+    clsGFX_2D gfx;
+    ASSERT_TRUE(gfx.Create(40, 30));
+    gfx.Draw_StartSession();
+    gfx.Draw_Circle_C(20, 1000000000, 999999995, 0xFFFFFF);  // its bottom flat across row 5
+    Pixels row5;
+    for (Long x = 0; x < 40; ++x) row5.insert({x, 5});
+    EXPECT_EQ(Lit(gfx), row5);
+    EXPECT_EQ(ErrorOf([&] { gfx.Draw_Circle_C(2, 2, 2000000000, 0xFFFFFF); }), 6);
+    ASSERT_TRUE(gfx.Create(40, 30, 8));
+    gfx.Draw_StartSession();
+    for (const Long r : {1000000000, 5}) {
+        gfx.Draw_Circle(20, 15, r, 0xFFFFFF);
+        gfx.Draw_Circle_C(20, 15, r, 0xFFFFFF);
+    }
+    EXPECT_EQ(gfx.Get_LastError(), "Draw_PixelRGB is only for 24bit depth images");
 }
 
 TEST(Draw, NeedsASessionAndClearZeroesEveryByte) {

@@ -36,11 +36,20 @@ TEST(Surface, ScanLinesArePaddedToFourBytesAndSessionsReachIntoThePadding) {
     }
 }
 
+// A size past the memory cap (256 MiB, at any depth) says so; the other
+// refusals leave no text, as Create has none of its own.
 TEST(Surface, UnusableSizesAndDepthsLeaveNoSurface) {
     const struct {
         Long width, height, bits;
-    } rows[] = {{0, 5, 24},  {4, -3, 24},          {4, 4, 12},
-                {4, 4, -24}, {100000, 100000, 24}, {2147483647, 1, 24}};
+        bool tooLarge = false;
+    } rows[] = {{0, 5, 24},
+                {4, -3, 24},
+                {4, 4, 12},
+                {4, 4, -24},
+                {100000, 100000, 24, true},
+                {2147483647, 1, 24, true},
+                {16400, 16400, 8, true},  // 256.5 MiB
+                {-2147483647 - 1, 1, 8}};
     for (const auto& r : rows) {
         clsGFX_2D gfx;
         ASSERT_TRUE(gfx.Create(3, 3));
@@ -48,8 +57,20 @@ TEST(Surface, UnusableSizesAndDepthsLeaveNoSurface) {
         EXPECT_EQ(gfx.Get_hDIB(), 0u);
         EXPECT_EQ(gfx.Get_ptrDIBSection(), nullptr);
         EXPECT_EQ(gfx.Get_Width(), r.width);  // the header keeps what was asked
-        EXPECT_EQ(gfx.Get_LastError(), "");
+        EXPECT_EQ(gfx.Get_LastError(),
+                  r.tooLarge ? "Create: " + std::to_string(r.width) + "x" +
+                                   std::to_string(r.height) + " at " + std::to_string(r.bits) +
+                                   " bits is more than the 256 MiB a surface may have"
+                             : "");
     }
+    // 256 MiB itself is allowed: 16384 x 16384 at 8 bits, without touching it.
+    EXPECT_EQ(clsGFX_2D::kMaxSurfaceBytes, std::int64_t{16384} * 16384);
+    // A resample to such a size leaves the image as it was, with the reason.
+    clsGFX_2D gfx;
+    ASSERT_TRUE(gfx.Create(2, 2));
+    EXPECT_FALSE(gfx.Image_Resample(100000, 100000));
+    EXPECT_EQ(gfx.Get_Width(), 2);
+    EXPECT_NE(gfx.Get_LastError().find("256 MiB"), std::string::npos);
 }
 
 TEST(Surface, OperationsOnAMissingSurfaceRaiseInsteadOfTouchingMemory) {

@@ -82,6 +82,32 @@ TEST(FormFile, EveryKindOfValueSurvivesARoundTrip) {
     EXPECT_EQ(out[0].second.Type(), VarType::Date);
 }
 
+// Found by fuzzing: a text property or a font name that is not UTF-8 (the
+// controls' texts are bytes) made the writer throw its library's exception.
+// Such texts are kept as bytes and load back as they were.
+TEST(FormFile, TextsThatAreNotUtf8LoadBackByteForByte) {
+    const std::string bytes("ab\xff\xc3(\xed\xa0\x80\0z", 10);
+    Form form;
+    FormControl c{"DateBox", "d1", 0, 0, 10, 10, {}};
+    c.properties.Set("DateFormat", Variant(bytes));
+    c.properties.Set("Text", Variant("è fine"));  // UTF-8 stays a plain text
+    c.properties.Set("Font", Variant(std::shared_ptr<Object>(std::make_shared<Font>(bytes, 8.0))));
+    form.controls.push_back(c);
+    const std::string text = WriteForm(form);
+    EXPECT_NE(text.find("\"Text\": \"è fine\""), std::string::npos);
+    const Form back = ReadForm(text, "form.json", KnownClass);
+    const auto& out = back.controls.at(0).properties.Entries();
+    ASSERT_EQ(out.size(), 3u);
+    EXPECT_EQ(out[0].second, Variant(bytes));
+    EXPECT_EQ(out[1].second, Variant("è fine"));
+    const auto font = std::dynamic_pointer_cast<Font>(out[2].second.ToObject());
+    ASSERT_TRUE(font);
+    EXPECT_EQ(font->name, bytes);
+    EXPECT_NE(ReadError(R"({"format":"kelvarin-form","version":1,"controls":[{"class":"DateBox",
+        "name":"d","left":0,"top":0,"width":1,"height":1,"properties":{"T":{"bytes":"@@"}}}]})"),
+              "");
+}
+
 TEST(FormFile, HostileFilesAreRefusedNamingThePlace) {
     const std::string head = R"({"format":"kelvarin-form","version":1,"controls":[)";
     const std::string ok =

@@ -112,6 +112,26 @@ TEST(HeadlessHost, TheBorderShrinksTheClientAreaAndSitesReportGeometry) {
     EXPECT_NE(p.Pixels().Get(49, 10), RGB(1, 2, 3));
 }
 
+// Found by fuzzing: a control of 32767 x 32767 pixels, which a script or a
+// form may ask for, made the host take 3 GiB for its raster, and a font of
+// 1e200 points gave metrics that were no int. The raster is held to a
+// picture's cap and raises Out of memory (7), keeping what it had; the
+// metrics raise Overflow (6).
+TEST(HeadlessHost, RastersAndFontMetricsStayWithinTheirRanges) {
+    HeadlessHost host;
+    std::vector<std::string> log;
+    EXPECT_EQ(ErrorOf([&] {
+                  host.Add("huge", std::make_unique<Ticker>(log, "h"), {32767, 32767});
+              }),
+              7);
+    Placed& p = host.Add("t", std::make_unique<Ticker>(log, "t"), {50, 20});
+    EXPECT_EQ(ErrorOf([&] { p.SetOuterSize({32767, 32767}); }), 7);
+    EXPECT_EQ(p.OuterSize(), (Size{50, 20}));
+    EXPECT_EQ(CharWidth(Font("Sans", 8.0, true)), 8);
+    EXPECT_EQ(ErrorOf([] { CharWidth(Font("Sans", 1e200)); }), 6);
+    EXPECT_EQ(ErrorOf([] { LineHeight(Font("Sans", -1e200)); }), 6);
+}
+
 TEST(RasterSurface, LinesAndFocusRectangles) {
     auto raster = std::make_shared<Raster>();
     raster->Resize(8, 6, RGB(255, 255, 255));
