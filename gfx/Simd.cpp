@@ -98,10 +98,14 @@ alignas(16) constexpr MixTables kScatter = MakeMix([](int k, int l) {
 #define KELVARIN_SIMD_BITS 512
 // GCC 12's AVX-512 conversion intrinsics start from a register they leave
 // undefined on purpose, which -Wmaybe-uninitialized reports once inlined.
+#if defined(__GNUC__) && !defined(__clang__)
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
+#endif
 #include "gfx/HslKernels.h"
+#if defined(__GNUC__) && !defined(__clang__)
 #pragma GCC diagnostic pop
+#endif
 #undef KELVARIN_SIMD_BITS
 #endif
 
