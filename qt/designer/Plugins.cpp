@@ -110,7 +110,7 @@ KelvarinPlugins::KelvarinPlugins(QObject* parent) : QObject(parent) {
          QStringLiteral(
              "A date field edited part by part, that may be empty (a database Null), stays within "
              "its limits and drops down a month calendar."),
-         QStringLiteral("qt/DateBoxWidget.h"), QSize(160, 22), DateIcon,
+         QStringLiteral("kelvarin/DateBoxWidget.h"), QSize(160, 22), DateIcon,
          [](QWidget* parent) -> QWidget* { return new DateBoxWidget(parent); }},
         this));
     widgets_.append(new WidgetPlugin(
@@ -119,7 +119,7 @@ KelvarinPlugins::KelvarinPlugins(QObject* parent) : QObject(parent) {
          QStringLiteral("A progress bar painted as a colour gradient, with a caption of its text "
                         "and percentage, "
                         "that reports elapsed and estimated time while a run goes on."),
-         QStringLiteral("qt/ProgressBoxWidget.h"), QSize(200, 24), ProgressIcon,
+         QStringLiteral("kelvarin/ProgressBoxWidget.h"), QSize(200, 24), ProgressIcon,
          [](QWidget* parent) -> QWidget* { return new ProgressBoxWidget(parent); }},
         this));
     widgets_.append(new WidgetPlugin(
@@ -128,7 +128,7 @@ KelvarinPlugins::KelvarinPlugins(QObject* parent) : QObject(parent) {
          QStringLiteral("A push button that paints its own face: a caption with an access key "
                         "and a picture in one of five places, greyed until the pointer is over "
                         "it if wished, in two edge styles."),
-         QStringLiteral("qt/CommandBoxWidget.h"), QSize(120, 32), CommandIcon,
+         QStringLiteral("kelvarin/CommandBoxWidget.h"), QSize(120, 32), CommandIcon,
          [](QWidget* parent) -> QWidget* { return new CommandBoxWidget(parent); }},
         this));
 }

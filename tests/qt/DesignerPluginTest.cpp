@@ -25,7 +25,7 @@ TEST(DesignerPluginTest, ThePluginNamesAndMakesEachWidget) {
     QStringList shownNames;
     for (QDesignerCustomWidgetInterface* plugin : plugins) {
         EXPECT_TRUE(plugin->name().startsWith(QStringLiteral("kelvarin::qt::")));
-        EXPECT_TRUE(plugin->includeFile().startsWith(QStringLiteral("qt/")));
+        EXPECT_TRUE(plugin->includeFile().startsWith(QStringLiteral("kelvarin/")));
         EXPECT_TRUE(plugin->domXml().contains(QStringLiteral("class=\"%1\"").arg(plugin->name())));
         EXPECT_FALSE(plugin->icon().isNull());
         // The widget box names the control's class.
