@@ -253,8 +253,11 @@ ControlWidget* ControlWidget::Of(host::Control& control) noexcept {
 
 // System colours are the widget's own palette's while f runs, so a palette
 // set on a parent or on the widget is what the control paints with.
+// Each call into the control is one paint pass: a redraw inside it pays for
+// one painter, ended before anything outside reads the image.
 bool ControlWidget::guard(const char* where, const std::function<void()>& f) const noexcept {
     const ScopedSysColors colors(sysColors_);
+    const TextPainter::Pass pass(*text_);
     const Failure failure = Guard(f);
     if (failure) report(where, failure);
     return !failure;
@@ -460,9 +463,15 @@ host::FormControl ControlWidget::toFormControl() {
 
 // ---- Frame and surface ------------------------------------------------------------------
 
+const QImage& ControlWidget::image() const noexcept {
+    text_->End();
+    return image_;
+}
+
 void ControlWidget::resizeImage() {
     const QSize size = this->size();
     if (image_.size() != size) {
+        text_->End();  // the painter goes with the image it paints
         image_ =
             QImage(std::max(size.width(), 0), std::max(size.height(), 0), QImage::Format_BGR888);
         const ScopedSysColors colors(sysColors_);
@@ -633,6 +642,9 @@ void ControlWidget::paintEvent(QPaintEvent* event) {
         text_->SetRecording(ratio > 1);
         if (control_ && placed_) guard("Paint", [&] { control_->Paint(); });
     }
+    // A paint may come inside a call into the control (DoEvents): its
+    // painter is ended before the image is read, and begun again after.
+    text_->End();
     if (ratio > 1) {
         QPainter(this).drawImage(QPoint(0, 0), text_->ShowAtRatio(image_, ratio));
         return;

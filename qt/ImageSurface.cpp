@@ -30,6 +30,7 @@ OLE_COLOR ImageSurface::GetPixel(host::Point p) const {
     return RGB(px[2], px[1], px[0]);
 }
 
+// Clipped once to the view and the image, then written a row at a time.
 void ImageSurface::FillRect(const host::Rect& rect, OLE_COLOR color) {
     const QRect visible = view_.intersected(image_.rect()).translated(-view_.topLeft());
     const int l = std::max(rect.left, visible.left()), t = std::max(rect.top, visible.top());
@@ -39,10 +40,7 @@ void ImageSurface::FillRect(const host::Rect& rect, OLE_COLOR color) {
     const std::uint8_t bgr[3] = {static_cast<std::uint8_t>(BlueOf(color)),
                                  static_cast<std::uint8_t>(GreenOf(color)),
                                  static_cast<std::uint8_t>(RedOf(color))};
-    for (int y = t; y < b; ++y) {
-        std::uint8_t* px = Pixel(l, y);
-        for (int x = l; x < r; ++x, px += 3) std::copy(bgr, bgr + 3, px);
-    }
+    FillPixels24(Pixel(l, t), image_.bytesPerLine(), r - l, b - t, bgr);
 }
 
 int ImageSurface::DrawText(std::string_view text, host::Rect& rect, unsigned format,

@@ -96,6 +96,7 @@ void PopupWindow::closeIfDone() {
 
 void PopupWindow::paintEvent(QPaintEvent*) {
     const host::Size size = popup_.ClientSize();
+    text_.End();  // no painter outlives a paint; this one would go with a replaced image
     if (image_.width() != size.width || image_.height() != size.height)
         image_ = QImage(std::max(size.width, 1), std::max(size.height, 1), QImage::Format_BGR888);
     image_.fill(Qt::white);
@@ -103,7 +104,11 @@ void PopupWindow::paintEvent(QPaintEvent*) {
     // Sharp text above a device pixel ratio of 1 (see qt/QtText.h).
     const qreal ratio = devicePixelRatioF();
     text_.SetRecording(ratio > 1);
-    guard("Paint", [&] { popup_.Paint(surface_); });
+    {
+        // One painter for the whole paint.
+        const TextPainter::Pass pass(text_);
+        guard("Paint", [&] { popup_.Paint(surface_); });
+    }
     if (ratio > 1) QPainter(this).drawImage(0, 0, text_.ShowAtRatio(image_, ratio));
     else QPainter(this).drawImage(0, 0, image_);
 }

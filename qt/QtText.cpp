@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "qt/QtText.h"
 
-#include <QPainter>
+#include <algorithm>
+
+#include <QTextLayout>
 #include <QtMath>
 
 #include "host/Surface.h"
@@ -10,30 +12,134 @@
 
 namespace kelvarin::qt {
 
-const QFontMetrics& TextPainter::Metrics(const Font& font) {
-    if (!metrics_ || !(font == cachedFont_)) {
-        cachedFont_ = font;
-        qfont_ = ToQFont(font);
-        // Measured for an image, as it is drawn: the same resolution either way.
-        static const QImage device(1, 1, QImage::Format_BGR888);
-        metrics_.emplace(qfont_, &device);
+namespace {
+
+// Fonts and lines kept: a control paints in one or two fonts and a handful
+// of captions; a caption that keeps changing (a percentage) starts the
+// font's lines afresh when they reach the bound.
+constexpr std::size_t kMaxFonts = 8;
+constexpr std::size_t kMaxLines = 256;
+
+// Text is measured and shaped for an image, as it is drawn: the same
+// resolution either way.
+QImage& MeasuringDevice() {
+    static QImage device(1, 1, QImage::Format_BGR888);
+    return device;
+}
+
+// Whether Qt shapes the line as one left-to-right run with nothing but
+// glyphs in it: no controls (tabs, breaks), no invisible formatting, no
+// right-to-left or embedding characters. Such a line drawn from its glyphs
+// is what drawText draws; any other goes through drawText itself.
+bool PlainLeftToRight(const QString& text) {
+    for (const QChar c : text) {
+        const QChar::Category category = c.category();
+        if (category == QChar::Other_Control || category == QChar::Other_Format) return false;
+        switch (c.direction()) {
+            case QChar::DirR:
+            case QChar::DirAL:
+            case QChar::DirAN:
+            case QChar::DirS:
+            case QChar::DirB:
+            case QChar::DirLRE:
+            case QChar::DirLRO:
+            case QChar::DirRLE:
+            case QChar::DirRLO:
+            case QChar::DirPDF:
+            case QChar::DirLRI:
+            case QChar::DirRLI:
+            case QChar::DirFSI:
+            case QChar::DirPDI: return false;
+            default: break;
+        }
     }
-    return *metrics_;
+    return true;
+}
+
+}  // namespace
+
+TextPainter::~TextPainter() { End(); }
+
+void TextPainter::End() noexcept {
+    if (painter_.isActive()) painter_.end();
+}
+
+QPainter& TextPainter::PainterOn(QImage& image) {
+    if (painter_.isActive() && painter_.device() == &image) return painter_;
+    End();
+    painter_.begin(&image);
+    return painter_;
+}
+
+TextPainter::FontLines& TextPainter::Use(const Font& font) {
+    if (fonts_.empty() || !(fonts_.front()->font == font)) {
+        const auto found = std::find_if(fonts_.begin(), fonts_.end(),
+                                        [&](const auto& f) { return f->font == font; });
+        if (found != fonts_.end()) {
+            std::rotate(fonts_.begin(), found, found + 1);
+        } else {
+            if (fonts_.size() == kMaxFonts) fonts_.pop_back();
+            fonts_.insert(fonts_.begin(),
+                          std::make_unique<FontLines>(font, ToQFont(font), &MeasuringDevice()));
+        }
+    }
+    FontLines& current = *fonts_.front();
+    // Only here, before anyone holds a line: lines stay put while one call runs.
+    if (current.lines.size() >= kMaxLines) current.lines.clear();
+    return current;
+}
+
+TextPainter::Shaped& TextPainter::Shape(std::string_view text) {
+    auto& lines = fonts_.front()->lines;
+    auto found = lines.find(text);
+    if (found == lines.end()) {
+        Shaped shaped;
+        shaped.text = QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+        found = lines.emplace(std::string(text), std::move(shaped)).first;
+    }
+    return found->second;
+}
+
+int TextPainter::Advance(Shaped& line) const {
+    if (line.advance < 0) line.advance = fonts_.front()->metrics.horizontalAdvance(line.text);
+    return line.advance;
+}
+
+// The glyphs of a line laid out by Qt as drawText lays it out, kept when
+// they form one run: then drawing them places every glyph where drawText
+// would, from the baseline's left end.
+const std::vector<QGlyphRun>& TextPainter::Glyphs(Shaped& line) const {
+    if (line.glyphsMade) return line.glyphs;
+    line.glyphsMade = true;
+    const FontLines& font = *fonts_.front();
+    if (line.text.isEmpty() || font.qfont.underline() || font.qfont.strikeOut() ||
+        !PlainLeftToRight(line.text))
+        return line.glyphs;
+    QTextLayout layout(line.text, font.qfont, &MeasuringDevice());
+    QTextOption option;
+    option.setWrapMode(QTextOption::NoWrap);
+    option.setTextDirection(Qt::LeftToRight);
+    layout.setTextOption(option);
+    layout.beginLayout();
+    QTextLine row = layout.createLine();
+    layout.endLayout();
+    if (!row.isValid()) return line.glyphs;
+    row.setPosition(QPointF(0, -row.ascent()));  // glyphs placed from the baseline
+    const QList<QGlyphRun> runs = layout.glyphRuns();
+    if (runs.size() == 1) line.glyphs.assign(runs.begin(), runs.end());
+    return line.glyphs;
 }
 
 host::Size TextPainter::Measure(std::string_view text, const Font& font) {
-    const QFontMetrics& fm = Metrics(font);
-    return {
-        fm.horizontalAdvance(QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()))),
-        fm.height()};
+    const FontLines& f = Use(font);
+    return {Advance(Shape(text)), f.metrics.height()};
 }
 
 int TextPainter::Draw(QImage& image, const QRect& view, std::string_view text, host::Rect& rect,
                       unsigned format, const Font& font, OLE_COLOR color) {
-    const QFontMetrics& fm = Metrics(font);
-    const auto measure = [&fm](std::string_view s) {
-        return fm.horizontalAdvance(QString::fromUtf8(s.data(), static_cast<qsizetype>(s.size())));
-    };
+    FontLines& f = Use(font);
+    const QFontMetrics& fm = f.metrics;
+    const auto measure = [this](std::string_view s) { return Advance(Shape(s)); };
     if (format & host::DT_CALCRECT) {
         const host::TextExtent extent = host::LayoutText(text, rect, format, measure, fm.height());
         rect.right = rect.left + extent.width;
@@ -45,13 +151,18 @@ int TextPainter::Draw(QImage& image, const QRect& view, std::string_view text, h
 
     // The lines are placed first, then painted, so that a recorded run knows
     // its extent before the image changes.
-    std::vector<Line> lines;
-    QRect box;
-    const int ascent = fm.ascent();
-    const auto place = [&](const host::TextLine& line) {
-        Line l{view.topLeft() + QPoint(line.x, line.y + ascent),
-               QString::fromUtf8(line.text.data(), static_cast<qsizetype>(line.text.size())),
-               QLine()};
+    struct Placed {
+        TextPainter* self;
+        const QFontMetrics* fm;
+        QPoint origin;
+        std::vector<Line> lines;
+        std::vector<Shaped*> shaped;
+        QRect box;
+    } placed{this, &fm, view.topLeft(), {}, {}, {}};
+    const auto place = [p = &placed](const host::TextLine& line) {
+        const QFontMetrics& fm = *p->fm;
+        Shaped& shaped = p->self->Shape(line.text);
+        Line l{p->origin + QPoint(line.x, line.y + fm.ascent()), shaped.text, QLine()};
         if (line.accessIndex >= 0) {  // the access key is underlined
             const QString before = QString::fromUtf8(line.text.data(), line.accessIndex);
             const int x = l.baseline.x() + fm.horizontalAdvance(before);
@@ -60,12 +171,14 @@ int TextPainter::Draw(QImage& image, const QRect& view, std::string_view text, h
             l.underline = QLine(x, y, x + fm.horizontalAdvance(key) - 1, y);
         }
         // By advance: runs side by side (a field and its separator) do not overlap.
-        box |= QRect(view.left() + line.x, view.top() + line.y, fm.horizontalAdvance(l.text),
-                     fm.height());
-        lines.push_back(std::move(l));
+        p->box |= QRect(p->origin.x() + line.x, p->origin.y() + line.y, p->self->Advance(shaped),
+                        fm.height());
+        p->lines.push_back(std::move(l));
+        p->shaped.push_back(&shaped);
     };
     const int height = host::LayoutText(text, rect, format, measure, fm.height(), place).height;
-    box &= clip;
+    std::vector<Line>& lines = placed.lines;
+    const QRect box = placed.box & clip;
 
     Run run;
     // Where the lines' ink may fall, beyond their advance too.
@@ -73,20 +186,31 @@ int TextPainter::Draw(QImage& image, const QRect& view, std::string_view text, h
     QImage inkUnder;
     if (recording_ && !box.isEmpty()) {
         run.under = image.copy(box);
-        for (const Line& l : lines)
-            inked |= fm.boundingRect(l.text).translated(l.baseline).adjusted(-1, -1, 1, 1);
+        for (std::size_t i = 0; i < lines.size(); ++i) {
+            Shaped& shaped = *placed.shaped[i];
+            if (!shaped.ink) shaped.ink = fm.boundingRect(shaped.text);
+            inked |= shaped.ink->translated(lines[i].baseline).adjusted(-1, -1, 1, 1);
+        }
         inked &= clip;
         inkUnder = image.copy(inked);
     }
-    QPainter painter(&image);
+    QPainter& painter = PainterOn(image);
     painter.setClipRect(clip);
-    painter.setFont(qfont_);
     painter.setPen(ToQColor(color));
-    for (const Line& l : lines) {
-        painter.drawText(l.baseline, l.text);
+    bool fontSet = false;
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+        const Line& l = lines[i];
+        const std::vector<QGlyphRun>& glyphs = Glyphs(*placed.shaped[i]);
+        if (!glyphs.empty() && painter.layoutDirection() != Qt::RightToLeft) {
+            for (const QGlyphRun& g : glyphs) painter.drawGlyphRun(l.baseline, g);
+        } else {
+            if (!fontSet) painter.setFont(f.qfont);
+            fontSet = true;
+            painter.drawText(l.baseline, l.text);
+        }
         if (!l.underline.isNull()) painter.drawLine(l.underline);
     }
-    painter.end();
+    if (passes_ == 0) End();
     if (recording_ && !box.isEmpty()) {
         // A run drawn again in the same place replaces the old one.
         std::erase_if(runs_, [&](const Run& r) { return r.box == box; });
@@ -107,7 +231,7 @@ int TextPainter::Draw(QImage& image, const QRect& view, std::string_view text, h
         }
         run.box = box;
         run.drawn = image.copy(box);
-        run.font = qfont_;
+        run.font = f.qfont;
         run.color = ToQColor(color);
         run.clip = clip;
         run.lines = std::move(lines);
@@ -122,6 +246,7 @@ void TextPainter::SetRecording(bool on) {
 }
 
 QImage TextPainter::ShowAtRatio(const QImage& image, qreal ratio) {
+    End();  // the image is read as a whole
     const QSize device(qCeil(image.width() * ratio), qCeil(image.height() * ratio));
     // Pixel for pixel: no smoothing, so edges stay edges.
     QImage shown = image.convertToFormat(QImage::Format_RGB32)
