@@ -630,8 +630,7 @@ void ControlWidget::setDisplayAsDefault(bool value) {
 
 // ---- Qt events ---------------------------------------------------------------------------------
 
-// Qt blends a 24-bit image through its general per-pixel path; the exposed
-// part copied to 32 bits first is a plain copy for it, several times faster.
+// The exposed part is shown through a 32-bit copy (CopyForShowing).
 void ControlWidget::paintEvent(QPaintEvent* event) {
     const QRect exposed = event->rect().intersected(image_.rect());
     if (exposed.isEmpty()) return;
@@ -649,24 +648,7 @@ void ControlWidget::paintEvent(QPaintEvent* event) {
         QPainter(this).drawImage(QPoint(0, 0), text_->ShowAtRatio(image_, ratio));
         return;
     }
-    if (shown_.width() < exposed.width() || shown_.height() < exposed.height())
-        shown_ = QImage(image_.size(), QImage::Format_RGB32);
-    const int w = exposed.width();
-    for (int y = 0; y < exposed.height(); ++y) {
-        const uchar* in = image_.constScanLine(exposed.top() + y) + 3 * exposed.left();
-        auto* out = reinterpret_cast<QRgb*>(shown_.scanLine(y));
-        int x = 0;
-        if constexpr (Q_BYTE_ORDER == Q_LITTLE_ENDIAN) {
-            // Blue, green, red and the next pixel's blue, read as one word
-            // whose top byte becomes the opaque alpha.
-            for (; x + 1 < w; ++x, in += 3) {
-                quint32 word;
-                std::memcpy(&word, in, 4);
-                out[x] = word | 0xFF000000u;
-            }
-        }
-        for (; x < w; ++x, in += 3) out[x] = qRgb(in[2], in[1], in[0]);
-    }
+    CopyForShowing(image_, exposed, shown_);
     QPainter painter(this);
     painter.drawImage(exposed.topLeft(), shown_, QRect(QPoint(0, 0), exposed.size()));
 }

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <cstring>
 
 namespace kelvarin::qt {
 
@@ -58,6 +59,28 @@ const std::uint8_t* ImageSurface::ScanLine(int y) const {
 
 std::uint8_t* ImageSurface::WritableScanLine(int y) {
     return image_.scanLine(view_.top() + y) + static_cast<std::ptrdiff_t>(view_.left()) * 3;
+}
+
+void CopyForShowing(const QImage& image, const QRect& part, QImage& shown) {
+    if (shown.format() != QImage::Format_RGB32 || shown.width() < part.width() ||
+        shown.height() < part.height())
+        shown = QImage(part.size().expandedTo(image.size()), QImage::Format_RGB32);
+    const int w = part.width();
+    for (int y = 0; y < part.height(); ++y) {
+        const uchar* in = image.constScanLine(part.top() + y) + 3 * part.left();
+        auto* out = reinterpret_cast<QRgb*>(shown.scanLine(y));
+        int x = 0;
+        if constexpr (Q_BYTE_ORDER == Q_LITTLE_ENDIAN) {
+            // Blue, green, red and the next pixel's blue, read as one word
+            // whose top byte becomes the opaque alpha.
+            for (; x + 1 < w; ++x, in += 3) {
+                quint32 word;
+                std::memcpy(&word, in, 4);
+                out[x] = word | 0xFF000000u;
+            }
+        }
+        for (; x < w; ++x, in += 3) out[x] = qRgb(in[2], in[1], in[0]);
+    }
 }
 
 }  // namespace kelvarin::qt

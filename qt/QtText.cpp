@@ -2,6 +2,7 @@
 #include "qt/QtText.h"
 
 #include <algorithm>
+#include <cstring>
 
 #include <QTextLayout>
 #include <QtMath>
@@ -19,6 +20,12 @@ namespace {
 // font's lines afresh when they reach the bound.
 constexpr std::size_t kMaxFonts = 8;
 constexpr std::size_t kMaxLines = 256;
+// Places kept per line (a digit may stand in several cells of a month),
+// and the bytes all of them may hold.
+constexpr std::size_t kMaxStamps = 4;
+constexpr std::size_t kMaxStampBytes = std::size_t{4} << 20;
+// Around a line's glyph boxes, the room searched for its coverage.
+constexpr int kCoverageMargin = 4;
 
 // Text is measured and shaped for an image, as it is drawn: the same
 // resolution either way.
@@ -54,6 +61,64 @@ bool PlainLeftToRight(const QString& text) {
         }
     }
     return true;
+}
+
+// Where the glyphs, drawn at the baseline and clipped to `clip`, give any
+// pixel coverage: drawn on a transparent image of their own, every pixel
+// they cover takes some opacity. Null when the coverage reaches the edge of
+// the room searched (other than the clip's), so its extent is not known.
+std::optional<QRect> Coverage(const std::vector<QGlyphRun>& glyphs, QPoint baseline,
+                              const QRect& clip) {
+    QRectF bounds;
+    for (const QGlyphRun& g : glyphs) bounds |= g.boundingRect();
+    const QRect room = bounds.toAlignedRect().translated(baseline).adjusted(
+                           -kCoverageMargin, -kCoverageMargin, kCoverageMargin, kCoverageMargin) &
+                       clip;
+    if (room.isEmpty()) return QRect();
+    QImage scratch(room.size(), QImage::Format_ARGB32_Premultiplied);
+    scratch.fill(Qt::transparent);
+    {
+        QPainter painter(&scratch);
+        painter.setPen(Qt::black);
+        for (const QGlyphRun& g : glyphs) painter.drawGlyphRun(baseline - room.topLeft(), g);
+    }
+    int left = room.width(), right = -1, top = room.height(), bottom = -1;
+    for (int y = 0; y < scratch.height(); ++y) {
+        const auto* row = reinterpret_cast<const QRgb*>(scratch.constScanLine(y));
+        for (int x = 0; x < scratch.width(); ++x) {
+            if (qAlpha(row[x]) == 0) continue;
+            left = std::min(left, x);
+            right = std::max(right, x);
+            top = std::min(top, y);
+            bottom = std::max(bottom, y);
+        }
+    }
+    if (right < 0) return QRect();
+    const QRect found = QRect(QPoint(left, top), QPoint(right, bottom)).translated(room.topLeft());
+    // Touching the room's edge inside the clip: the coverage may go on beyond it.
+    if ((found.left() == room.left() && room.left() > clip.left()) ||
+        (found.right() == room.right() && room.right() < clip.right()) ||
+        (found.top() == room.top() && room.top() > clip.top()) ||
+        (found.bottom() == room.bottom() && room.bottom() < clip.bottom()))
+        return std::nullopt;
+    return found;
+}
+
+bool SamePixels(const QImage& image, const QRect& region, const QImage& kept) {
+    const auto bytes = static_cast<std::size_t>(region.width()) * 3;
+    for (int y = 0; y < region.height(); ++y) {
+        if (std::memcmp(image.constScanLine(region.top() + y) + region.left() * 3,
+                        kept.constScanLine(y), bytes) != 0)
+            return false;
+    }
+    return true;
+}
+
+void PutPixels(QImage& image, const QRect& region, const QImage& kept) {
+    const auto bytes = static_cast<std::size_t>(region.width()) * 3;
+    for (int y = 0; y < region.height(); ++y)
+        std::memcpy(image.scanLine(region.top() + y) + region.left() * 3, kept.constScanLine(y),
+                    bytes);
 }
 
 }  // namespace
@@ -130,6 +195,54 @@ const std::vector<QGlyphRun>& TextPainter::Glyphs(Shaped& line) const {
     return line.glyphs;
 }
 
+// Drawing a line's glyphs changes the pixels their coverage falls on, each
+// from its own value, the colour and the coverage alone. So where the line
+// was drawn before at the same baseline, clip and colour, and the pixels
+// there are as they were then, the same drawing gives what it gave then.
+// A place is kept from its second drawing on: a caption drawn once (a
+// running percentage) costs nothing more.
+TextPainter::Stamp* TextPainter::Restamp(QImage& image, Shaped& line, QPoint baseline,
+                                         const QRect& clip, QRgb color, bool& done) {
+    done = false;
+    if (image.format() != QImage::Format_BGR888) return nullptr;
+    const auto found = std::find_if(line.stamps.begin(), line.stamps.end(), [&](const Stamp& s) {
+        return s.baseline == baseline && s.clip == clip && s.color == color;
+    });
+    if (found == line.stamps.end()) {
+        Stamp stamp{baseline, clip, color, false, QRect(), QImage(), QImage()};
+        if (line.stamps.size() < kMaxStamps) {
+            line.stamps.push_back(std::move(stamp));
+        } else {
+            line.stamps[line.nextStamp] = std::move(stamp);
+            line.nextStamp = (line.nextStamp + 1) % kMaxStamps;
+        }
+        return nullptr;
+    }
+    Stamp& stamp = *found;
+    if (stamp.known && SamePixels(image, stamp.region, stamp.before)) {
+        PutPixels(image, stamp.region, stamp.after);
+        done = true;
+        return nullptr;
+    }
+    if (!stamp.known) {
+        const std::optional<QRect> region = Coverage(line.glyphs, baseline, clip);
+        if (!region) return nullptr;
+        const auto bytes = static_cast<std::size_t>(region->width()) * region->height() * 6;
+        if (stampBytes_ + bytes > kMaxStampBytes) {
+            // Over the bound: every line starts its places afresh.
+            for (auto& font : fonts_)
+                for (auto& [text, shaped] : font->lines) shaped.stamps.clear();
+            stampBytes_ = 0;
+            return nullptr;
+        }
+        stampBytes_ += bytes;
+        stamp.region = *region;
+    }
+    stamp.known = false;  // until the drawing is done
+    stamp.before = image.copy(stamp.region);
+    return &stamp;
+}
+
 host::Size TextPainter::Measure(std::string_view text, const Font& font) {
     const FontLines& f = Use(font);
     return {Advance(Shape(text)), f.metrics.height()};
@@ -194,21 +307,39 @@ int TextPainter::Draw(QImage& image, const QRect& view, std::string_view text, h
         inked &= clip;
         inkUnder = image.copy(inked);
     }
-    QPainter& painter = PainterOn(image);
-    painter.setClipRect(clip);
-    painter.setPen(ToQColor(color));
+    // The painter is begun, and set for this text, once a line needs it.
+    const QColor pen = ToQColor(color);
+    QPainter* painter = nullptr;
+    const auto paint = [&]() -> QPainter& {
+        if (painter) return *painter;
+        painter = &PainterOn(image);
+        painter->setClipRect(clip);
+        painter->setPen(pen);
+        return *painter;
+    };
     bool fontSet = false;
     for (std::size_t i = 0; i < lines.size(); ++i) {
         const Line& l = lines[i];
-        const std::vector<QGlyphRun>& glyphs = Glyphs(*placed.shaped[i]);
-        if (!glyphs.empty() && painter.layoutDirection() != Qt::RightToLeft) {
-            for (const QGlyphRun& g : glyphs) painter.drawGlyphRun(l.baseline, g);
+        Shaped& shaped = *placed.shaped[i];
+        // A painter's layout direction is Qt's automatic one, which for a
+        // plain left-to-right line is left to right: its glyphs stand as
+        // drawText would place them.
+        if (!Glyphs(shaped).empty()) {
+            bool done = false;
+            Stamp* stamp = Restamp(image, shaped, l.baseline, clip, pen.rgb(), done);
+            if (!done) {
+                for (const QGlyphRun& g : shaped.glyphs) paint().drawGlyphRun(l.baseline, g);
+                if (stamp) {
+                    stamp->after = image.copy(stamp->region);
+                    stamp->known = true;
+                }
+            }
         } else {
-            if (!fontSet) painter.setFont(f.qfont);
+            if (!fontSet) paint().setFont(f.qfont);
             fontSet = true;
-            painter.drawText(l.baseline, l.text);
+            paint().drawText(l.baseline, l.text);
         }
-        if (!l.underline.isNull()) painter.drawLine(l.underline);
+        if (!l.underline.isNull()) paint().drawLine(l.underline);
     }
     if (passes_ == 0) End();
     if (recording_ && !box.isEmpty()) {

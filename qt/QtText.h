@@ -103,15 +103,29 @@ private:
         std::vector<Line> lines;
     };
 
+    // What drawing a line's glyphs did to the image once: the pixels its
+    // ink can reach, before and after. Drawn again at the same baseline,
+    // clip and colour over the same pixels, it does the same again.
+    struct Stamp {
+        QPoint baseline;
+        QRect clip;
+        QRgb color = 0;
+        bool known = false;  // region, before and after are set
+        QRect region;        // where the glyphs' coverage falls; may be empty
+        QImage before, after;
+    };
     // One line of text in one font, shaped once: its width, its glyphs
-    // placed from the baseline's left end, and the extent of its ink.
+    // placed from the baseline's left end, the extent of its ink, and the
+    // last places it was drawn.
     struct Shaped {
         QString text;
         int advance = -1;  // until measured
         bool glyphsMade = false;
-        // Empty when drawText must draw the line itself (see MakeGlyphs).
+        // Empty when drawText must draw the line itself (see Glyphs).
         std::vector<QGlyphRun> glyphs;
         std::optional<QRect> ink;
+        std::vector<Stamp> stamps;
+        std::size_t nextStamp = 0;  // the one a new place replaces
     };
     struct StringHash {
         using is_transparent = void;
@@ -137,10 +151,16 @@ private:
     const std::vector<QGlyphRun>& Glyphs(Shaped& line) const;
     // Begins the painter on the image unless it is painting there already.
     QPainter& PainterOn(QImage& image);
+    // Puts back what drawing the line here did before, if nothing under it
+    // has changed since; otherwise returns the stamp to fill in while the
+    // line is drawn (null when there is none to keep).
+    Stamp* Restamp(QImage& image, Shaped& line, QPoint baseline, const QRect& clip, QRgb color,
+                   bool& done);
 
     std::vector<std::unique_ptr<FontLines>> fonts_;  // the current one first
     QPainter painter_;
     int passes_ = 0;
+    std::size_t stampBytes_ = 0;  // held by all lines' stamps, within a bound
     bool recording_ = false;
     std::vector<Run> runs_;
 };
