@@ -197,7 +197,8 @@ bool clsGFX_2D::Color_Invert(bool blnRed, bool blnGreen, bool blnBlue) {
     const auto rowBytes = static_cast<std::size_t>(rows.width) * 3;
     for (Long y = 0; y < rows.height; ++y) {
         std::uint8_t* p = rows.Row(y);
-        std::size_t i = 0;
+        // Vector kernel for whole blocks of pixels where there is one, then this loop.
+        std::size_t i = 3 * static_cast<std::size_t>(InvertRowSimd(p, rows.width, pattern));
         for (; i + 24 <= rowBytes; i += 24) {
             std::uint64_t block[3];
             std::memcpy(block, p + i, sizeof block);

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Private to gfx/: the vector kernels of the colour operations, used when the
-// processor has them (SSSE3 on x86-64, 256-bit ones where it has AVX2). The
-// scalar loops stay for every other processor, and tests can switch the
-// vector kernels off to check both.
+// processor has them (SSSE3 on x86-64, 256-bit ones where it has AVX2,
+// 512-bit ones where it has AVX-512 with VBMI). The scalar loops stay for
+// every other processor, and tests can switch the vector kernels off to
+// check both.
 #pragma once
 
 #include <cstdint>
@@ -47,6 +48,10 @@ Long FadeRowSimd(std::uint8_t* row, Long width, const std::uint8_t mask[3], cons
 // green, red) become to[0..2]. Returns how many pixels it did, as GrayRowSimd.
 Long ReplaceRowSimd(std::uint8_t* row, Long width, const std::uint8_t from[3],
                     const std::uint8_t to[3]) noexcept;
+
+// Color_Invert on a 24-bit row: every byte XOR flip[channel], flip[0] for
+// blue. Returns how many pixels it did, as GrayRowSimd.
+Long InvertRowSimd(std::uint8_t* row, Long width, const std::uint8_t flip[3]) noexcept;
 
 // The hue, saturation and luminance operations on 24-bit rows.
 enum class HslRow {
