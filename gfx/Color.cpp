@@ -185,9 +185,10 @@ bool clsGFX_2D::Color_Invert(bool blnRed, bool blnGreen, bool blnBlue) {
     SessionScope session(*this);
     const ImageRows rows = SessionRows();
     // 255 - v is v XOR 255: a chosen channel is XORed with 0xFF, the others
-    // with 0. Eight pixels are three 64-bit words.
-    std::uint8_t pattern[24];
-    for (int i = 0; i < 24; i += 3) {
+    // with 0. Eight pixels are three 64-bit words; the vector kernels take
+    // 64 pixels' worth.
+    std::uint8_t pattern[192];
+    for (int i = 0; i < 192; i += 3) {
         pattern[i] = blnBlue ? 0xFF : 0;
         pattern[i + 1] = blnGreen ? 0xFF : 0;
         pattern[i + 2] = blnRed ? 0xFF : 0;

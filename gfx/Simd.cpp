@@ -217,8 +217,8 @@ Long ReplaceRowSimd(std::uint8_t* row, Long width, const std::uint8_t from[3],
     return Widest(v512::Replace, v256::Replace, v128::Replace, row, width, from, to);
 }
 
-Long InvertRowSimd(std::uint8_t* row, Long width, const std::uint8_t flip[3]) noexcept {
-    return Widest(v512::Invert, v256::Invert, v128::Invert, row, width, flip);
+Long InvertRowSimd(std::uint8_t* row, Long width, const std::uint8_t pattern[192]) noexcept {
+    return Widest(v512::Invert, v256::Invert, v128::Invert, row, width, pattern);
 }
 
 Long HslRowSimd(std::uint8_t* row, Long width, HslRow op, std::uint8_t hue,

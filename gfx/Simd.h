@@ -49,9 +49,10 @@ Long FadeRowSimd(std::uint8_t* row, Long width, const std::uint8_t mask[3], cons
 Long ReplaceRowSimd(std::uint8_t* row, Long width, const std::uint8_t from[3],
                     const std::uint8_t to[3]) noexcept;
 
-// Color_Invert on a 24-bit row: every byte XOR flip[channel], flip[0] for
-// blue. Returns how many pixels it did, as GrayRowSimd.
-Long InvertRowSimd(std::uint8_t* row, Long width, const std::uint8_t flip[3]) noexcept;
+// Color_Invert on a 24-bit row: byte i of every block of 64 pixels XOR
+// pattern[i] (each channel's byte repeated, blue first). Returns how many
+// pixels it did, as GrayRowSimd.
+Long InvertRowSimd(std::uint8_t* row, Long width, const std::uint8_t pattern[192]) noexcept;
 
 // The hue, saturation and luminance operations on 24-bit rows.
 enum class HslRow {

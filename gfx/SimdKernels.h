@@ -301,16 +301,14 @@ KELVARIN_TARGET Long Replace(std::uint8_t* row, Long width, const std::uint8_t* 
     return x;
 }
 
-// Color_Invert: each byte XOR flip[channel]. Bytes stay where they are, so
-// the block is three registers in memory order at every width.
-KELVARIN_TARGET Long Invert(std::uint8_t* row, Long width, const std::uint8_t* flip) {
+// Color_Invert: each byte XOR its byte of the pattern. Bytes stay where
+// they are, so the block is three registers in memory order at every width.
+KELVARIN_TARGET Long Invert(std::uint8_t* row, Long width, const std::uint8_t* pattern) {
     constexpr int kBytes = sizeof(Reg);
     static_assert(kBytes == kPixels, "a block of kPixels pixels fills three registers");
-    alignas(64) std::uint8_t pattern[3 * kBytes];
-    for (int i = 0; i < 3 * kBytes; ++i) pattern[i] = flip[i % 3];
     Reg flips[3];
     for (int k = 0; k < 3; ++k)
-        flips[k] = VEC_SI(load)(reinterpret_cast<const Reg*>(pattern + kBytes * k));
+        flips[k] = VEC_SI(loadu)(reinterpret_cast<const Reg*>(pattern + kBytes * k));
     Long x = 0;
     for (; x + kPixels <= width; x += kPixels, row += 3 * kPixels) {
 #pragma GCC unroll 3
