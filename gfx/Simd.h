@@ -44,6 +44,13 @@ Long GrayRowSimd(std::uint8_t* row, Long width, std::uint8_t maskBlue, std::uint
 Long FadeRowSimd(std::uint8_t* row, Long width, const std::uint8_t mask[3], const int part[3],
                  int multiplier, int shift) noexcept;
 
+// Color_FadeTo's table: entry v of channel c is floor((v + part[c]) /
+// divisor) in double precision where that lies within 0..255, else outside;
+// the divisor is not 0. False where no vector kernel runs (the caller
+// fills the table).
+bool FadeTableSimd(const double part[3], double divisor, std::int16_t outside,
+                   std::int16_t table[3][256]) noexcept;
+
 // Color_Replace on a 24-bit row: pixels whose bytes are from[0..2] (blue,
 // green, red) become to[0..2]. Returns how many pixels it did, as GrayRowSimd.
 Long ReplaceRowSimd(std::uint8_t* row, Long width, const std::uint8_t from[3],

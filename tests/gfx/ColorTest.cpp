@@ -179,10 +179,13 @@ TEST(ColorKernels, MatchTheScalarLoopsOnRandomImages) {
             }
             // The fade's mask is in memory order: the swapped colour matches.
             const Long swapped = (c & 0x00FF00) | (c >> 16 & 255) | (c & 255) << 16;
-            for (double weight : {0.0, 1.0, 3.0, 7.0, 127.0, 0.6, 2.0, 4.5, 9.3, 99.99, 300.0}) {
+            // Weights below 0 leave the byte range or divide by zero, and raise
+            // at the first pixel that does.
+            for (double weight : {0.0, 1.0, 3.0, 7.0, 127.0, 0.6, 2.0, 4.5, 9.3, 99.99, 300.0,
+                                  1e300, -0.5, -1.0, -3.0}) {
                 for (Long mask : {kMagenta, swapped, Long{-1}}) {
                     test::ExpectKernelsAgree("FadeTo", gfx, [&](clsGFX_2D& g) {
-                        g.Color_FadeTo(mask, 0x00FF8001, weight);
+                        ErrorOf([&] { g.Color_FadeTo(mask, 0x00FF8001, weight); });
                     });
                 }
             }
