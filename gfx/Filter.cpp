@@ -327,6 +327,12 @@ void ConvolveRows(const Rows& rows, const Convolution& f, RowKernel kernel) {
     const auto sums32Kernel = Avx512Enabled() ? conv512::Convolve
                               : Avx2Enabled() ? conv256::Convolve
                                               : conv128::Convolve;
+    // The vector kernels write a row of their own, copied into the image
+    // after: stores straight into the image row are followed by loads from
+    // the rows below at addresses that agree in their low 12 bits whenever
+    // a row spans whole pages (4096 pixels do), and the processor holds
+    // such loads back as if they depended on the stores.
+    std::vector<std::uint8_t> out(kernel == RowKernel::Bytes ? 0 : rowBytes);
 #else
     (void)kernel;
 #endif
@@ -339,7 +345,7 @@ void ConvolveRows(const Rows& rows, const Convolution& f, RowKernel kernel) {
         }
         std::size_t done = from;
 #if KELVARIN_X86
-        if (kernel == RowKernel::Sums16) done = ConvolveAvx2(src.data(), w, rows.Row(y), from, to);
+        if (kernel == RowKernel::Sums16) done = ConvolveAvx2(src.data(), w, out.data(), from, to);
         if (kernel == RowKernel::Sums32) {
             // Each pair's bytes for the row's first output byte.
             for (std::size_t p = 0; p < pairs.size(); ++p) {
@@ -354,9 +360,10 @@ void ConvolveRows(const Rows& rows, const Convolution& f, RowKernel kernel) {
                                 static_cast<std::uint16_t>(a.k) |
                                 static_cast<std::uint32_t>(static_cast<std::uint16_t>(c.k)) << 16)};
             }
-            done += sums32Kernel(pairs.data(), pairs.size(), sums32, rows.Row(y) + from, to - from,
+            done += sums32Kernel(pairs.data(), pairs.size(), sums32, out.data() + from, to - from,
                                  from % 3);
         }
+        if (done > from) std::memcpy(rows.Row(y) + from, out.data() + from, done - from);
 #endif
         ConvolveBytes(src.data(), taps, f, rows.Row(y), done, to);
     }
