@@ -7,7 +7,6 @@
 
 #include <gtest/gtest.h>
 
-#include <QAccessible>
 #include <QApplication>
 #include <QLineEdit>
 #include <QScreen>
@@ -273,27 +272,6 @@ TEST(DateBoxWidgetTest, TheButtonsCalendarGivesTheFieldBackAndLetsAClickThrough)
     // The window's focus went to the line edit (offscreen, no window is
     // active again once a popup has closed).
     EXPECT_EQ(form.window.focusWidget(), next);
-}
-
-// A screen reader hears the calendar as a table whose value is the current date.
-TEST(DateBoxWidgetTest, TheCalendarIsATableWithTheCurrentDateForAScreenReader) {
-    Form form;
-    form.box->SetValue(At(2020, 3, 31));
-    QAccessible::Role role = QAccessible::NoRole;
-    QString name, value;
-    WhenOpen([&](QWidget* popup) {
-        QTest::keyClick(popup, Qt::Key_Left);
-        QAccessibleInterface* a = QAccessible::queryAccessibleInterface(popup);
-        ASSERT_NE(a, nullptr);
-        role = a->role();
-        name = a->text(QAccessible::Name);
-        value = a->text(QAccessible::Value);
-        QTest::keyClick(popup, Qt::Key_Escape);
-    });
-    QTest::keyClick(form.box, Qt::Key_F4);
-    EXPECT_EQ(role, QAccessible::Table);
-    EXPECT_EQ(name, QLocale().standaloneMonthName(3) + QStringLiteral(" 2020"));
-    EXPECT_EQ(value, QLocale().toString(QDate(2020, 3, 30), QLocale::LongFormat));
 }
 
 }  // namespace
