@@ -210,6 +210,9 @@ ControlWidget::ControlWidget(std::unique_ptr<host::Control> control, host::FormC
     } else {
         resize(sizeHint());
     }
+    // Text is kept for a sharp showing from the first drawing on, where the
+    // screen asks for it.
+    text_->SetRecording(devicePixelRatioF() > 1);
     resizeImage();
     if (!control_) {
         lastErrorText_ = QStringLiteral("no such control class");
@@ -631,7 +634,7 @@ void ControlWidget::paintEvent(QPaintEvent* event) {
         // The ratio changed (another screen): text is kept for it from a
         // fresh paint on, or no longer kept.
         text_->SetRecording(ratio > 1);
-        if (control_ && placed_) guard("Paint", [&] { control_->Paint(); });
+        if (control_ && placed_) guard("DisplayChanged", [&] { control_->DisplayChanged(); });
     }
     if (ratio > 1) {
         QPainter(this).drawImage(QPoint(0, 0), text_->ShowAtRatio(image_, ratio));
@@ -687,7 +690,7 @@ void ControlWidget::changeEvent(QEvent* event) {
             sysColors_ = SysColorsFrom(palette());
             if (palette() == QApplication::palette()) SetSysColors(sysColors_);
             paintFrame();
-            guard("Paint", [&] { control_->Paint(); });
+            guard("DisplayChanged", [&] { control_->DisplayChanged(); });
             update();
             break;
         }

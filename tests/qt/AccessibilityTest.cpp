@@ -11,6 +11,7 @@
 #include <QApplication>
 #include <QSignalSpy>
 #include <QTest>
+#include <QTimer>
 #include <QVBoxLayout>
 
 #include <kelvarin/CommandBoxWidget.h>
@@ -132,6 +133,48 @@ TEST(AccessibilityTest, TheButtonIsAPushButtonNamedByItsCaptionWithItsAccessKey)
     w.button->setAccessibleName(QStringLiteral("Salva il documento"));
     EXPECT_EQ(a->text(QAccessible::Name), QStringLiteral("Salva il documento"));
     EXPECT_EQ(WithoutAccessKeyMarks(QStringLiteral("Fine&")), QStringLiteral("Fine"));
+}
+
+TEST(AccessibilityTest, TheOpenCalendarIsATableUnderItsFieldNamedByItsCurrentDate) {
+    Window w;
+    w.date->SetDateFormat(QStringLiteral("dd/mm/yyyy"));
+    w.date->SetValue(QDateTime(QDate(2007, 12, 25), QTime(), Qt::UTC));
+    QAccessibleInterface* field = QAccessible::queryAccessibleInterface(w.date);
+    ASSERT_NE(field, nullptr);
+    const int closedChildren = field->childCount();
+
+    int openChildren = -1;
+    QString role, name, value, parentName, movedName;
+    bool parentIsField = false, childIsPopup = false;
+    QTimer::singleShot(0, [&] {
+        QWidget* popup = QApplication::activePopupWidget();
+        ASSERT_NE(popup, nullptr);
+        QAccessibleInterface* table = QAccessible::queryAccessibleInterface(popup);
+        ASSERT_NE(table, nullptr);
+        openChildren = field->childCount();
+        childIsPopup = field->child(openChildren - 1) == table &&
+                       field->indexOfChild(table) == openChildren - 1;
+        parentIsField = table->parent() == field;
+        role = QString::number(table->role());
+        name = table->text(QAccessible::Name);
+        value = table->text(QAccessible::Value);
+        QTest::keyClick(popup, Qt::Key_Right);
+        movedName = table->text(QAccessible::Name);
+        QTest::keyClick(popup, Qt::Key_Escape);
+    });
+    w.date->setFocus();
+    QTest::keyClick(w.date, Qt::Key_F4);
+
+    const QLocale locale;
+    EXPECT_EQ(openChildren, closedChildren + 1);
+    EXPECT_TRUE(childIsPopup);
+    EXPECT_TRUE(parentIsField);
+    EXPECT_EQ(role, QString::number(QAccessible::Table));
+    EXPECT_EQ(name, locale.toString(QDate(2007, 12, 25), QLocale::LongFormat));
+    EXPECT_EQ(value, name);
+    EXPECT_EQ(movedName, locale.toString(QDate(2007, 12, 26), QLocale::LongFormat));
+    // Closed, it is no longer a child.
+    EXPECT_EQ(field->childCount(), closedChildren);
 }
 
 }  // namespace
