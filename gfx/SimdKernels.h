@@ -128,14 +128,33 @@ KELVARIN_TARGET inline void LoadChannels(const std::uint8_t* row, Reg ch[3]) {
 
 // Register k of the block: blue and green by one permute, then red
 // (kScatter64).
+KELVARIN_TARGET inline Reg Interleave(const Reg ch[3], int k) {
+    const Reg index = _mm512_load_si512(kScatter64[k].index.data());
+    return _mm512_mask_permutexvar_epi8(_mm512_permutex2var_epi8(ch[0], index, ch[1]),
+                                        kScatter64[k].fromLast, index, ch[2]);
+}
+
 KELVARIN_TARGET inline void StoreChannels(std::uint8_t* row, const Reg ch[3]) {
 #pragma GCC unroll 3
-    for (int k = 0; k < 3; ++k) {
-        const Reg index = _mm512_load_si512(kScatter64[k].index.data());
-        StorePart(row, k,
-                  _mm512_mask_permutexvar_epi8(_mm512_permutex2var_epi8(ch[0], index, ch[1]),
-                                               kScatter64[k].fromLast, index, ch[2]));
-    }
+    for (int k = 0; k < 3; ++k) StorePart(row, k, Interleave(ch, k));
+}
+
+// Whether a pixel of the block at row has the bytes that pattern holds in
+// memory order: bit i of the three compare masks (one 192-bit number) is
+// byte i, and a pixel matches where bits i to i + 2 are set with i a
+// multiple of 3 (the pixels' first bytes: of register k, bits l with
+// 64k + l a multiple of 3). No permutes, so blocks without a match, the
+// usual case, cost a load and a compare per register.
+KELVARIN_TARGET inline bool AnyPixelIs(const std::uint8_t* row, const Reg pattern[3]) {
+    constexpr std::uint64_t kFirst[3] = {0x9249249249249249, 0x4924924924924924,
+                                         0x2492492492492492};
+    std::uint64_t m[3];
+#pragma GCC unroll 3
+    for (int k = 0; k < 3; ++k) m[k] = _mm512_cmpeq_epi8_mask(LoadPart(row, k), pattern[k]);
+    const std::uint64_t hit0 = m[0] & (m[0] >> 1 | m[1] << 63) & (m[0] >> 2 | m[1] << 62);
+    const std::uint64_t hit1 = m[1] & (m[1] >> 1 | m[2] << 63) & (m[1] >> 2 | m[2] << 62);
+    const std::uint64_t hit2 = m[2] & m[2] >> 1 & m[2] >> 2;
+    return ((hit0 & kFirst[0]) | (hit1 & kFirst[1]) | (hit2 & kFirst[2])) != 0;
 }
 
 #else
@@ -284,8 +303,16 @@ KELVARIN_TARGET Long Replace(std::uint8_t* row, Long width, const std::uint8_t* 
     Reg fromBytes[3], toBytes[3];
     Splat(from, fromBytes);
     Splat(to, toBytes);
+#if KELVARIN_SIMD_BITS == 512
+    Reg fromInMemory[3];
+    for (int k = 0; k < 3; ++k) fromInMemory[k] = Interleave(fromBytes, k);
+#endif
     Long x = 0;
     for (; x + kPixels <= width; x += kPixels, row += 3 * kPixels) {
+#if KELVARIN_SIMD_BITS == 512
+        if (!AnyPixelIs(row, fromInMemory)) [[likely]]
+            continue;
+#endif
         Reg ch[3];
         LoadChannels(row, ch);
         const Reg hit = Matches(ch, fromBytes);
