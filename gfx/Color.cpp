@@ -185,9 +185,10 @@ bool clsGFX_2D::Color_Invert(bool blnRed, bool blnGreen, bool blnBlue) {
     SessionScope session(*this);
     const ImageRows rows = SessionRows();
     // 255 - v is v XOR 255: a chosen channel is XORed with 0xFF, the others
-    // with 0. Eight pixels are three 64-bit words.
-    std::uint8_t pattern[24];
-    for (int i = 0; i < 24; i += 3) {
+    // with 0. Eight pixels are three 64-bit words; the vector kernels take
+    // 64 pixels' worth.
+    std::uint8_t pattern[192];
+    for (int i = 0; i < 192; i += 3) {
         pattern[i] = blnBlue ? 0xFF : 0;
         pattern[i + 1] = blnGreen ? 0xFF : 0;
         pattern[i + 2] = blnRed ? 0xFF : 0;
@@ -197,7 +198,8 @@ bool clsGFX_2D::Color_Invert(bool blnRed, bool blnGreen, bool blnBlue) {
     const auto rowBytes = static_cast<std::size_t>(rows.width) * 3;
     for (Long y = 0; y < rows.height; ++y) {
         std::uint8_t* p = rows.Row(y);
-        std::size_t i = 0;
+        // Vector kernel for whole blocks of pixels where there is one, then this loop.
+        std::size_t i = 3 * static_cast<std::size_t>(InvertRowSimd(p, rows.width, pattern));
         for (; i + 24 <= rowBytes; i += 24) {
             std::uint64_t block[3];
             std::memcpy(block, p + i, sizeof block);
@@ -292,21 +294,27 @@ bool clsGFX_2D::Color_FadeTo(Long lngMaskColor, Long lngFadeTo, double dblFadeWe
     // Result of every byte value per channel; a negative entry is the host
     // error that value raises (a weight of -1 divides by zero, weights
     // between -1 and 0 leave the byte range).
+    // Divide's rules without its calls: a zero divisor raises, and so does a
+    // quotient that is not finite, which also fails the range check.
     std::int16_t table[3][256];
-    bool allValid = true;
-    for (int c = 0; c < 3; ++c) {
-        for (int v = 0; v < 256; ++v) {
-            std::int16_t entry;
-            try {
-                const double q = std::floor(Divide(v + part[c], divisor));
-                entry = q >= 0 && q <= 255 ? static_cast<std::int16_t>(q)
-                                           : -static_cast<std::int16_t>(HostErrorCode::Overflow);
-            } catch (const HostError& e) {
-                entry = static_cast<std::int16_t>(-e.Number());
+    constexpr auto kOverflow =
+        static_cast<std::int16_t>(-static_cast<int>(HostErrorCode::Overflow));
+    if (divisor == 0 || !FadeTableSimd(part, divisor, kOverflow, table)) {
+        for (int c = 0; c < 3; ++c) {
+            for (int v = 0; v < 256; ++v) {
+                std::int16_t entry =
+                    static_cast<std::int16_t>(-static_cast<int>(HostErrorCode::DivisionByZero));
+                if (divisor != 0) {
+                    const double q = std::floor((v + part[c]) / divisor);
+                    entry = q >= 0 && q <= 255 ? static_cast<std::int16_t>(q) : kOverflow;
+                }
+                table[c][v] = entry;
             }
-            table[c][v] = entry;
-            allValid = allValid && entry >= 0;
         }
+    }
+    bool allValid = true;
+    for (const auto& channel : table) {
+        for (const std::int16_t entry : channel) allValid = allValid && entry >= 0;
     }
 
     if (allValid) {

@@ -2,7 +2,8 @@
 // clsGFX_2D: convolution filters and smoothing.
 //
 //   1. Kernels: custom, and built-in (gfx/BuiltInKernels.h)
-//   2. Convolution: the plain loop, the row loop, the 256-bit kernel
+//   2. Convolution: the plain loop, the row loop, the 256-bit kernel for
+//      16-bit sums, the kernels for 32-bit sums (gfx/ConvolveKernels.h)
 //   3. Edge detection
 //   4. Smoothing: median and line-keeping, the plain loop and the wavefront
 //
@@ -200,13 +201,104 @@ KELVARIN_AVX2 std::size_t ConvolveAvx2(const std::uint8_t* const* src, const Wid
     }
     return b;
 }
+
+// Two taps of an output row for one multiply-add of 16-bit pairs: output
+// byte b takes the bytes at a + b and c + b, times the low and the high half
+// of weights. Built for each row, as the ring moves.
+struct TapPair {
+    const std::uint8_t* a;
+    const std::uint8_t* c;
+    std::int32_t weights;
+};
+
+// What the kernels for 32-bit sums need besides the pairs. The quotient is
+// the truncated product with the reciprocal of the weight in double
+// precision, rounded one step away from zero: for |sum| < 2^31 and
+// |weight| = w >= 2, sum * reciprocal lies above sum / w by less than
+// 2^-20 / w (relative error below 2^-51 on a quotient below 2^31 / w), and
+// its rounding adds less than 2^-22 / w, while a quotient that is not a whole
+// number lies at least 1 / w below the next one. So the product neither
+// falls below a whole quotient nor reaches the next one: truncated, it is
+// the quotient the plain loop takes.
+struct Sums32 {
+    bool divide = false;
+    double reciprocal = 1;
+    // Per phase (position mod 3 of a block's first byte): the offset of
+    // each of the next 64 bytes.
+    alignas(64) std::uint8_t add[3][64] = {};
+};
+
+}  // namespace
+}  // namespace kelvarin
+
+#define KELVARIN_SIMD_BITS 128
+#include "gfx/ConvolveKernels.h"
+#undef KELVARIN_SIMD_BITS
+#define KELVARIN_SIMD_BITS 256
+#include "gfx/ConvolveKernels.h"
+#undef KELVARIN_SIMD_BITS
+#define KELVARIN_SIMD_BITS 512
+// GCC 12's AVX-512 conversion intrinsics start from a register they leave
+// undefined on purpose, which -Wmaybe-uninitialized reports once inlined.
+#if defined(__GNUC__) && !defined(__clang__)
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
 #endif
+#include "gfx/ConvolveKernels.h"
+#if defined(__GNUC__) && !defined(__clang__)
+#pragma GCC diagnostic pop
+#endif
+#undef KELVARIN_SIMD_BITS
+
+namespace kelvarin {
+namespace {
+
+// The weights of the taps as multiply-add halves: each within 16 bits (a
+// larger one in several), two to a pair, the last of an odd count with a
+// weight of 0 beside it.
+struct HalfTap {
+    int row;
+    int offset;
+    std::int16_t k;
+};
+
+std::vector<HalfTap> HalfTaps(const std::vector<Tap>& taps) {
+    std::vector<HalfTap> halves;
+    for (const Tap& t : taps) {
+        std::int64_t k = t.k;
+        while (k != 0) {
+            const std::int64_t piece = std::clamp<std::int64_t>(k, -INT16_MAX, INT16_MAX);
+            halves.push_back(HalfTap{t.row, t.offset, static_cast<std::int16_t>(piece)});
+            k -= piece;
+        }
+    }
+    if (halves.size() % 2 != 0) halves.push_back(HalfTap{halves.back().row, 0, 0});
+    return halves;
+}
+
+Sums32 PrepareSums32(const Convolution& f) {
+    Sums32 s;
+    s.divide = f.weight != 1;
+    const double magnitude = f.weight < 0 ? -static_cast<double>(f.weight) : f.weight;
+    const double r = magnitude == 1 ? 1 : std::nextafter(1 / magnitude, 2.0);
+    s.reciprocal = f.weight < 0 ? -r : r;
+    for (int phase = 0; phase < 3; ++phase) {
+        for (int b = 0; b < 64; ++b)
+            s.add[phase][b] = static_cast<std::uint8_t>(f.add[(phase + b) % 3]);
+    }
+    return s;
+}
+#endif
+
+// Which row kernel: bytes one at a time, or vectors with 16-bit sums
+// (256 bits) or with 32-bit sums (at the widest vectors enabled).
+enum class RowKernel { Bytes, Sums16, Sums32 };
 
 // Row by row in place: the original of the rows at and below the current
 // one (which are overwritten by then) is kept in a ring of half + 1 rows;
 // the rows above are still untouched in the image.
 template <typename Rows>
-void ConvolveRows(const Rows& rows, const Convolution& f, bool wide) {
+void ConvolveRows(const Rows& rows, const Convolution& f, RowKernel kernel) {
     const Long n = f.size, half = f.half;
     const std::size_t rowBytes = static_cast<std::size_t>(rows.width) * 3;
     std::vector<Tap> taps;
@@ -217,21 +309,34 @@ void ConvolveRows(const Rows& rows, const Convolution& f, bool wide) {
                 taps.push_back(Tap{static_cast<int>(j), static_cast<int>(3 * (i - half)), k});
         }
     }
-#if KELVARIN_X86
-    WideConvolution w;
-    if (wide) PrepareWide(w, f, taps);
-#else
-    (void)wide;
-#endif
     const auto ringSize = static_cast<std::size_t>(half + 1);
     std::vector<std::uint8_t> ring(ringSize * rowBytes);
     auto ringRow = [&](Long y) {
         return ring.data() + static_cast<std::size_t>(y) % ringSize * rowBytes;
     };
-    for (Long y = 0; y < half; ++y) std::memcpy(ringRow(y), rows.Row(y), rowBytes);
     std::vector<const std::uint8_t*> src(static_cast<std::size_t>(n));
     const auto from = static_cast<std::size_t>(3 * half);
     const std::size_t to = rowBytes - from;
+#if KELVARIN_X86
+    WideConvolution w;
+    if (kernel == RowKernel::Sums16) PrepareWide(w, f, taps);
+    const std::vector<HalfTap> halves =
+        kernel == RowKernel::Sums32 ? HalfTaps(taps) : std::vector<HalfTap>{};
+    const Sums32 sums32 = PrepareSums32(f);
+    std::vector<TapPair> pairs(halves.size() / 2);
+    const auto sums32Kernel = Avx512Enabled() ? conv512::Convolve
+                              : Avx2Enabled() ? conv256::Convolve
+                                              : conv128::Convolve;
+    // The vector kernels write a row of their own, copied into the image
+    // after: stores straight into the image row are followed by loads from
+    // the rows below at addresses that agree in their low 12 bits whenever
+    // a row spans whole pages (4096 pixels do), and the processor holds
+    // such loads back as if they depended on the stores.
+    std::vector<std::uint8_t> out(kernel == RowKernel::Bytes ? 0 : rowBytes);
+#else
+    (void)kernel;
+#endif
+    for (Long y = 0; y < half; ++y) std::memcpy(ringRow(y), rows.Row(y), rowBytes);
     for (Long y = half; y < rows.height - half; ++y) {
         std::memcpy(ringRow(y), rows.Row(y), rowBytes);
         for (Long j = 0; j < n; ++j) {
@@ -240,7 +345,25 @@ void ConvolveRows(const Rows& rows, const Convolution& f, bool wide) {
         }
         std::size_t done = from;
 #if KELVARIN_X86
-        if (wide) done = ConvolveAvx2(src.data(), w, rows.Row(y), from, to);
+        if (kernel == RowKernel::Sums16) done = ConvolveAvx2(src.data(), w, out.data(), from, to);
+        if (kernel == RowKernel::Sums32) {
+            // Each pair's bytes for the row's first output byte.
+            for (std::size_t p = 0; p < pairs.size(); ++p) {
+                const HalfTap& a = halves[2 * p];
+                const HalfTap& c = halves[2 * p + 1];
+                pairs[p] =
+                    TapPair{src[static_cast<std::size_t>(a.row)] +
+                                (static_cast<std::ptrdiff_t>(from) + a.offset),
+                            src[static_cast<std::size_t>(c.row)] +
+                                (static_cast<std::ptrdiff_t>(from) + c.offset),
+                            static_cast<std::int32_t>(
+                                static_cast<std::uint16_t>(a.k) |
+                                static_cast<std::uint32_t>(static_cast<std::uint16_t>(c.k)) << 16)};
+            }
+            done += sums32Kernel(pairs.data(), pairs.size(), sums32, out.data() + from, to - from,
+                                 from % 3);
+        }
+        if (done > from) std::memcpy(rows.Row(y) + from, out.data() + from, done - from);
 #endif
         ConvolveBytes(src.data(), taps, f, rows.Row(y), done, to);
     }
@@ -644,9 +767,9 @@ void clsGFX_2D::Filter_StandardFilter(Long lngFilterType, Long lngAddColor) {
         ConvolvePlain(rows, f);  // sums that may leave 32 bits are checked
         return;
     }
-    const bool wide =
+    const bool sums16 =
         Avx2Enabled() && reach <= INT16_MAX && f.weight >= -65536 && f.weight <= 65536;
-    ConvolveRows(rows, f, wide);
+    ConvolveRows(rows, f, sums16 ? RowKernel::Sums16 : RowKernel::Sums32);
 }
 
 // ---- 3. Edge detection -----------------------------------------------------------

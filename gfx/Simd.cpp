@@ -82,6 +82,42 @@ alignas(16) constexpr MixTables kScatter = MakeMix([](int k, int l) {
     return std::pair{p % 3, p / 3};
 });
 
+// The same moves for a block of 64 pixels in three 512-bit registers, by
+// byte permutes: index byte j picks byte j of the result from the first two
+// registers (bit 6 the second), and where fromLast has bit j from the
+// third (the low six bits).
+struct BytePermute {
+    alignas(64) std::array<std::uint8_t, 64> index;
+    std::uint64_t fromLast;
+};
+using Permutes = std::array<BytePermute, 3>;
+
+// Byte j of channel c is byte p = 3j + c of the block.
+constexpr Permutes kGather64 = [] {
+    Permutes m{};
+    for (int c = 0; c < 3; ++c) {
+        for (int j = 0; j < 64; ++j) {
+            const int p = 3 * j + c;
+            m[c].index[j] = static_cast<std::uint8_t>(p & 127);
+            if (p >= 128) m[c].fromLast |= std::uint64_t{1} << j;
+        }
+    }
+    return m;
+}();
+// Byte l of register k is channel p % 3 of pixel p / 3, p = 64k + l:
+// blue from the first channel, green from the second, red from the third.
+constexpr Permutes kScatter64 = [] {
+    Permutes m{};
+    for (int k = 0; k < 3; ++k) {
+        for (int l = 0; l < 64; ++l) {
+            const int p = 64 * k + l, pixel = p / 3, c = p % 3;
+            m[k].index[l] = static_cast<std::uint8_t>(pixel + (c == 1 ? 64 : 0));
+            if (c == 2) m[k].fromLast |= std::uint64_t{1} << l;
+        }
+    }
+    return m;
+}();
+
 #endif
 
 }  // namespace
@@ -103,6 +139,7 @@ alignas(16) constexpr MixTables kScatter = MakeMix([](int k, int l) {
 #pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
 #endif
 #include "gfx/HslKernels.h"
+#include "gfx/SimdKernels.h"
 #if defined(__GNUC__) && !defined(__clang__)
 #pragma GCC diagnostic pop
 #endif
@@ -114,15 +151,68 @@ namespace kelvarin::gfx_detail {
 #if KELVARIN_X86
 namespace {
 
-// The 256-bit kernel over whole blocks of 32 pixels where it may run, then
-// the 128-bit one over a block of 16 that remains.
+// The 512-bit kernel over whole blocks of 64 pixels where it may run, the
+// 256-bit one over a block of 32 that remains, then the 128-bit one over a
+// block of 16.
 template <typename... Args>
-Long Widest(Long (*wide)(std::uint8_t*, Long, Args...),
+Long Widest(Long (*widest)(std::uint8_t*, Long, Args...),
+            Long (*wide)(std::uint8_t*, Long, Args...),
             Long (*narrow)(std::uint8_t*, Long, Args...), std::uint8_t* row, Long width,
             std::type_identity_t<Args>... args) {
     if (!g_enabled) return 0;
-    const Long done = g_avx2 ? wide(row, width, args...) : 0;
+    Long done = g_avx512vbmi ? widest(row, width, args...) : 0;
+    if (g_avx2) done += wide(row + 3 * done, width - done, args...);
     return done + narrow(row + 3 * done, width - done, args...);
+}
+
+}  // namespace
+#endif
+
+#if KELVARIN_X86
+namespace {
+
+// Color_FadeTo's table, four or eight entries at a time: the same additions,
+// divisions and floors as the plain loop's, lane by lane.
+KELVARIN_AVX2 void FadeTable256(const double part[3], double divisor, std::int16_t outside,
+                                std::int16_t table[3][256]) {
+    const __m256d d = _mm256_set1_pd(divisor), zero = _mm256_setzero_pd(),
+                  top = _mm256_set1_pd(255), other = _mm256_set1_pd(outside);
+    for (int c = 0; c < 3; ++c) {
+        const __m256d p = _mm256_set1_pd(part[c]);
+        for (int v = 0; v < 256; v += 4) {
+            const __m256d n = _mm256_add_pd(_mm256_set_pd(v + 3, v + 2, v + 1, v), p);
+            const __m256d q = _mm256_floor_pd(_mm256_div_pd(n, d));
+            const __m256d inside = _mm256_and_pd(_mm256_cmp_pd(q, zero, _CMP_GE_OQ),
+                                                 _mm256_cmp_pd(q, top, _CMP_LE_OQ));
+            const __m128i entries = _mm256_cvttpd_epi32(_mm256_blendv_pd(other, q, inside));
+            _mm_storel_epi64(reinterpret_cast<__m128i*>(table[c] + v),
+                             _mm_packs_epi32(entries, entries));
+        }
+    }
+}
+
+// The zero-masked conversions, all lanes on: the plain ones start from a
+// register GCC 12 reports as uninitialised.
+KELVARIN_AVX512BW void FadeTable512(const double part[3], double divisor, std::int16_t outside,
+                                    std::int16_t table[3][256]) {
+    const __m512d d = _mm512_set1_pd(divisor), zero = _mm512_setzero_pd(),
+                  top = _mm512_set1_pd(255), other = _mm512_set1_pd(outside);
+    const __m256i lanes = _mm256_setr_epi32(0, 1, 2, 3, 4, 5, 6, 7);
+    for (int c = 0; c < 3; ++c) {
+        const __m512d p = _mm512_set1_pd(part[c]);
+        for (int v = 0; v < 256; v += 8) {
+            const __m512d n = _mm512_add_pd(
+                _mm512_maskz_cvtepi32_pd(0xFF, _mm256_add_epi32(lanes, _mm256_set1_epi32(v))), p);
+            const __m512d q = _mm512_floor_pd(_mm512_div_pd(n, d));
+            const __mmask8 inside =
+                _mm512_cmp_pd_mask(q, zero, _CMP_GE_OQ) & _mm512_cmp_pd_mask(q, top, _CMP_LE_OQ);
+            const __m256i entries =
+                _mm512_maskz_cvttpd_epi32(0xFF, _mm512_mask_blend_pd(inside, other, q));
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(table[c] + v),
+                             _mm_packs_epi32(_mm256_castsi256_si128(entries),
+                                             _mm256_extracti128_si256(entries, 1)));
+        }
+    }
 }
 
 }  // namespace
@@ -164,17 +254,34 @@ bool Avx512VbmiEnabled() noexcept { return g_avx512vbmi; }
 Long GrayRowSimd(std::uint8_t* row, Long width, std::uint8_t maskBlue, std::uint8_t maskGreen,
                  std::uint8_t maskRed, bool weighted) noexcept {
     const std::uint8_t mask[3] = {maskBlue, maskGreen, maskRed};
-    return Widest(v256::Gray, v128::Gray, row, width, mask, weighted);
+    return Widest(v512::Gray, v256::Gray, v128::Gray, row, width, mask, weighted);
 }
 
 Long FadeRowSimd(std::uint8_t* row, Long width, const std::uint8_t mask[3], const int part[3],
                  int multiplier, int shift) noexcept {
-    return Widest(v256::Fade, v128::Fade, row, width, mask, part, multiplier, shift);
+    return Widest(v512::Fade, v256::Fade, v128::Fade, row, width, mask, part, multiplier, shift);
+}
+
+bool FadeTableSimd(const double part[3], double divisor, std::int16_t outside,
+                   std::int16_t table[3][256]) noexcept {
+    if (g_avx512) {
+        FadeTable512(part, divisor, outside, table);
+        return true;
+    }
+    if (g_avx2) {
+        FadeTable256(part, divisor, outside, table);
+        return true;
+    }
+    return false;
 }
 
 Long ReplaceRowSimd(std::uint8_t* row, Long width, const std::uint8_t from[3],
                     const std::uint8_t to[3]) noexcept {
-    return Widest(v256::Replace, v128::Replace, row, width, from, to);
+    return Widest(v512::Replace, v256::Replace, v128::Replace, row, width, from, to);
+}
+
+Long InvertRowSimd(std::uint8_t* row, Long width, const std::uint8_t pattern[192]) noexcept {
+    return Widest(v512::Invert, v256::Invert, v128::Invert, row, width, pattern);
 }
 
 Long HslRowSimd(std::uint8_t* row, Long width, HslRow op, std::uint8_t hue,
@@ -192,9 +299,13 @@ Long GrayRowSimd(std::uint8_t*, Long, std::uint8_t, std::uint8_t, std::uint8_t, 
 Long FadeRowSimd(std::uint8_t*, Long, const std::uint8_t*, const int*, int, int) noexcept {
     return 0;
 }
+bool FadeTableSimd(const double*, double, std::int16_t, std::int16_t (*)[256]) noexcept {
+    return false;
+}
 Long ReplaceRowSimd(std::uint8_t*, Long, const std::uint8_t*, const std::uint8_t*) noexcept {
     return 0;
 }
+Long InvertRowSimd(std::uint8_t*, Long, const std::uint8_t*) noexcept { return 0; }
 Long HslRowSimd(std::uint8_t*, Long, HslRow, std::uint8_t, std::uint8_t) noexcept { return 0; }
 
 #endif

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Private to gfx/: the vector kernels of the colour operations, used when the
-// processor has them (SSSE3 on x86-64, 256-bit ones where it has AVX2). The
-// scalar loops stay for every other processor, and tests can switch the
-// vector kernels off to check both.
+// processor has them (SSSE3 on x86-64, 256-bit ones where it has AVX2,
+// 512-bit ones where it has AVX-512 with VBMI). The scalar loops stay for
+// every other processor, and tests can switch the vector kernels off to
+// check both.
 #pragma once
 
 #include <cstdint>
@@ -43,10 +44,22 @@ Long GrayRowSimd(std::uint8_t* row, Long width, std::uint8_t maskBlue, std::uint
 Long FadeRowSimd(std::uint8_t* row, Long width, const std::uint8_t mask[3], const int part[3],
                  int multiplier, int shift) noexcept;
 
+// Color_FadeTo's table: entry v of channel c is floor((v + part[c]) /
+// divisor) in double precision where that lies within 0..255, else outside;
+// the divisor is not 0. False where no vector kernel runs (the caller
+// fills the table).
+bool FadeTableSimd(const double part[3], double divisor, std::int16_t outside,
+                   std::int16_t table[3][256]) noexcept;
+
 // Color_Replace on a 24-bit row: pixels whose bytes are from[0..2] (blue,
 // green, red) become to[0..2]. Returns how many pixels it did, as GrayRowSimd.
 Long ReplaceRowSimd(std::uint8_t* row, Long width, const std::uint8_t from[3],
                     const std::uint8_t to[3]) noexcept;
+
+// Color_Invert on a 24-bit row: byte i of every block of 64 pixels XOR
+// pattern[i] (each channel's byte repeated, blue first). Returns how many
+// pixels it did, as GrayRowSimd.
+Long InvertRowSimd(std::uint8_t* row, Long width, const std::uint8_t pattern[192]) noexcept;
 
 // The hue, saturation and luminance operations on 24-bit rows.
 enum class HslRow {

@@ -1,14 +1,18 @@
 // SPDX-License-Identifier: MIT
 // Private to gfx/Simd.cpp: the row kernels of the colour operations, written
-// once over the register width. Simd.cpp includes this file once with
-// KELVARIN_SIMD_BITS 128 and once with 256, after its shuffle tables (Mask,
-// kGather, kScatter); each copy lands in its own namespace (v128, v256) and
-// is compiled for its own processor target (SSSE3, AVX2), which a template
+// once over the register width. Simd.cpp includes this file with
+// KELVARIN_SIMD_BITS 128, 256 and 512, after its shuffle tables (Mask,
+// kGather, kScatter, and the byte permutes kGather64 and kScatter64); each
+// copy lands in its own namespace (v128, v256, v512) and is compiled for its
+// own processor target (SSSE3, AVX2, AVX-512 with VBMI), which a template
 // could not be. Hence no include guard.
 //
 // A 256-bit register holds two groups of 16 pixels, one per 128-bit half,
 // and every instruction below works within halves, so both widths take
-// exactly the same steps on each group of 16 pixels.
+// exactly the same steps on each group of 16 pixels. A 512-bit register
+// holds one channel of 64 pixels in order, moved there and back by byte
+// permutes across the whole register; the arithmetic between still works
+// within 128-bit lanes, its widening and narrowing in matching pairs.
 
 #if KELVARIN_SIMD_BITS == 128
 #define KELVARIN_SIMD_NAMESPACE v128
@@ -21,8 +25,13 @@
 #define KELVARIN_TARGET KELVARIN_AVX2
 #define VEC(op) _mm256_##op
 #define VEC_SI(op) _mm256_##op##_si256
+#elif KELVARIN_SIMD_BITS == 512
+#define KELVARIN_SIMD_NAMESPACE v512
+#define KELVARIN_TARGET KELVARIN_AVX512
+#define VEC(op) _mm512_##op
+#define VEC_SI(op) _mm512_##op##_si512
 #else
-#error "KELVARIN_SIMD_BITS must be 128 or 256"
+#error "KELVARIN_SIMD_BITS must be 128, 256 or 512"
 #endif
 
 namespace kelvarin::gfx_detail {
@@ -47,8 +56,12 @@ KELVARIN_TARGET inline Reg Table(const Mask& m) {
 KELVARIN_TARGET inline Reg Select(Reg keep, Reg a, Reg b) {
     return _mm_or_si128(_mm_and_si128(keep, a), _mm_andnot_si128(keep, b));
 }
+// All ones in the bytes or 16-bit lanes where a equals b.
+KELVARIN_TARGET inline Reg Equal8(Reg a, Reg b) { return _mm_cmpeq_epi8(a, b); }
+KELVARIN_TARGET inline Reg Equal16(Reg a, Reg b) { return _mm_cmpeq_epi16(a, b); }
+KELVARIN_TARGET inline bool Any(Reg v) { return _mm_movemask_epi8(v) != 0; }
 
-#else
+#elif KELVARIN_SIMD_BITS == 256
 
 using Reg = __m256i;
 // Two groups of 16: register k holds part k of the first group in its low
@@ -67,8 +80,84 @@ KELVARIN_TARGET inline Reg Table(const Mask& m) {
     return _mm256_broadcastsi128_si256(_mm_load_si128(reinterpret_cast<const __m128i*>(m.data())));
 }
 KELVARIN_TARGET inline Reg Select(Reg keep, Reg a, Reg b) { return _mm256_blendv_epi8(b, a, keep); }
+KELVARIN_TARGET inline Reg Equal8(Reg a, Reg b) { return _mm256_cmpeq_epi8(a, b); }
+KELVARIN_TARGET inline Reg Equal16(Reg a, Reg b) { return _mm256_cmpeq_epi16(a, b); }
+KELVARIN_TARGET inline bool Any(Reg v) { return _mm256_movemask_epi8(v) != 0; }
+
+#else
+
+using Reg = __m512i;
+// One group of 64 pixels, 192 bytes in three registers in memory order.
+constexpr Long kPixels = 64;
+
+KELVARIN_TARGET inline Reg LoadPart(const std::uint8_t* block, int k) {
+    return _mm512_loadu_si512(block + 64 * k);
+}
+KELVARIN_TARGET inline void StorePart(std::uint8_t* block, int k, Reg v) {
+    _mm512_storeu_si512(block + 64 * k, v);
+}
+// Per bit, a where keep is set and b elsewhere.
+KELVARIN_TARGET inline Reg Select(Reg keep, Reg a, Reg b) {
+    return _mm512_ternarylogic_epi32(keep, a, b, 0xCA);
+}
+KELVARIN_TARGET inline Reg Equal8(Reg a, Reg b) {
+    return _mm512_movm_epi8(_mm512_cmpeq_epi8_mask(a, b));
+}
+KELVARIN_TARGET inline Reg Equal16(Reg a, Reg b) {
+    return _mm512_movm_epi16(_mm512_cmpeq_epi16_mask(a, b));
+}
+KELVARIN_TARGET inline bool Any(Reg v) { return _mm512_test_epi8_mask(v, v) != 0; }
 
 #endif
+
+#if KELVARIN_SIMD_BITS == 512
+
+// Channel c of the block: from the first two registers by one permute,
+// then from the third for the pixels whose byte lies there (kGather64).
+KELVARIN_TARGET inline void LoadChannels(const std::uint8_t* row, Reg ch[3]) {
+    Reg v[3];
+#pragma GCC unroll 3
+    for (int k = 0; k < 3; ++k) v[k] = LoadPart(row, k);
+#pragma GCC unroll 3
+    for (int c = 0; c < 3; ++c) {
+        const Reg index = _mm512_load_si512(kGather64[c].index.data());
+        ch[c] = _mm512_mask_permutexvar_epi8(_mm512_permutex2var_epi8(v[0], index, v[1]),
+                                             kGather64[c].fromLast, index, v[2]);
+    }
+}
+
+// Register k of the block: blue and green by one permute, then red
+// (kScatter64).
+KELVARIN_TARGET inline Reg Interleave(const Reg ch[3], int k) {
+    const Reg index = _mm512_load_si512(kScatter64[k].index.data());
+    return _mm512_mask_permutexvar_epi8(_mm512_permutex2var_epi8(ch[0], index, ch[1]),
+                                        kScatter64[k].fromLast, index, ch[2]);
+}
+
+KELVARIN_TARGET inline void StoreChannels(std::uint8_t* row, const Reg ch[3]) {
+#pragma GCC unroll 3
+    for (int k = 0; k < 3; ++k) StorePart(row, k, Interleave(ch, k));
+}
+
+// Whether a pixel of the block at row has the bytes that pattern holds in
+// memory order: bit i of the three compare masks (one 192-bit number) is
+// byte i, and a pixel matches where bits i to i + 2 are set with i a
+// multiple of 3 (the pixels' first bytes: of register k, bits l with
+// 64k + l a multiple of 3). No permutes, so blocks without a match, the
+// usual case, cost a load and a compare per register.
+KELVARIN_TARGET inline bool AnyPixelIs(const std::uint8_t* row, const Reg pattern[3]) {
+    constexpr std::uint64_t kFirst[3] = {0x9249249249249249, 0x4924924924924924,
+                                         0x2492492492492492};
+    std::uint64_t m[3];
+#pragma GCC unroll 3
+    for (int k = 0; k < 3; ++k) m[k] = _mm512_cmpeq_epi8_mask(LoadPart(row, k), pattern[k]);
+    const std::uint64_t hit0 = m[0] & (m[0] >> 1 | m[1] << 63) & (m[0] >> 2 | m[1] << 62);
+    const std::uint64_t hit1 = m[1] & (m[1] >> 1 | m[2] << 63) & (m[1] >> 2 | m[2] << 62);
+    const std::uint64_t hit2 = m[2] & m[2] >> 1 & m[2] >> 2;
+    return ((hit0 & kFirst[0]) | (hit1 & kFirst[1]) | (hit2 & kFirst[2])) != 0;
+}
+
+#else
 
 // One vector from three through their tables (see Simd.cpp): kGather[c]
 // takes channel c out of a block's three registers, kScatter[k] puts the
@@ -95,15 +184,16 @@ KELVARIN_TARGET inline void StoreChannels(std::uint8_t* row, const Reg ch[3]) {
     for (int k = 0; k < 3; ++k) StorePart(row, k, Mix(ch, kScatter[k]));
 }
 
+#endif
+
 KELVARIN_TARGET inline void Splat(const std::uint8_t bytes[3], Reg out[3]) {
     for (int c = 0; c < 3; ++c) out[c] = VEC(set1_epi8)(static_cast<char>(bytes[c]));
 }
 
 // All ones in the pixels whose three channels equal bytes[0..2].
 KELVARIN_TARGET inline Reg Matches(const Reg ch[3], const Reg bytes[3]) {
-    return VEC_SI(and)(
-        VEC(cmpeq_epi8)(ch[0], bytes[0]),
-        VEC_SI(and)(VEC(cmpeq_epi8)(ch[1], bytes[1]), VEC(cmpeq_epi8)(ch[2], bytes[2])));
+    return VEC_SI(and)(Equal8(ch[0], bytes[0]),
+                       VEC_SI(and)(Equal8(ch[1], bytes[1]), Equal8(ch[2], bytes[2])));
 }
 
 // Weighted grey of pixels whose channels are widened to 16 bits:
@@ -126,9 +216,8 @@ KELVARIN_TARGET inline Reg Weighted16(Reg b, Reg g, Reg r) {
         VEC(packs_epi32)(VEC_SI(and)(lo, VEC(set1_epi32)(7)), VEC_SI(and)(hi, VEC(set1_epi32)(7)));
     const Reg q = VEC(srli_epi16)(
         VEC(mulhi_epu16)(eighths, VEC(set1_epi16)(static_cast<short>(33555 - 65536))), 6);
-    const Reg tie =
-        VEC_SI(and)(VEC(cmpeq_epi16)(VEC(mullo_epi16)(q, VEC(set1_epi16)(125)), eighths),
-                    VEC(cmpeq_epi16)(rest, zero));
+    const Reg tie = VEC_SI(and)(Equal16(VEC(mullo_epi16)(q, VEC(set1_epi16)(125)), eighths),
+                                Equal16(rest, zero));
     return VEC(sub_epi16)(q, VEC_SI(and)(tie, VEC_SI(and)(q, one)));
 }
 
@@ -214,19 +303,46 @@ KELVARIN_TARGET Long Replace(std::uint8_t* row, Long width, const std::uint8_t* 
     Reg fromBytes[3], toBytes[3];
     Splat(from, fromBytes);
     Splat(to, toBytes);
+#if KELVARIN_SIMD_BITS == 512
+    Reg fromInMemory[3];
+    for (int k = 0; k < 3; ++k) fromInMemory[k] = Interleave(fromBytes, k);
+#endif
     Long x = 0;
     for (; x + kPixels <= width; x += kPixels, row += 3 * kPixels) {
+#if KELVARIN_SIMD_BITS == 512
+        if (!AnyPixelIs(row, fromInMemory)) [[likely]]
+            continue;
+#endif
         Reg ch[3];
         LoadChannels(row, ch);
         const Reg hit = Matches(ch, fromBytes);
         // Nothing to write is the usual case; as the straight path it saves a
         // taken jump per block.
-        if (VEC(movemask_epi8)(hit) == 0) [[likely]]
+        if (!Any(hit)) [[likely]]
             continue;
         Reg out[3];
 #pragma GCC unroll 3
         for (int c = 0; c < 3; ++c) out[c] = Select(hit, toBytes[c], ch[c]);
         StoreChannels(row, out);
+    }
+    return x;
+}
+
+// Color_Invert: each byte XOR its byte of the pattern. Bytes stay where
+// they are, so the block is three registers in memory order at every width.
+KELVARIN_TARGET Long Invert(std::uint8_t* row, Long width, const std::uint8_t* pattern) {
+    constexpr int kBytes = sizeof(Reg);
+    static_assert(kBytes == kPixels, "a block of kPixels pixels fills three registers");
+    Reg flips[3];
+    for (int k = 0; k < 3; ++k)
+        flips[k] = VEC_SI(loadu)(reinterpret_cast<const Reg*>(pattern + kBytes * k));
+    Long x = 0;
+    for (; x + kPixels <= width; x += kPixels, row += 3 * kPixels) {
+#pragma GCC unroll 3
+        for (int k = 0; k < 3; ++k) {
+            Reg* const at = reinterpret_cast<Reg*>(row + kBytes * k);
+            VEC_SI(storeu)(at, VEC_SI(xor)(VEC_SI(loadu)(at), flips[k]));
+        }
     }
     return x;
 }

@@ -76,6 +76,11 @@ public:
     virtual void Resize() {}
     // Paints the whole client area on the site's client surface.
     virtual void Paint() {}
+    // What the control's pixels stand for changed under it (the system
+    // colours, the screen's pixel ratio): everything it shows is drawn
+    // again. A control whose face lives only on the persistent image (one
+    // with nothing to Paint) redraws that.
+    virtual void DisplayChanged() { Paint(); }
     virtual void AmbientChanged(std::string_view name) { (void)name; }
     virtual void Terminate() {}
 

@@ -27,6 +27,12 @@ QString WithoutAccessKeyMarks(const QString& caption) {
     return out;
 }
 
+QString CalendarDateText(const host::Popup& calendar) {
+    if (calendar.ShownMonth() == 0) return {};
+    const DateParts d = SplitDate(calendar.CurrentDate());
+    return QLocale().toString(QDate(d.year, d.month, d.day), QLocale::LongFormat);
+}
+
 namespace {
 
 // A key typed at the widget, press and release, as the user would type it:
@@ -40,14 +46,40 @@ void Stroke(QWidget* widget, Qt::Key key) {
 
 // Name and description: the application's first, else what Qt finds (a
 // label's buddy, the tool tip); `fallback` gives the control's own name.
+//
+// A popup the control has open (the month calendar) is its last child:
+// Qt leaves popup windows out of the application's children, so this is
+// how a screen reader finds it in the tree.
 class ControlAccessible : public QAccessibleWidget {
 public:
     ControlAccessible(QWidget* widget, QAccessible::Role role) : QAccessibleWidget(widget, role) {}
+
+    int childCount() const override {
+        return QAccessibleWidget::childCount() + (openPopup() ? 1 : 0);
+    }
+
+    QAccessibleInterface* child(int index) const override {
+        if (QWidget* popup = openPopup(); popup && index == QAccessibleWidget::childCount())
+            return QAccessible::queryAccessibleInterface(popup);
+        return QAccessibleWidget::child(index);
+    }
+
+    int indexOfChild(const QAccessibleInterface* child) const override {
+        if (QWidget* popup = openPopup(); popup && child && child->object() == popup)
+            return QAccessibleWidget::childCount();
+        return QAccessibleWidget::indexOfChild(child);
+    }
 
 protected:
     QString nameOr(QAccessible::Text t, const QString& fallback) const {
         const QString own = QAccessibleWidget::text(t);
         return own.isEmpty() ? fallback : own;
+    }
+
+private:
+    QWidget* openPopup() const {
+        auto* popup = widget()->findChild<PopupWindow*>(QString(), Qt::FindDirectChildrenOnly);
+        return popup && popup->isVisible() ? popup : nullptr;
     }
 };
 
@@ -194,23 +226,27 @@ private:
 
 // ---- The calendar popup -------------------------------------------------------------------
 
+// Named by its current date, which is what a screen reader reads as the
+// user moves through the days (the name changes with it).
 class CalendarAccessible : public QAccessibleWidget {
 public:
     explicit CalendarAccessible(QWidget* widget) : QAccessibleWidget(widget, QAccessible::Table) {}
 
+    // The control that opened it, not the application.
+    QAccessibleInterface* parent() const override {
+        if (QWidget* owner = widget()->parentWidget())
+            return QAccessible::queryAccessibleInterface(owner);
+        return QAccessibleWidget::parent();
+    }
+
     QString text(QAccessible::Text t) const override {
-        const host::Popup* calendar = &static_cast<PopupWindow*>(widget())->popup();
-        if (calendar->ShownMonth() == 0) return QAccessibleWidget::text(t);
-        const DateParts d = SplitDate(calendar->CurrentDate());
-        const QDate current(d.year, d.month, d.day);
+        const QString current = CalendarDateText(static_cast<PopupWindow*>(widget())->popup());
         switch (t) {
             case QAccessible::Name: {
                 const QString own = QAccessibleWidget::text(t);
-                if (!own.isEmpty()) return own;
-                return QLocale().standaloneMonthName(static_cast<int>(calendar->ShownMonth())) +
-                       u' ' + QString::number(calendar->ShownYear());
+                return own.isEmpty() ? current : own;
             }
-            case QAccessible::Value: return QLocale().toString(current, QLocale::LongFormat);
+            case QAccessible::Value: return current;
             default: return QAccessibleWidget::text(t);
         }
     }
@@ -235,6 +271,11 @@ QAccessibleInterface* Factory(const QString& className, QObject* object) {
 void AnnounceValue(QWidget* widget, const QVariant& value) {
     if (!QAccessible::isActive()) return;
     QAccessibleValueChangeEvent event(widget, value);
+    QAccessible::updateAccessibility(&event);
+}
+
+void AnnounceName(QWidget* widget) {
+    QAccessibleEvent event(widget, QAccessible::NameChanged);
     QAccessible::updateAccessibility(&event);
 }
 

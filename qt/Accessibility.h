@@ -9,8 +9,8 @@
 //   CommandBoxWidget  push button named by its caption (access-key "&"
 //                     removed), with the press action and Alt and the
 //                     access key as its shortcut.
-//   PopupWindow       the month calendar: a table whose value is the
-//                     current date.
+//   PopupWindow       the month calendar: a table named by its current
+//                     date, a child of the control that opened it.
 //
 // A name or description the application set (accessibleName,
 // accessibleDescription) comes first, as for Qt's own widgets.
@@ -21,6 +21,10 @@
 
 class QWidget;
 
+namespace kelvarin::host {
+class Popup;
+}
+
 namespace kelvarin::qt {
 
 // Registers the interfaces with QAccessible; once per application, any
@@ -29,6 +33,14 @@ void InstallAccessibility();
 
 // Tells assistive technology that the widget's value is now `value`.
 void AnnounceValue(QWidget* widget, const QVariant& value);
+
+// Tells assistive technology that the widget's name is new (the calendar's
+// current date).
+void AnnounceName(QWidget* widget);
+
+// The calendar's current date as a screen reader reads it; empty while the
+// popup is closed.
+QString CalendarDateText(const host::Popup& calendar);
 
 // A caption without its access-key markers ("&Save" reads "Save", "&&" one "&").
 QString WithoutAccessKeyMarks(const QString& caption);

@@ -210,6 +210,9 @@ ControlWidget::ControlWidget(std::unique_ptr<host::Control> control, host::FormC
     } else {
         resize(sizeHint());
     }
+    // Text is kept for a sharp showing from the first drawing on, where the
+    // screen asks for it.
+    text_->SetRecording(devicePixelRatioF() > 1);
     resizeImage();
     if (!control_) {
         lastErrorText_ = QStringLiteral("no such control class");
@@ -639,7 +642,7 @@ void ControlWidget::paintEvent(QPaintEvent* event) {
         // The ratio changed (another screen): text is kept for it from a
         // fresh paint on, or no longer kept.
         text_->SetRecording(ratio > 1);
-        if (control_ && placed_) guard("Paint", [&] { control_->Paint(); });
+        if (control_ && placed_) guard("DisplayChanged", [&] { control_->DisplayChanged(); });
     }
     // A paint may come inside a call into the control (DoEvents): its
     // painter is ended before the image is read, and begun again after.
@@ -681,7 +684,7 @@ void ControlWidget::changeEvent(QEvent* event) {
             sysColors_ = SysColorsFrom(palette());
             if (palette() == QApplication::palette()) SetSysColors(sysColors_);
             paintFrame();
-            guard("Paint", [&] { control_->Paint(); });
+            guard("DisplayChanged", [&] { control_->DisplayChanged(); });
             update();
             break;
         }

@@ -14,6 +14,8 @@ namespace {
 const QSizePolicy kLineEditPolicy(QSizePolicy::Expanding, QSizePolicy::Fixed,
                                   QSizePolicy::LineEdit);
 
+QDateTime EmptyDate() { return QDateTime(QDate(1899, 12, 30), QTime(0, 0), Qt::UTC); }
+
 }  // namespace
 
 DateBoxWidget::DateBoxWidget(QWidget* parent)
@@ -48,8 +50,15 @@ void DateBoxWidget::SetAlignment(AlignmentKind a) {
 bool DateBoxWidget::Locked() const { return getMember(QStringLiteral("Locked")).toBool(); }
 void DateBoxWidget::SetLocked(bool l) { letMember(QStringLiteral("Locked"), l); }
 
-QDateTime DateBoxWidget::Value() const { return getMember(QStringLiteral("Value")).toDateTime(); }
-void DateBoxWidget::SetValue(const QDateTime& v) { letMember(QStringLiteral("Value"), v); }
+// The control's empty date is day 0 of its calendar; Qt's is the null
+// QDateTime, which is what Qt code tests for and Designer shows as blank.
+QDateTime DateBoxWidget::Value() const {
+    const QDateTime value = getMember(QStringLiteral("Value")).toDateTime();
+    return value == EmptyDate() ? QDateTime() : value;
+}
+void DateBoxWidget::SetValue(const QDateTime& v) {
+    letMember(QStringLiteral("Value"), v.isNull() ? EmptyDate() : v);
+}
 QVariant DateBoxWidget::ValueDB() const { return getMember(QStringLiteral("ValueDB")); }
 void DateBoxWidget::SetValueDB(const QVariant& v) { letMember(QStringLiteral("ValueDB"), v); }
 QString DateBoxWidget::DateFormat() const {

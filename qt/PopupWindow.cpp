@@ -7,6 +7,7 @@
 #include <QPainter>
 #include <QPointer>
 
+#include "qt/Accessibility.h"
 #include "qt/Guard.h"
 #include "qt/QtPlatform.h"
 
@@ -73,9 +74,11 @@ void PopupWindow::guard(const char* where, F&& f) noexcept {
 
 template <typename F>
 void PopupWindow::forward(const char* where, F&& f) noexcept {
+    const Date before = popup_.CurrentDate();
     guard(where, std::forward<F>(f));
     closeIfDone();
     update();
+    if (isVisible() && popup_.CurrentDate() != before) AnnounceName(this);
 }
 
 void PopupWindow::exec(const QPoint& screen) {

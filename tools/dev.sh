@@ -29,9 +29,10 @@ packages=(g++ cmake ninja-build pkg-config libgtest-dev libgmock-dev libbenchmar
           # needs the OpenGL module's CMake files), SVG pictures, and what the
           # offscreen platform needs to draw text in tests and screenshots.
           qt6-base-dev qt6-tools-dev libqt6opengl6-dev qt6-svg-dev libgl-dev fonts-dejavu-core
-          # The gallery's end-to-end test: a real X server, a pointer and a
-          # keyboard driven from its script.
-          xvfb xdotool python3)
+          # The gallery's end-to-end tests: a real X server, a pointer and a
+          # keyboard driven from a script, and a screen reader's view of it
+          # through the accessibility bus.
+          xvfb xdotool python3 dbus-daemon at-spi2-core python3-pyatspi)
 
 # ---- Fuzzing ---------------------------------------------------------------
 # The libFuzzer programs, built by clang with the address and undefined-

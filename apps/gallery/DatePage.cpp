@@ -29,15 +29,15 @@ QDateTime At(int year, int month, int day, int hour = 0, int minute = 0, int sec
 }
 
 // A value as the host writes it: the short date of the user's locale, the
-// time of day, or both; Null for an empty ValueDB. Value reads the empty
-// date (day 0, which the host would write as a bare midnight) for an empty
-// box: it says so.
+// time of day, or both; Null for an empty ValueDB. Value is a null date for
+// an empty box (day 0 to the control, which the host would write as a bare
+// midnight): it says so.
 QString HostText(const QVariant& value) {
+    if (value.metaType().id() == QMetaType::QDateTime && value.toDateTime().isNull())
+        return QStringLiteral("empty (day 0)");
     if (value.isNull() || value.metaType().id() == QMetaType::Nullptr)
         return QStringLiteral("Null");
-    const Date d = qt::ControlWidget::ToVariant(value).ToDate();
-    if (d == 0) return QStringLiteral("empty (day 0)");
-    return QString::fromStdString(DateToText(d));
+    return QString::fromStdString(DateToText(qt::ControlWidget::ToVariant(value).ToDate()));
 }
 
 // The patterns the playground offers; any other can be typed in.

@@ -29,8 +29,7 @@ QString Place(const QWidget* w, const QRect& local) {
 }
 
 QString DateText(const QDateTime& d) {
-    // The empty date is day 0 of the host's calendar.
-    if (d == QDateTime(QDate(1899, 12, 30), QTime(0, 0), Qt::UTC)) return QStringLiteral("empty");
+    if (d.isNull()) return QStringLiteral("empty");
     return d.toString(QStringLiteral("yyyy-MM-dd hh:mm:ss"));
 }
 

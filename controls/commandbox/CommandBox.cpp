@@ -185,6 +185,15 @@ void CommandBox::AmbientChanged(std::string_view name) {
     Arrange();
 }
 
+// The pictures were rendered on the face colour, which may be a system
+// colour: they are rendered again, in the look they had.
+void CommandBox::DisplayChanged() {
+    const Integer state = pictureState_;
+    PreparePictures();
+    if (pictureState_ != kNoPicture) pictureState_ = state;
+    Redraw();
+}
+
 void CommandBox::Terminate() {
     terminating_ = true;
     for (auto& surface : surfaces_) surface.reset();

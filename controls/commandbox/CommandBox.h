@@ -126,6 +126,7 @@ public:
     // The face is already on the persistent image: nothing to paint.
     void Paint() override {}
     void AmbientChanged(std::string_view name) override;
+    void DisplayChanged() override;
     void Terminate() override;
     void KeyDown(Integer& keyCode, Integer shift) override;
     void KeyPress(Integer& keyAscii) override;

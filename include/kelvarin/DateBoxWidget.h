@@ -4,8 +4,8 @@
 // like any host's; its events are signals in the order of the event
 // interface.
 //
-// Value is a QDateTime (the field may hold a time of day); ValueDB is Null
-// (a QVariant holding nullptr) for an empty field. Colours are OLE colours
+// Value is a QDateTime (the field may hold a time of day), null for an
+// empty field, where ValueDB is Null (a QVariant holding nullptr). Colours are OLE colours
 // as unsigned numbers, as for the progress bar.
 #pragma once
 

@@ -148,13 +148,14 @@ TEST(ColorHalftone, HandCheckedImages) {
     EXPECT_EQ(After(3, 3, grey, [](clsGFX_2D& g) { g.Color_Halftone_Dithering(true); }), dithered);
 }
 
-// The vector kernels (grey, fade, replace) against the scalar loops,
-// on random images below, at and across their blocks of 16 pixels, with
-// magenta scattered in to be masked.
+// The vector kernels (invert, grey, fade, replace) against the scalar
+// loops, on random images below, at and across their blocks of 16, 32 and
+// 64 pixels, with tails left for each narrower kernel in turn, and magenta
+// scattered in to be masked.
 TEST(ColorKernels, MatchTheScalarLoopsOnRandomImages) {
     constexpr Long kMagenta = 0x00FF00FF;
     std::uint32_t seed = 100;
-    for (Long w : {1, 5, 7, 16, 31, 33, 64, 100}) {
+    for (Long w : {1, 5, 7, 16, 31, 33, 63, 64, 65, 100, 127, 128, 129, 241}) {
         for (Long h : {1, 3, 8}) {
             clsGFX_2D gfx;
             ASSERT_TRUE(gfx.Create(w, h));
@@ -163,6 +164,11 @@ TEST(ColorKernels, MatchTheScalarLoopsOnRandomImages) {
             for (Long x = 0; x < w; x += 3) gfx.Draw_Pixel(x, x % h, kMagenta);
             gfx.Draw_EndSession();
             const Long c = PixelAt(gfx, w / 2, h / 2);
+            for (int channels = 1; channels < 8; ++channels) {
+                test::ExpectKernelsAgree("Invert", gfx, [&](clsGFX_2D& g) {
+                    g.Color_Invert(channels & 4, channels & 2, channels & 1);
+                });
+            }
             test::ExpectKernelsAgree("Replace", gfx,
                                      [&](clsGFX_2D& g) { g.Color_Replace(c, 0xA1B2C3); });
             for (bool weighted : {false, true}) {
@@ -173,10 +179,13 @@ TEST(ColorKernels, MatchTheScalarLoopsOnRandomImages) {
             }
             // The fade's mask is in memory order: the swapped colour matches.
             const Long swapped = (c & 0x00FF00) | (c >> 16 & 255) | (c & 255) << 16;
-            for (double weight : {0.0, 1.0, 3.0, 7.0, 127.0, 0.6, 2.0, 4.5, 9.3, 99.99, 300.0}) {
+            // Weights below 0 leave the byte range or divide by zero, and raise
+            // at the first pixel that does.
+            for (double weight : {0.0, 1.0, 3.0, 7.0, 127.0, 0.6, 2.0, 4.5, 9.3, 99.99, 300.0,
+                                  1e300, -0.5, -1.0, -3.0}) {
                 for (Long mask : {kMagenta, swapped, Long{-1}}) {
                     test::ExpectKernelsAgree("FadeTo", gfx, [&](clsGFX_2D& g) {
-                        g.Color_FadeTo(mask, 0x00FF8001, weight);
+                        ErrorOf([&] { g.Color_FadeTo(mask, 0x00FF8001, weight); });
                     });
                 }
             }

@@ -3,7 +3,9 @@
 // every fast path against the scalar loops on random images.
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <functional>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -295,6 +297,73 @@ TEST(FastPaths, MatchTheScalarLoopsOnRandomImages) {
         for (Long w = 1; w <= 17; ++w) AgreeOnRandomImages(what, smooth, {w}, {5, 6, 9, 24});
         AgreeOnRandomImages(what, smooth, {21, 22, 23, 40, 41, 42, 60, 79}, {5, 7, 300, 601});
     }
+}
+
+// Custom kernels whose sums need 32 bits, with each width of vectors. The
+// widths leave fewer bytes inside the frame than one vector holds, a few
+// more than one, and several vectors with bytes over.
+void AgreeWithCustom(const char* what, Long size, const std::vector<Long>& kernel, Long weight,
+                     Long add) {
+    AgreeOnRandomImages(what,
+                        [&](clsGFX_2D& g) {
+                            ASSERT_TRUE(g.Filter_StandardFilterSetCustom(size, kernel, weight));
+                            g.Filter_StandardFilter(-1, add);
+                        },
+                        {1, 5, 9, 23, 24, 31, 45, 71}, {1, 9, 12});
+}
+
+// The largest sum of weights' sizes the row loop takes: 255 times it, plus
+// an offset of 255, stays within 32 bits.
+constexpr Long kLargestReach = (INT32_MAX - 255) / 255;
+
+// Random kernels of every size, weights from a few hundred (sums just past
+// 16 bits) to past 16 bits themselves, both signs, up to the largest sums;
+// divisors of both signs from 1 to the extremes of 32 bits; offsets 0 and 255.
+TEST(FastPaths, CustomKernelsWith32BitSumsMatchThePlainLoop) {
+    std::mt19937 random(22);
+    for (Long size : {1, 3, 5, 7, 9}) {
+        for (Long range : {300, 40000, kLargestReach}) {
+            std::vector<Long> kernel(static_cast<std::size_t>(size * size));
+            std::int64_t reach = 0, total = 0;
+            for (Long& k : kernel) {
+                k = static_cast<Long>(
+                    std::uniform_int_distribution<std::int64_t>(-range, range)(random));
+                reach += std::abs(std::int64_t{k});
+            }
+            // Scaled down to the largest sums where they go past them.
+            for (Long& k : kernel) {
+                if (reach > kLargestReach) k = static_cast<Long>(k * kLargestReach / reach);
+                total += k;
+            }
+            const Long weights[] = {
+                total == 0 ? 1 : static_cast<Long>(total / 2 + 1), 1,         -1,       -7,
+                static_cast<Long>(std::abs(total) / 255 + 3),      INT32_MAX, INT32_MIN};
+            for (Long weight : weights) {
+                for (Long add : {0, 0x00FFFFFF, 0x00FF0080}) {
+                    AgreeWithCustom("Custom 32-bit", size, kernel, weight, add);
+                }
+            }
+        }
+    }
+}
+
+// One weight at the largest sums: the quotient of v * K by K is v exactly,
+// by K + 1 and by K - 1 it lies just below and just above v. The largest
+// weights of a 3 x 3 kernel, and weights of 32768 and -32769, which take
+// more than one 16-bit half.
+TEST(FastPaths, CustomKernelQuotientsNextToWholeNumbersMatchThePlainLoop) {
+    const Long k = kLargestReach;
+    for (Long sign : {1, -1}) {
+        const std::vector<Long> one{sign * k};
+        for (Long weight : {k, k + 1, k - 1, -k, -k - 1, -k + 1, 2 * k, 3})
+            AgreeWithCustom("Custom 1x1", 1, one, weight, sign < 0 ? 0x00FFFFFF : 0);
+        const std::vector<Long> nine(9, sign * (k / 9));
+        for (Long weight : {k / 9, 9 * (k / 9), 9 * (k / 9) + 1, 9 * (k / 9) - 1})
+            AgreeWithCustom("Custom 3x3", 3, nine, weight, sign < 0 ? 0x00FFFFFF : 0x00010203);
+    }
+    const std::vector<Long> halves{32768, -32769, 65535, 1, 0, -1, 65536, -65536, 32767};
+    for (Long weight : {1, 2, 255, 131071, -131072})
+        AgreeWithCustom("Custom halves", 3, halves, weight, 0x00808080);
 }
 
 }  // namespace

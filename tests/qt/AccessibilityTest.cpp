@@ -1,8 +1,9 @@
 // What a screen reader is told, read through QAccessible as the AT-SPI
 // bridge reads it: the date field as editable text with its focused field
 // and stepping actions, the bar as a progress bar with a value, the button
-// as a push button with its press action and access key; the application's
-// accessibleName and accessibleDescription come first.
+// as a push button with its press action and access key, the open calendar
+// as a table under its field; the application's accessibleName and
+// accessibleDescription come first.
 #include "qt/Accessibility.h"
 
 #include <gtest/gtest.h>
@@ -11,6 +12,7 @@
 #include <QApplication>
 #include <QSignalSpy>
 #include <QTest>
+#include <QTimer>
 #include <QVBoxLayout>
 
 #include <kelvarin/CommandBoxWidget.h>
@@ -132,6 +134,49 @@ TEST(AccessibilityTest, TheButtonIsAPushButtonNamedByItsCaptionWithItsAccessKey)
     w.button->setAccessibleName(QStringLiteral("Salva il documento"));
     EXPECT_EQ(a->text(QAccessible::Name), QStringLiteral("Salva il documento"));
     EXPECT_EQ(WithoutAccessKeyMarks(QStringLiteral("Fine&")), QStringLiteral("Fine"));
+}
+
+TEST(AccessibilityTest, TheOpenCalendarIsATableUnderItsFieldNamedByItsCurrentDate) {
+    Window w;
+    w.date->SetDateFormat(QStringLiteral("dd/mm/yyyy"));
+    w.date->SetValue(QDateTime(QDate(2007, 12, 25), QTime(), Qt::UTC));
+    QAccessibleInterface* field = QAccessible::queryAccessibleInterface(w.date);
+    ASSERT_NE(field, nullptr);
+    const int closedChildren = field->childCount();
+
+    int openChildren = -1;
+    QAccessible::Role role = QAccessible::NoRole;
+    QString name, value, movedName;
+    bool parentIsField = false, childIsPopup = false;
+    QTimer::singleShot(0, [&] {
+        QWidget* popup = QApplication::activePopupWidget();
+        ASSERT_NE(popup, nullptr);
+        QAccessibleInterface* table = QAccessible::queryAccessibleInterface(popup);
+        ASSERT_NE(table, nullptr);
+        openChildren = field->childCount();
+        childIsPopup = field->child(openChildren - 1) == table &&
+                       field->indexOfChild(table) == openChildren - 1;
+        parentIsField = table->parent() == field;
+        role = table->role();
+        name = table->text(QAccessible::Name);
+        value = table->text(QAccessible::Value);
+        QTest::keyClick(popup, Qt::Key_Right);
+        movedName = table->text(QAccessible::Name);
+        QTest::keyClick(popup, Qt::Key_Escape);
+    });
+    w.date->setFocus();
+    QTest::keyClick(w.date, Qt::Key_F4);
+
+    const QLocale locale;
+    EXPECT_EQ(openChildren, closedChildren + 1);
+    EXPECT_TRUE(childIsPopup);
+    EXPECT_TRUE(parentIsField);
+    EXPECT_EQ(role, QAccessible::Table);
+    EXPECT_EQ(name, locale.toString(QDate(2007, 12, 25), QLocale::LongFormat));
+    EXPECT_EQ(value, name);
+    EXPECT_EQ(movedName, locale.toString(QDate(2007, 12, 26), QLocale::LongFormat));
+    // Closed, it is no longer a child.
+    EXPECT_EQ(field->childCount(), closedChildren);
 }
 
 }  // namespace

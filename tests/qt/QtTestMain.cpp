@@ -10,6 +10,9 @@
 
 int main(int argc, char** argv) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
+#ifdef KELVARIN_TEST_SCALE_FACTOR
+    qputenv("QT_SCALE_FACTOR", KELVARIN_TEST_SCALE_FACTOR);  // a high-DPI screen
+#endif
     ::testing::InitGoogleTest(&argc, argv);
     QApplication app(argc, argv);
     kelvarin::qt::ApplyPlatformSettings();

@@ -110,6 +110,8 @@ TEST(WidgetConventionsTest, SystemColoursComeFromTheWidgetsOwnPalette) {
     DateBoxWidget box(&window);  // BackColor is the window colour (system colour 5)
     ProgressBoxWidget bar(&window);
     bar.move(0, 40);
+    CommandBoxWidget button(&window);  // its face keeps only on its persistent image
+    button.move(0, 80);
     ASSERT_TRUE(box.letMember(QStringLiteral("BorderStyle"), 0));
     ASSERT_TRUE(bar.letMember(QStringLiteral("BorderStyle"), 0));
     const QRgb before = box.image().pixel(box.width() - 30, box.height() / 2);
@@ -123,6 +125,7 @@ TEST(WidgetConventionsTest, SystemColoursComeFromTheWidgetsOwnPalette) {
     EXPECT_EQ(QColor(box.image().pixel(box.width() - 30, box.height() / 2)), QColor(20, 30, 40));
     // The bar's back colour is the button face: the empty part of the bar.
     EXPECT_EQ(QColor(bar.image().pixel(bar.width() - 2, bar.height() / 2)), QColor(50, 40, 30));
+    EXPECT_EQ(QColor(button.image().pixel(6, button.height() / 2)), QColor(50, 40, 30));
     // The property still holds the system colour, and the picker shows it
     // as this widget's palette gives it.
     EXPECT_EQ(box.BackColor(), kSysWindow);
