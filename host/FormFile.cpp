@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <cstring>
 #include <fstream>
+#include <limits>
 #include <span>
 #include <sstream>
 
@@ -138,6 +139,14 @@ Json EncodeText(const std::string& text) {
         {"bytes", ToBase64({reinterpret_cast<const std::uint8_t*>(text.data()), text.size()})}};
 }
 
+// JSON has no infinities and no NaN (a writer would put null in their
+// place): they are stored as {"number": "inf" | "-inf" | "nan" | "-nan"}.
+Json EncodeNumber(double v) {
+    if (std::isfinite(v)) return v;
+    const char* sign = std::signbit(v) ? "-" : "";
+    return Json{{"number", std::string(sign) + (std::isnan(v) ? "nan" : "inf")}};
+}
+
 Json Encode(const Variant& v, const std::string& place) {
     switch (v.Type()) {
         case VarType::Empty: return Json{{"empty", true}};
@@ -146,7 +155,7 @@ Json Encode(const Variant& v, const std::string& place) {
         case VarType::Integer:
         case VarType::Long: return v.ToLong();
         case VarType::Single:
-        case VarType::Double: return v.ToDouble();
+        case VarType::Double: return EncodeNumber(v.ToDouble());
         case VarType::Date: return Json{{"date", IsoText(v.ToDate())}};
         case VarType::String: return EncodeText(v.ToString());
         case VarType::Object: {
@@ -281,6 +290,16 @@ std::shared_ptr<Picture> DecodePicture(const Json& j, const std::string& place) 
     return icon;
 }
 
+double NonFinite(const std::string& text, const std::string& place) {
+    const bool negative = !text.empty() && text[0] == '-';
+    const std::string_view magnitude = std::string_view(text).substr(negative ? 1 : 0);
+    double v;
+    if (magnitude == "inf") v = std::numeric_limits<double>::infinity();
+    else if (magnitude == "nan") v = std::numeric_limits<double>::quiet_NaN();
+    else Fail(place, "expected inf, -inf, nan or -nan");
+    return negative ? -v : v;
+}
+
 Variant Decode(const Json& j, const std::string& place) {
     switch (j.type()) {
         case Json::value_t::null: return Variant::Null();
@@ -301,6 +320,7 @@ Variant Decode(const Json& j, const std::string& place) {
             const Json& value = only.value();
             const std::string inner = place + "." + key;
             if (key == "date") return Variant::FromDate(ParseIso(Text(value, inner), inner));
+            if (key == "number") return Variant(NonFinite(Text(value, inner), inner));
             if (key == "bytes") return Variant(TextOrBytes(j, place, 1u << 20));
             if (key == "nothing") return Variant::Nothing();
             if (key == "empty") return Variant();

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 // The form file: a form's controls, each with class, name, geometry and
 // stored properties, as JSON (fonts as objects, pictures as embedded
-// bitmap files in base64, texts that are not UTF-8 as {"bytes": base64}). Reading validates the
+// bitmap files in base64, texts that are not UTF-8 as {"bytes": base64}, numbers JSON cannot
+// hold as {"number": "inf" | "-inf" | "nan" | "-nan"}). Reading validates the
 // whole file first, so a corrupt or hostile file is refused with the place of the fault and nothing
 // half-read is ever used.
 #pragma once

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "host/FormFile.h"
 
-#include <gtest/gtest.h>
-
+#include <cmath>
 #include <filesystem>
+#include <limits>
+
+#include <gtest/gtest.h>
 
 #include "common/Font.h"
 #include "common/Picture.h"
@@ -80,6 +82,37 @@ TEST(FormFile, EveryKindOfValueSurvivesARoundTrip) {
         EXPECT_TRUE(SameValue(out[i].second, in[i].second)) << in[i].first;
     }
     EXPECT_EQ(out[0].second.Type(), VarType::Date);
+}
+
+// Found by fuzzing: a Double property that dispatch had set to NaN was
+// written as JSON's null and loaded back as Null. Infinities and NaNs keep
+// their value and sign.
+TEST(FormFile, NumbersJsonCannotHoldLoadBackAsTheyWere) {
+    const double inf = std::numeric_limits<double>::infinity();
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    const double values[] = {inf, -inf, nan, -nan};
+    Form form;
+    FormControl c{"ProgressBox", "bar", 0, 0, 10, 10, {}};
+    for (std::size_t i = 0; i < std::size(values); ++i)
+        c.properties.Set("P" + std::to_string(i), Variant(values[i]));
+    form.controls.push_back(c);
+    const std::string text = WriteForm(form);
+    EXPECT_NE(text.find(R"("number": "-nan")"), std::string::npos) << text;
+    const auto& out = ReadForm(text, "form.json", KnownClass).controls.at(0).properties.Entries();
+    ASSERT_EQ(out.size(), std::size(values));
+    for (std::size_t i = 0; i < out.size(); ++i) {
+        ASSERT_EQ(out[i].second.Type(), VarType::Double) << i;
+        const double v = out[i].second.ToDouble();
+        EXPECT_EQ(std::isnan(v), std::isnan(values[i])) << i;
+        EXPECT_EQ(std::signbit(v), std::signbit(values[i])) << i;
+        if (!std::isnan(v)) {
+            EXPECT_EQ(v, values[i]);
+        }
+    }
+    EXPECT_NE(ReadError(R"({"format":"kelvarin-form","version":1,"controls":[{"class":"DateBox",
+        "name":"d","left":0,"top":0,"width":1,"height":1,"properties":{"T":{"number":"1e999"}}}]})")
+                  .find("properties.T.number: expected inf, -inf, nan or -nan"),
+              std::string::npos);
 }
 
 // Found by fuzzing: a text property or a font name that is not UTF-8 (the
