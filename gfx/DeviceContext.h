@@ -4,7 +4,9 @@
 // BitBlt copies between two of them with a raster operation, clipped to both.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <span>
 
 #include "common/Picture.h"
@@ -48,6 +50,24 @@ protected:
 };
 
 bool IsKnownRasterOp(std::uint32_t rop) noexcept;
+
+// Fills `height` rows of `width` 24-bit pixels (blue, green, red bytes) with
+// one colour, from `first`, each row `stride` bytes after the one before.
+// The caller has clipped the rectangle. The first row is written sixteen
+// pixels at a time, and every other row is a copy of it.
+inline void FillPixels24(std::uint8_t* first, std::ptrdiff_t stride, int width, int height,
+                         const std::uint8_t (&bgr)[3]) noexcept {
+    if (width <= 0 || height <= 0) return;
+    std::uint8_t pattern[48];
+    for (int i = 0; i < 48; i += 3) std::memcpy(pattern + i, bgr, 3);
+    const auto rowBytes = static_cast<std::size_t>(width) * 3;
+    std::uint8_t* p = first;
+    std::size_t left = rowBytes;
+    for (; left >= sizeof pattern; left -= sizeof pattern, p += sizeof pattern)
+        std::memcpy(p, pattern, sizeof pattern);
+    std::memcpy(p, pattern, left);
+    for (int y = 1; y < height; ++y) std::memcpy(first + y * stride, first, rowBytes);
+}
 
 // Copies width x height pixels from src at (srcX, srcY) to dst at (dstX, dstY)
 // with the raster operation, as a block transfer does: the rectangle is

@@ -256,8 +256,11 @@ ControlWidget* ControlWidget::Of(host::Control& control) noexcept {
 
 // System colours are the widget's own palette's while f runs, so a palette
 // set on a parent or on the widget is what the control paints with.
+// Each call into the control is one paint pass: a redraw inside it pays for
+// one painter, ended before anything outside reads the image.
 bool ControlWidget::guard(const char* where, const std::function<void()>& f) const noexcept {
     const ScopedSysColors colors(sysColors_);
+    const TextPainter::Pass pass(*text_);
     const Failure failure = Guard(f);
     if (failure) report(where, failure);
     return !failure;
@@ -463,9 +466,15 @@ host::FormControl ControlWidget::toFormControl() {
 
 // ---- Frame and surface ------------------------------------------------------------------
 
+const QImage& ControlWidget::image() const noexcept {
+    text_->End();
+    return image_;
+}
+
 void ControlWidget::resizeImage() {
     const QSize size = this->size();
     if (image_.size() != size) {
+        text_->End();  // the painter goes with the image it paints
         image_ =
             QImage(std::max(size.width(), 0), std::max(size.height(), 0), QImage::Format_BGR888);
         const ScopedSysColors colors(sysColors_);
@@ -624,8 +633,7 @@ void ControlWidget::setDisplayAsDefault(bool value) {
 
 // ---- Qt events ---------------------------------------------------------------------------------
 
-// Qt blends a 24-bit image through its general per-pixel path; the exposed
-// part copied to 32 bits first is a plain copy for it, several times faster.
+// The exposed part is shown through a 32-bit copy (CopyForShowing).
 void ControlWidget::paintEvent(QPaintEvent* event) {
     const QRect exposed = event->rect().intersected(image_.rect());
     if (exposed.isEmpty()) return;
@@ -636,28 +644,14 @@ void ControlWidget::paintEvent(QPaintEvent* event) {
         text_->SetRecording(ratio > 1);
         if (control_ && placed_) guard("DisplayChanged", [&] { control_->DisplayChanged(); });
     }
+    // A paint may come inside a call into the control (DoEvents): its
+    // painter is ended before the image is read, and begun again after.
+    text_->End();
     if (ratio > 1) {
         QPainter(this).drawImage(QPoint(0, 0), text_->ShowAtRatio(image_, ratio));
         return;
     }
-    if (shown_.width() < exposed.width() || shown_.height() < exposed.height())
-        shown_ = QImage(image_.size(), QImage::Format_RGB32);
-    const int w = exposed.width();
-    for (int y = 0; y < exposed.height(); ++y) {
-        const uchar* in = image_.constScanLine(exposed.top() + y) + 3 * exposed.left();
-        auto* out = reinterpret_cast<QRgb*>(shown_.scanLine(y));
-        int x = 0;
-        if constexpr (Q_BYTE_ORDER == Q_LITTLE_ENDIAN) {
-            // Blue, green, red and the next pixel's blue, read as one word
-            // whose top byte becomes the opaque alpha.
-            for (; x + 1 < w; ++x, in += 3) {
-                quint32 word;
-                std::memcpy(&word, in, 4);
-                out[x] = word | 0xFF000000u;
-            }
-        }
-        for (; x < w; ++x, in += 3) out[x] = qRgb(in[2], in[1], in[0]);
-    }
+    CopyForShowing(image_, exposed, shown_);
     QPainter painter(this);
     painter.drawImage(exposed.topLeft(), shown_, QRect(QPoint(0, 0), exposed.size()));
 }

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <cstring>
 
 namespace kelvarin::qt {
 
@@ -30,6 +31,7 @@ OLE_COLOR ImageSurface::GetPixel(host::Point p) const {
     return RGB(px[2], px[1], px[0]);
 }
 
+// Clipped once to the view and the image, then written a row at a time.
 void ImageSurface::FillRect(const host::Rect& rect, OLE_COLOR color) {
     const QRect visible = view_.intersected(image_.rect()).translated(-view_.topLeft());
     const int l = std::max(rect.left, visible.left()), t = std::max(rect.top, visible.top());
@@ -39,10 +41,7 @@ void ImageSurface::FillRect(const host::Rect& rect, OLE_COLOR color) {
     const std::uint8_t bgr[3] = {static_cast<std::uint8_t>(BlueOf(color)),
                                  static_cast<std::uint8_t>(GreenOf(color)),
                                  static_cast<std::uint8_t>(RedOf(color))};
-    for (int y = t; y < b; ++y) {
-        std::uint8_t* px = Pixel(l, y);
-        for (int x = l; x < r; ++x, px += 3) std::copy(bgr, bgr + 3, px);
-    }
+    FillPixels24(Pixel(l, t), image_.bytesPerLine(), r - l, b - t, bgr);
 }
 
 int ImageSurface::DrawText(std::string_view text, host::Rect& rect, unsigned format,
@@ -60,6 +59,28 @@ const std::uint8_t* ImageSurface::ScanLine(int y) const {
 
 std::uint8_t* ImageSurface::WritableScanLine(int y) {
     return image_.scanLine(view_.top() + y) + static_cast<std::ptrdiff_t>(view_.left()) * 3;
+}
+
+void CopyForShowing(const QImage& image, const QRect& part, QImage& shown) {
+    if (shown.format() != QImage::Format_RGB32 || shown.width() < part.width() ||
+        shown.height() < part.height())
+        shown = QImage(part.size().expandedTo(image.size()), QImage::Format_RGB32);
+    const int w = part.width();
+    for (int y = 0; y < part.height(); ++y) {
+        const uchar* in = image.constScanLine(part.top() + y) + 3 * part.left();
+        auto* out = reinterpret_cast<QRgb*>(shown.scanLine(y));
+        int x = 0;
+        if constexpr (Q_BYTE_ORDER == Q_LITTLE_ENDIAN) {
+            // Blue, green, red and the next pixel's blue, read as one word
+            // whose top byte becomes the opaque alpha.
+            for (; x + 1 < w; ++x, in += 3) {
+                quint32 word;
+                std::memcpy(&word, in, 4);
+                out[x] = word | 0xFF000000u;
+            }
+        }
+        for (; x < w; ++x, in += 3) out[x] = qRgb(in[2], in[1], in[0]);
+    }
 }
 
 }  // namespace kelvarin::qt

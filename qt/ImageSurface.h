@@ -47,4 +47,10 @@ private:
     QRect view_;
 };
 
+// Copies `part` of a 24-bit image to the top-left of `shown`, which is made
+// Qt's own 32-bit format and at least the part's size. Qt blends a 24-bit
+// image through its general per-pixel path; this copy, drawn instead, is a
+// plain copy for it, several times faster, with the same pixels.
+void CopyForShowing(const QImage& image, const QRect& part, QImage& shown);
+
 }  // namespace kelvarin::qt

@@ -99,16 +99,25 @@ void PopupWindow::closeIfDone() {
 
 void PopupWindow::paintEvent(QPaintEvent*) {
     const host::Size size = popup_.ClientSize();
+    text_.End();  // no painter outlives a paint; this one would go with a replaced image
     if (image_.width() != size.width || image_.height() != size.height)
         image_ = QImage(std::max(size.width, 1), std::max(size.height, 1), QImage::Format_BGR888);
-    image_.fill(Qt::white);
     surface_.SetView(image_.rect());
+    surface_.FillRect({0, 0, image_.width(), image_.height()}, RGB(255, 255, 255));
     // Sharp text above a device pixel ratio of 1 (see qt/QtText.h).
     const qreal ratio = devicePixelRatioF();
     text_.SetRecording(ratio > 1);
-    guard("Paint", [&] { popup_.Paint(surface_); });
-    if (ratio > 1) QPainter(this).drawImage(0, 0, text_.ShowAtRatio(image_, ratio));
-    else QPainter(this).drawImage(0, 0, image_);
+    {
+        // One painter for the whole paint.
+        const TextPainter::Pass pass(text_);
+        guard("Paint", [&] { popup_.Paint(surface_); });
+    }
+    if (ratio > 1) {
+        QPainter(this).drawImage(0, 0, text_.ShowAtRatio(image_, ratio));
+        return;
+    }
+    CopyForShowing(image_, image_.rect(), shown_);
+    QPainter(this).drawImage(QPoint(0, 0), shown_, image_.rect());
 }
 
 void PopupWindow::keyPressEvent(QKeyEvent* event) {

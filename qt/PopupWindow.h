@@ -51,6 +51,7 @@ private:
 
     host::Popup& popup_;
     QImage image_;
+    QImage shown_;  // the image in Qt's own 32-bit format
     TextPainter text_;
     ImageSurface surface_;
     QEventLoop loop_;

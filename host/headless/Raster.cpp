@@ -21,8 +21,10 @@ void Raster::Resize(int w, int h, OLE_COLOR fill) {
     width = std::max(w, 0);
     height = std::max(h, 0);
     bgr.assign(static_cast<std::size_t>(width) * height * 3, 0);
-    for (int y = 0; y < height; ++y)
-        for (int x = 0; x < width; ++x) Put(x, y, fill);
+    const std::uint8_t pixel[3] = {static_cast<std::uint8_t>(BlueOf(fill)),
+                                   static_cast<std::uint8_t>(GreenOf(fill)),
+                                   static_cast<std::uint8_t>(RedOf(fill))};
+    FillPixels24(bgr.data(), static_cast<std::ptrdiff_t>(width) * 3, width, height, pixel);
 }
 
 OLE_COLOR Raster::Get(int x, int y) const {
@@ -60,21 +62,18 @@ OLE_COLOR RasterSurface::GetPixel(Point p) const {
     return Inside(p.x, p.y) ? raster_->Get(p.x + view_.left, p.y + view_.top) : 0;
 }
 
-// Clipped once to the view and the raster, then written row by row.
+// Clipped once to the view and the raster, then written a row at a time.
 void RasterSurface::FillRect(const Rect& rect, OLE_COLOR color) {
     const int l = std::max({rect.left, 0, -view_.left}), t = std::max({rect.top, 0, -view_.top});
     const int r = std::min({rect.right, Width(), raster_->width - view_.left});
     const int b = std::min({rect.bottom, Height(), raster_->height - view_.top});
     if (l >= r || t >= b) return;
-    const std::uint8_t pixel[3] = {static_cast<std::uint8_t>(BlueOf(color)),
-                                   static_cast<std::uint8_t>(GreenOf(color)),
-                                   static_cast<std::uint8_t>(RedOf(color))};
-    for (int y = t; y < b; ++y) {
-        std::uint8_t* p =
-            raster_->bgr.data() +
-            (static_cast<std::size_t>(y + view_.top) * raster_->width + l + view_.left) * 3;
-        for (int x = l; x < r; ++x, p += 3) std::copy(pixel, pixel + 3, p);
-    }
+    const std::uint8_t bgr[3] = {static_cast<std::uint8_t>(BlueOf(color)),
+                                 static_cast<std::uint8_t>(GreenOf(color)),
+                                 static_cast<std::uint8_t>(RedOf(color))};
+    const auto stride = static_cast<std::ptrdiff_t>(raster_->width) * 3;
+    FillPixels24(raster_->bgr.data() + (t + view_.top) * stride + (l + view_.left) * 3, stride,
+                 r - l, b - t, bgr);
 }
 
 Size RasterSurface::MeasureText(std::string_view text, const Font& font) {

@@ -207,7 +207,7 @@ public:
     bool displayAsDefault() const noexcept { return displayAsDefault_; }
     void setDisplayAsDefault(bool value);
     // The image as shown, frame included (for tests and screenshots).
-    const QImage& image() const noexcept { return image_; }
+    const QImage& image() const noexcept;
 
 protected:
     // ---- Qt events: translated and forwarded -----------------------------------

@@ -190,5 +190,32 @@ TEST(PictureDC, RendersBitmapsAndIconsOnTheBackColour) {
     EXPECT_EQ(BitmapDC(*metafile).ScanLine(0), nullptr);
 }
 
+// A rectangle filled a row at a time holds the colour in every pixel of it
+// and leaves every byte around it, the rows' padding too, as it was.
+TEST(FillPixels24, FillsEveryPixelOfTheRectangleAndNothingElse) {
+    const std::uint8_t bgr[3] = {0x11, 0x22, 0x33};
+    for (int width : {1, 5, 7, 15, 16, 17, 31, 33, 70}) {
+        for (int height : {1, 2, 5}) {
+            SCOPED_TRACE(std::to_string(width) + " x " + std::to_string(height));
+            const int stride = (width + 5) * 3 + 2;  // three pixels each side, and padding
+            std::vector<std::uint8_t> bytes(static_cast<std::size_t>(stride * (height + 2)), 0xEE);
+            FillPixels24(bytes.data() + stride + 9, stride, width, height, bgr);
+            for (int y = 0; y < height + 2; ++y) {
+                for (int i = 0; i < stride; ++i) {
+                    const int x = i / 3 - 3;
+                    const bool inside = y >= 1 && y <= height && i >= 9 && x < width;
+                    const std::uint8_t expected = inside ? bgr[i % 3] : 0xEE;
+                    ASSERT_EQ(bytes[static_cast<std::size_t>(y * stride + i)], expected)
+                        << "row " << y << " byte " << i;
+                }
+            }
+        }
+    }
+    std::vector<std::uint8_t> untouched(12, 0xEE);
+    FillPixels24(untouched.data(), 12, 0, 3, bgr);
+    FillPixels24(untouched.data(), 12, 4, 0, bgr);
+    EXPECT_EQ(untouched, std::vector<std::uint8_t>(12, 0xEE));
+}
+
 }  // namespace
 }  // namespace kelvarin

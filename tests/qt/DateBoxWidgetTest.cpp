@@ -251,6 +251,59 @@ TEST(DateBoxWidgetTest, F4AndAltDownDropTheCalendarBelowTheField) {
     EXPECT_EQ(placed.top(), moved.y() - placed.height());
 }
 
+// A field that has drawn other dates, in another font, colour and size,
+// keeps its painter and shaped lines only as long as they hold: it shows
+// what a new field with its last settings shows, and no painter is left on
+// its image between calls.
+TEST(DateBoxWidgetTest, AFieldRedrawnAfterChangesShowsWhatANewFieldShows) {
+    const QFont serif(QStringLiteral("DejaVu Serif"), 11);
+    const auto last = [&](DateBoxWidget& w) {
+        w.resize(190, 30);
+        w.SetFont(serif);
+        w.setForeColor(QColor(200, 0, 0));
+        w.setBackColor(QColor(250, 250, 210));
+        w.SetValue(At(2009, 1, 14));
+    };
+    DateBoxWidget kept;
+    kept.resize(160, 24);
+    kept.show();
+    for (int day = 1; day <= 28; day += 9) {
+        kept.SetValue(At(2007, 3, day));
+        kept.repaint();
+        EXPECT_FALSE(kept.image().paintingActive());
+    }
+    kept.SetValue(At(2008, 11, 27));
+    last(kept);
+    QApplication::processEvents();
+
+    DateBoxWidget fresh;
+    last(fresh);
+    fresh.show();
+    QApplication::processEvents();
+    EXPECT_EQ(kept.image(), fresh.image());
+    EXPECT_FALSE(kept.image().paintingActive());
+}
+
+// The calendar painted again after its month and highlight went away and
+// came back shows what it showed when it opened.
+TEST(DateBoxWidgetTest, TheCalendarRepaintedAfterMovingBackShowsWhatItOpenedWith) {
+    Form form;
+    DateBoxWidget* box = form.box;
+    box->SetValue(At(2020, 3, 15));
+    QImage opened, back;
+    WhenOpen([&](QWidget* popup) {
+        opened = popup->grab().toImage();
+        for (Qt::Key k : {Qt::Key_PageUp, Qt::Key_Left, Qt::Key_Right, Qt::Key_PageDown,
+                          Qt::Key_PageDown, Qt::Key_PageUp})
+            QTest::keyClick(popup, k);
+        back = popup->grab().toImage();
+        QTest::keyClick(popup, Qt::Key_Escape);
+    });
+    QTest::keyClick(box, Qt::Key_F4);
+    ASSERT_FALSE(opened.isNull());
+    EXPECT_EQ(back, opened);
+}
+
 // The calendar opened by its button gives the field back selected whole,
 // as F4 does, and a click on another widget while it is open closes it and
 // reaches that widget.

@@ -30,7 +30,7 @@ except ImportError:
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
 from gallery_x11 import (SKIPPED, STEP_SECONDS, Failure, Gallery, XServer, click_at, end,  # noqa: E402
-                         places, xdotool)
+                         failed, places, xdotool)
 
 BUS_LAUNCHER = "/usr/libexec/at-spi-bus-launcher"
 INSIDE_SESSION = "KELVARIN_ATSPI_SESSION"
@@ -193,16 +193,7 @@ def main():
         print(f"{len(steps)} passed, 0 failed  ({time.monotonic() - started:.1f} s)")
         return 0
     except (Failure, subprocess.TimeoutExpired) as failure:
-        print(f"FAILED: {failure}")
-        if gallery:
-            print("The last lines the gallery printed:")
-            for line in gallery.seen[-20:]:
-                print("  " + line)
-            errors = gallery.stderr().strip()
-            if errors:
-                print("and on standard error:\n" + errors[-3000:])
-        print("0 passed, 1 failed")
-        return 1
+        return failed(failure, gallery)
 
 
 if __name__ == "__main__":

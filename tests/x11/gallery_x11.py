@@ -233,6 +233,20 @@ def drive(gallery, display):
     return steps, time.monotonic() - started
 
 
+def failed(failure, gallery):
+    """Says what failed and what the gallery printed last; returns the exit status."""
+    print(f"FAILED: {failure}")
+    if gallery:
+        print("The last lines the gallery printed:")
+        for line in gallery.seen[-40:]:
+            print("  " + line)
+        errors = gallery.stderr().strip()
+        if errors:
+            print("and on standard error:\n" + errors[-3000:])
+    print("0 passed, 1 failed")
+    return 1
+
+
 def main():
     if len(sys.argv) != 2:
         print(__doc__.strip().splitlines()[-1], file=sys.stderr)
@@ -252,16 +266,7 @@ def main():
         print(f"{len(steps)} passed, 0 failed  ({seconds:.1f} s)")
         return 0
     except (Failure, subprocess.TimeoutExpired) as failure:
-        print(f"FAILED: {failure}")
-        if gallery:
-            print("The last lines the gallery printed:")
-            for line in gallery.seen[-40:]:
-                print("  " + line)
-            errors = gallery.stderr().strip()
-            if errors:
-                print("and on standard error:\n" + errors[-3000:])
-        print("0 passed, 1 failed")
-        return 1
+        return failed(failure, gallery)
 
 
 if __name__ == "__main__":
