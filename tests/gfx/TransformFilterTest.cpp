@@ -335,7 +335,8 @@ TEST(FastPaths, CustomKernelsWith32BitSumsMatchThePlainLoop) {
             }
             // Scaled down to the largest sums where they go past them.
             for (Long& k : kernel) {
-                if (reach > kLargestReach) k = static_cast<Long>(k * kLargestReach / reach);
+                if (reach > kLargestReach)
+                    k = static_cast<Long>(std::int64_t{k} * kLargestReach / reach);
                 total += k;
             }
             const Long weights[] = {
