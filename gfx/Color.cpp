@@ -116,7 +116,7 @@ inline std::uint8_t WeightedGrey(unsigned s) {
     return static_cast<std::uint8_t>(q);
 }
 
-// The fade's division as the vector kernel does it (see FadeRowSimd), or
+// The fade's division as the vector kernel does it (see FadeSimd), or
 // shift -1 where none gives every entry of the tables.
 struct FadeDivision {
     int multiplier = 0, shift = -1;
@@ -151,6 +151,37 @@ FadeDivision FadeDivisionOf(const std::uint8_t (&table)[3][256], const int (&par
         }
     }
     return {};
+}
+
+// The shift k where the divisor is 2^k and every part is a whole number
+// from 0 on that keeps every result a byte: then each result is
+// (v + part) >> k, with no table to build or check. Else -1.
+int FadeShiftOf(const double (&part)[3], double divisor) {
+    for (int k = 0; k < 8; ++k) {
+        if (divisor != static_cast<double>(1 << k)) continue;
+        for (const double p : part) {
+            if (!(p >= 0) || (p + 255) / divisor >= 256) return -1;
+        }
+        return k;
+    }
+    return -1;
+}
+
+// The pixels of every row from column done on whose bytes are not the
+// mask's: byte c becomes result(c, byte).
+template <typename Rows, typename Result>
+void FadeColumns(Rows rows, Long done, const std::uint8_t (&mask)[3], Result result) {
+    for (Long y = 0; y < rows.height; ++y) {
+        std::uint8_t* p = rows.Row(y) + 3 * static_cast<std::ptrdiff_t>(done);
+        std::uint8_t* const end = rows.Row(y) + 3 * static_cast<std::ptrdiff_t>(rows.width);
+        for (; p != end; p += 3) {
+            const std::uint8_t b = p[0], g = p[1], r = p[2];
+            if (b == mask[0] && g == mask[1] && r == mask[2]) continue;
+            p[0] = result(0, b);
+            p[1] = result(1, g);
+            p[2] = result(2, r);
+        }
+    }
 }
 
 }  // namespace
@@ -254,8 +285,11 @@ void clsGFX_2D::Color_Replace(Long lngOriginal, Long lngReplace) {
     const auto o2 = static_cast<std::uint8_t>(lngOriginal >> 16 & 255);
     const std::uint8_t from[3] = {o2, o1, o0};
     const std::uint8_t to[3] = {BlueByte(lngReplace), GreenByte(lngReplace), RedByte(lngReplace)};
+    // Vector kernel for whole blocks of pixels of every row where there is
+    // one, then this loop.
+    const Long done =
+        bpp == 3 ? ReplaceSimd(rows.base, rows.stride, rows.width, rows.height, from, to) : 0;
     for (Long y = 0; y < rows.height; ++y) {
-        const Long done = bpp == 3 ? ReplaceRowSimd(rows.Row(y), rows.width, from, to) : 0;
         std::uint8_t* p = rows.Row(y) + static_cast<std::ptrdiff_t>(done) * bpp;
         for (Long x = done; x < rows.width; ++x, p += bpp) {
             switch (bpp) {
@@ -290,6 +324,18 @@ bool clsGFX_2D::Color_FadeTo(Long lngMaskColor, Long lngFadeTo, double dblFadeWe
     const auto m0 = static_cast<std::uint8_t>(maskBits);
     const auto m1 = static_cast<std::uint8_t>(maskBits >> 8);
     const auto m2 = static_cast<std::uint8_t>(maskBits >> 16);
+    const std::uint8_t maskBytes[3] = {m0, m1, m2};
+
+    if (const int shift = SimdEnabled() ? FadeShiftOf(part, divisor) : -1; shift >= 0) {
+        const int parts[3] = {static_cast<int>(part[0]), static_cast<int>(part[1]),
+                              static_cast<int>(part[2])};
+        const Long done =
+            FadeSimd(rows.base, rows.stride, rows.width, rows.height, maskBytes, parts, 0, shift);
+        FadeColumns(rows, done, maskBytes, [&](int c, std::uint8_t v) {
+            return static_cast<std::uint8_t>((v + parts[c]) >> shift);
+        });
+        return true;
+    }
 
     // Result of every byte value per channel; a negative entry is the host
     // error that value raises (a weight of -1 divides by zero, weights
@@ -322,28 +368,17 @@ bool clsGFX_2D::Color_FadeTo(Long lngMaskColor, Long lngFadeTo, double dblFadeWe
         for (int c = 0; c < 3; ++c) {
             for (int v = 0; v < 256; ++v) fast[c][v] = static_cast<std::uint8_t>(table[c][v]);
         }
-        const std::uint8_t maskBytes[3] = {m0, m1, m2};
         // A part beyond 16 bits takes the table loop; it is never converted
         // out of int's range.
         int parts[3];
         for (int c = 0; c < 3; ++c)
             parts[c] = part[c] >= 0 && part[c] <= 0xFFFF ? static_cast<int>(part[c]) : -1;
         const FadeDivision division = FadeDivisionOf(fast, parts, divisor);
-        for (Long y = 0; y < rows.height; ++y) {
-            const Long done = division.shift >= 0
-                                  ? FadeRowSimd(rows.Row(y), rows.width, maskBytes, parts,
-                                                division.multiplier, division.shift)
-                                  : 0;
-            std::uint8_t* p = rows.Row(y) + 3 * static_cast<std::ptrdiff_t>(done);
-            std::uint8_t* const end = rows.Row(y) + 3 * static_cast<std::ptrdiff_t>(rows.width);
-            for (; p != end; p += 3) {
-                const std::uint8_t b = p[0], g = p[1], r = p[2];
-                if (b == m0 && g == m1 && r == m2) continue;
-                p[0] = fast[0][b];
-                p[1] = fast[1][g];
-                p[2] = fast[2][r];
-            }
-        }
+        const Long done = division.shift >= 0
+                              ? FadeSimd(rows.base, rows.stride, rows.width, rows.height, maskBytes,
+                                         parts, division.multiplier, division.shift)
+                              : 0;
+        FadeColumns(rows, done, maskBytes, [&](int c, std::uint8_t v) { return fast[c][v]; });
         return true;
     }
     // Some byte value fails: the first pixel that has one raises, after the

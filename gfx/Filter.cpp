@@ -104,10 +104,11 @@ void ConvolveBytes(const std::uint8_t* const* src, const std::vector<Tap>& taps,
 
 #if KELVARIN_X86
 // The 256-bit kernel for kernels whose sums stay within 16 bits (every
-// built-in one): 32 output bytes per step, widened to two vectors of 16-bit
-// sums. The quotient is the truncated product with the reciprocal of the
-// weight rounded away from zero, which equals the truncated quotient for
-// sums below 2^15 in magnitude and weights up to 2^16.
+// built-in one), where no 512-bit vectors run: 32 output bytes per step,
+// widened to two vectors of 16-bit sums. The quotient is the truncated
+// product with the reciprocal of the weight rounded away from zero, which
+// equals the truncated quotient for sums below 2^15 in magnitude and
+// weights up to 2^16.
 struct WideConvolution {
     // The taps of 1, then those of -1, then the others, each group with a
     // loop of its own without branches: the sums wrap modulo 2^16 and stay
@@ -291,7 +292,8 @@ Sums32 PrepareSums32(const Convolution& f) {
 #endif
 
 // Which row kernel: bytes one at a time, or vectors with 16-bit sums
-// (256 bits) or with 32-bit sums (at the widest vectors enabled).
+// (256 bits, the widest enabled) or with 32-bit sums (at the widest vectors
+// enabled).
 enum class RowKernel { Bytes, Sums16, Sums32 };
 
 // Row by row in place: the original of the rows at and below the current
@@ -767,8 +769,11 @@ void clsGFX_2D::Filter_StandardFilter(Long lngFilterType, Long lngAddColor) {
         ConvolvePlain(rows, f);  // sums that may leave 32 bits are checked
         return;
     }
-    const bool sums16 =
-        Avx2Enabled() && reach <= INT16_MAX && f.weight >= -65536 && f.weight <= 65536;
+    // The 16-bit kernel is 256 bits wide. Where 512-bit vectors run, the
+    // kernel for 32-bit sums at that width is the faster one for every
+    // kernel from 3 x 3 to 9 x 9, ones or other weights, so it takes them all.
+    const bool sums16 = Avx2Enabled() && !Avx512Enabled() && reach <= INT16_MAX &&
+                        f.weight >= -65536 && f.weight <= 65536;
     ConvolveRows(rows, f, sums16 ? RowKernel::Sums16 : RowKernel::Sums32);
 }
 

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "gfx/Simd.h"
 
+#include <algorithm>
 #include <array>
+#include <cstddef>
 #include <type_traits>
 #include <utility>
 
@@ -257,9 +259,17 @@ Long GrayRowSimd(std::uint8_t* row, Long width, std::uint8_t maskBlue, std::uint
     return Widest(v512::Gray, v256::Gray, v128::Gray, row, width, mask, weighted);
 }
 
-Long FadeRowSimd(std::uint8_t* row, Long width, const std::uint8_t mask[3], const int part[3],
-                 int multiplier, int shift) noexcept {
-    return Widest(v512::Fade, v256::Fade, v128::Fade, row, width, mask, part, multiplier, shift);
+Long FadeSimd(std::uint8_t* first, std::ptrdiff_t stride, Long width, Long height,
+              const std::uint8_t mask[3], const int part[3], int multiplier, int shift) noexcept {
+    if (!g_enabled || height <= 0) return 0;
+    if (g_avx512vbmi)
+        return v512::Fade(first, stride, width, height, mask, part, multiplier, shift);
+    Long done = 0;
+    for (Long y = 0; y < height; ++y, first += stride) {
+        done = g_avx2 ? v256::Fade(first, width, mask, part, multiplier, shift) : 0;
+        done += v128::Fade(first + 3 * done, width - done, mask, part, multiplier, shift);
+    }
+    return done;
 }
 
 bool FadeTableSimd(const double part[3], double divisor, std::int16_t outside,
@@ -275,9 +285,16 @@ bool FadeTableSimd(const double part[3], double divisor, std::int16_t outside,
     return false;
 }
 
-Long ReplaceRowSimd(std::uint8_t* row, Long width, const std::uint8_t from[3],
-                    const std::uint8_t to[3]) noexcept {
-    return Widest(v512::Replace, v256::Replace, v128::Replace, row, width, from, to);
+Long ReplaceSimd(std::uint8_t* first, std::ptrdiff_t stride, Long width, Long height,
+                 const std::uint8_t from[3], const std::uint8_t to[3]) noexcept {
+    if (!g_enabled || height <= 0) return 0;
+    if (g_avx512vbmi) return v512::Replace(first, stride, width, height, from, to);
+    Long done = 0;
+    for (Long y = 0; y < height; ++y, first += stride) {
+        done = g_avx2 ? v256::Replace(first, width, from, to) : 0;
+        done += v128::Replace(first + 3 * done, width - done, from, to);
+    }
+    return done;
 }
 
 Long InvertRowSimd(std::uint8_t* row, Long width, const std::uint8_t pattern[192]) noexcept {
@@ -296,13 +313,15 @@ Long HslRowSimd(std::uint8_t* row, Long width, HslRow op, std::uint8_t hue,
 Long GrayRowSimd(std::uint8_t*, Long, std::uint8_t, std::uint8_t, std::uint8_t, bool) noexcept {
     return 0;
 }
-Long FadeRowSimd(std::uint8_t*, Long, const std::uint8_t*, const int*, int, int) noexcept {
+Long FadeSimd(std::uint8_t*, std::ptrdiff_t, Long, Long, const std::uint8_t*, const int*, int,
+              int) noexcept {
     return 0;
 }
 bool FadeTableSimd(const double*, double, std::int16_t, std::int16_t (*)[256]) noexcept {
     return false;
 }
-Long ReplaceRowSimd(std::uint8_t*, Long, const std::uint8_t*, const std::uint8_t*) noexcept {
+Long ReplaceSimd(std::uint8_t*, std::ptrdiff_t, Long, Long, const std::uint8_t*,
+                 const std::uint8_t*) noexcept {
     return 0;
 }
 Long InvertRowSimd(std::uint8_t*, Long, const std::uint8_t*) noexcept { return 0; }

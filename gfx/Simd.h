@@ -6,6 +6,7 @@
 // check both.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 #include "common/Numeric.h"
@@ -36,13 +37,15 @@ void LimitVectorBits(int bits) noexcept;
 Long GrayRowSimd(std::uint8_t* row, Long width, std::uint8_t maskBlue, std::uint8_t maskGreen,
                  std::uint8_t maskRed, bool weighted) noexcept;
 
-// Color_FadeTo over one row: every pixel whose bytes are not (mask0,
-// mask1, mask2) gets byte (v + part) * multiplier >> (16 + shift), or with
-// multiplier 0 (v + part) >> shift, with part[0] for blue, [1] green, [2]
-// red; v + part must fit 16 bits and the result 8. Returns how many pixels
-// it did, as GrayRowSimd.
-Long FadeRowSimd(std::uint8_t* row, Long width, const std::uint8_t mask[3], const int part[3],
-                 int multiplier, int shift) noexcept;
+// Color_FadeTo over an image's 24-bit rows: height rows of width pixels
+// from first on, stride bytes apart. Every pixel whose bytes are not
+// (mask0, mask1, mask2) gets byte (v + part) * multiplier >> (16 + shift),
+// or with multiplier 0 (v + part) >> shift, with part[0] for blue, [1]
+// green, [2] red; v + part must fit 16 bits and the result 8. Returns how
+// many pixels of each row it did from the row's start (a multiple of 16,
+// or the width); the caller does the rest.
+Long FadeSimd(std::uint8_t* first, std::ptrdiff_t stride, Long width, Long height,
+              const std::uint8_t mask[3], const int part[3], int multiplier, int shift) noexcept;
 
 // Color_FadeTo's table: entry v of channel c is floor((v + part[c]) /
 // divisor) in double precision where that lies within 0..255, else outside;
@@ -51,10 +54,11 @@ Long FadeRowSimd(std::uint8_t* row, Long width, const std::uint8_t mask[3], cons
 bool FadeTableSimd(const double part[3], double divisor, std::int16_t outside,
                    std::int16_t table[3][256]) noexcept;
 
-// Color_Replace on a 24-bit row: pixels whose bytes are from[0..2] (blue,
-// green, red) become to[0..2]. Returns how many pixels it did, as GrayRowSimd.
-Long ReplaceRowSimd(std::uint8_t* row, Long width, const std::uint8_t from[3],
-                    const std::uint8_t to[3]) noexcept;
+// Color_Replace over an image's 24-bit rows, as FadeSimd: pixels whose
+// bytes are from[0..2] (blue, green, red) become to[0..2]. Returns how many
+// pixels of each row it did, as FadeSimd.
+Long ReplaceSimd(std::uint8_t* first, std::ptrdiff_t stride, Long width, Long height,
+                 const std::uint8_t from[3], const std::uint8_t to[3]) noexcept;
 
 // Color_Invert on a 24-bit row: byte i of every block of 64 pixels XOR
 // pattern[i] (each channel's byte repeated, blue first). Returns how many

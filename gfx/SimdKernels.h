@@ -139,22 +139,59 @@ KELVARIN_TARGET inline void StoreChannels(std::uint8_t* row, const Reg ch[3]) {
     for (int k = 0; k < 3; ++k) StorePart(row, k, Interleave(ch, k));
 }
 
-// Whether a pixel of the block at row has the bytes that pattern holds in
-// memory order: bit i of the three compare masks (one 192-bit number) is
-// byte i, and a pixel matches where bits i to i + 2 are set with i a
-// multiple of 3 (the pixels' first bytes: of register k, bits l with
-// 64k + l a multiple of 3). No permutes, so blocks without a match, the
-// usual case, cost a load and a compare per register.
-KELVARIN_TARGET inline bool AnyPixelIs(const std::uint8_t* row, const Reg pattern[3]) {
+// The byte masks of the three registers of a block's first pixels (at
+// most kPixels): the bytes a kernel may load and store.
+KELVARIN_TARGET inline void BlockBytes(Long pixels, std::uint64_t valid[3]) {
+    for (int k = 0; k < 3; ++k) {
+        const Long bytes = std::clamp<Long>(3 * pixels - 64 * k, 0, 64);
+        valid[k] = bytes == 64 ? ~std::uint64_t{0} : (std::uint64_t{1} << bytes) - 1;
+    }
+}
+
+// The block's three registers in memory order; with kTail only the valid
+// bytes are read (the others are 0 and may lie past the row's end).
+template <bool kTail>
+KELVARIN_TARGET inline void LoadBlock(const std::uint8_t* block, const std::uint64_t valid[3],
+                                      Reg v[3]) {
+#pragma GCC unroll 3
+    for (int k = 0; k < 3; ++k)
+        v[k] = kTail ? _mm512_maskz_loadu_epi8(valid[k], block + 64 * k) : LoadPart(block, k);
+}
+
+// The pixels of a block whose three bytes are those of pattern (in memory
+// order): bit i of the three compare masks (one 192-bit number) is byte i,
+// and a pixel matches where bits i to i + 2 are set with i its first byte
+// (of register k, bits l with 64k + l a multiple of 3). Sets bytes[k] to
+// the matching pixels' bytes; false where none matches, the usual case,
+// which costs no permutes.
+KELVARIN_TARGET inline bool PixelsThatAre(const Reg v[3], const Reg pattern[3],
+                                          std::uint64_t bytes[3]) {
     constexpr std::uint64_t kFirst[3] = {0x9249249249249249, 0x4924924924924924,
                                          0x2492492492492492};
     std::uint64_t m[3];
 #pragma GCC unroll 3
-    for (int k = 0; k < 3; ++k) m[k] = _mm512_cmpeq_epi8_mask(LoadPart(row, k), pattern[k]);
-    const std::uint64_t hit0 = m[0] & (m[0] >> 1 | m[1] << 63) & (m[0] >> 2 | m[1] << 62);
-    const std::uint64_t hit1 = m[1] & (m[1] >> 1 | m[2] << 63) & (m[1] >> 2 | m[2] << 62);
-    const std::uint64_t hit2 = m[2] & m[2] >> 1 & m[2] >> 2;
-    return ((hit0 & kFirst[0]) | (hit1 & kFirst[1]) | (hit2 & kFirst[2])) != 0;
+    for (int k = 0; k < 3; ++k) m[k] = _mm512_cmpeq_epi8_mask(v[k], pattern[k]);
+    const std::uint64_t first0 =
+        m[0] & (m[0] >> 1 | m[1] << 63) & (m[0] >> 2 | m[1] << 62) & kFirst[0];
+    const std::uint64_t first1 =
+        m[1] & (m[1] >> 1 | m[2] << 63) & (m[1] >> 2 | m[2] << 62) & kFirst[1];
+    const std::uint64_t first2 = m[2] & m[2] >> 1 & m[2] >> 2 & kFirst[2];
+    if ((first0 | first1 | first2) == 0) [[likely]]
+        return false;
+    // A pixel's second and third bytes may lie in the next register.
+    bytes[0] = first0 | first0 << 1 | first0 << 2;
+    bytes[1] = first1 | first1 << 1 | first1 << 2 | first0 >> 62 | first0 >> 63;
+    bytes[2] = first2 | first2 << 1 | first2 << 2 | first1 >> 62 | first1 >> 63;
+    return true;
+}
+
+// Three bytes (one pixel) repeated over a block in memory order.
+KELVARIN_TARGET inline void InMemory(const std::uint8_t bytes[3], Reg out[3]) {
+    Reg ch[3];
+#pragma GCC unroll 3
+    for (int c = 0; c < 3; ++c) ch[c] = _mm512_set1_epi8(static_cast<char>(bytes[c]));
+#pragma GCC unroll 3
+    for (int k = 0; k < 3; ++k) out[k] = Interleave(ch, k);
 }
 
 #else
@@ -264,6 +301,115 @@ KELVARIN_TARGET inline Reg FadeWords(Reg v, Reg part, Reg multiplier, __m128i co
     return VEC(srl_epi16)(kMultiply ? VEC(mulhi_epu16)(n, multiplier) : n, count);
 }
 
+#if KELVARIN_SIMD_BITS == 512
+
+// At this width Fade and Replace take a whole image: height rows of width
+// pixels from first on, stride bytes apart. Each row ends in a block of its
+// last pixels read and written through byte masks, so one call does every
+// pixel, and what a call sets up is set up once. Both work on bytes in
+// memory order, where the byte compares find the pixels that match and a
+// byte's channel is fixed by its place in the block: no permutes per block.
+
+// Every byte of the block not in a pixel that is the mask (in memory
+// order) becomes (v + part) * multiplier >> (16 + shift), or without a
+// multiplier (v + part) >> shift, part being the byte's channel's in the
+// layout of the unpacks.
+template <bool kMultiply, bool kTail>
+KELVARIN_TARGET inline void FadeBlock(std::uint8_t* block, const std::uint64_t valid[3],
+                                      const Reg mask[3], const Reg partLo[3], const Reg partHi[3],
+                                      Reg times, __m128i count) {
+    const Reg zero = _mm512_setzero_si512();
+    Reg v[3];
+    LoadBlock<kTail>(block, valid, v);
+    std::uint64_t keep[3] = {0, 0, 0};
+    PixelsThatAre(v, mask, keep);
+#pragma GCC unroll 3
+    for (int k = 0; k < 3; ++k) {
+        const Reg lo =
+            FadeWords<kMultiply>(_mm512_unpacklo_epi8(v[k], zero), partLo[k], times, count);
+        const Reg hi =
+            FadeWords<kMultiply>(_mm512_unpackhi_epi8(v[k], zero), partHi[k], times, count);
+        _mm512_mask_storeu_epi8(block + 64 * k, valid[k] & ~keep[k], _mm512_packus_epi16(lo, hi));
+    }
+}
+
+template <bool kMultiply>
+KELVARIN_TARGET void FadeImage(std::uint8_t* first, std::ptrdiff_t stride, Long width, Long height,
+                               const std::uint8_t* mask, const int* part, int multiplier,
+                               int shift) {
+    const __m128i count = _mm_cvtsi32_si128(shift);
+    const Reg times = _mm512_set1_epi16(static_cast<short>(multiplier));
+    // The parts' low and high bytes in memory order, unpacked together as
+    // the pixel bytes are unpacked with zeros.
+    std::uint8_t low[3], high[3];
+    for (int c = 0; c < 3; ++c) {
+        low[c] = static_cast<std::uint8_t>(part[c]);
+        high[c] = static_cast<std::uint8_t>(part[c] >> 8);
+    }
+    Reg maskBytes[3], lows[3], highs[3], partLo[3], partHi[3];
+    InMemory(mask, maskBytes);
+    InMemory(low, lows);
+    InMemory(high, highs);
+    for (int k = 0; k < 3; ++k) {
+        partLo[k] = _mm512_unpacklo_epi8(lows[k], highs[k]);
+        partHi[k] = _mm512_unpackhi_epi8(lows[k], highs[k]);
+    }
+    const Long whole = width - width % kPixels;
+    std::uint64_t all[3], tail[3];
+    BlockBytes(kPixels, all);
+    BlockBytes(width - whole, tail);
+    for (Long y = 0; y < height; ++y, first += stride) {
+        std::uint8_t* block = first;
+        for (Long x = 0; x < whole; x += kPixels, block += 3 * kPixels)
+            FadeBlock<kMultiply, false>(block, all, maskBytes, partLo, partHi, times, count);
+        if (whole < width)
+            FadeBlock<kMultiply, true>(block, tail, maskBytes, partLo, partHi, times, count);
+    }
+}
+
+KELVARIN_TARGET Long Fade(std::uint8_t* first, std::ptrdiff_t stride, Long width, Long height,
+                          const std::uint8_t* mask, const int* part, int multiplier, int shift) {
+    if (multiplier != 0) {
+        FadeImage<true>(first, stride, width, height, mask, part, multiplier, shift);
+    } else {
+        FadeImage<false>(first, stride, width, height, mask, part, 0, shift);
+    }
+    return width;
+}
+
+template <bool kTail>
+KELVARIN_TARGET inline void ReplaceBlock(std::uint8_t* block, const std::uint64_t valid[3],
+                                         const Reg from[3], const Reg to[3]) {
+    Reg v[3];
+    LoadBlock<kTail>(block, valid, v);
+    std::uint64_t hit[3];
+    if (!PixelsThatAre(v, from, hit)) [[likely]]
+        return;
+        // Bytes past the valid ones read as 0 and may match black: never written.
+#pragma GCC unroll 3
+    for (int k = 0; k < 3; ++k) _mm512_mask_storeu_epi8(block + 64 * k, hit[k] & valid[k], to[k]);
+}
+
+KELVARIN_TARGET Long Replace(std::uint8_t* first, std::ptrdiff_t stride, Long width, Long height,
+                             const std::uint8_t* from, const std::uint8_t* to) {
+    Reg fromBytes[3], toBytes[3];
+    InMemory(from, fromBytes);
+    InMemory(to, toBytes);
+    const Long whole = width - width % kPixels;
+    std::uint64_t tail[3];
+    BlockBytes(width - whole, tail);
+    constexpr std::uint64_t kAll[3] = {~std::uint64_t{0}, ~std::uint64_t{0}, ~std::uint64_t{0}};
+    for (Long y = 0; y < height; ++y, first += stride) {
+        std::uint8_t* block = first;
+        for (Long x = 0; x < whole; x += kPixels, block += 3 * kPixels)
+            ReplaceBlock<false>(block, kAll, fromBytes, toBytes);
+        if (whole < width) ReplaceBlock<true>(block, tail, fromBytes, toBytes);
+    }
+    return width;
+}
+
+#else
+
 template <bool kMultiply>
 KELVARIN_TARGET Long FadeBlocks(std::uint8_t* row, Long width, const std::uint8_t* mask,
                                 const int* part, int multiplier, int shift) {
@@ -303,16 +449,8 @@ KELVARIN_TARGET Long Replace(std::uint8_t* row, Long width, const std::uint8_t* 
     Reg fromBytes[3], toBytes[3];
     Splat(from, fromBytes);
     Splat(to, toBytes);
-#if KELVARIN_SIMD_BITS == 512
-    Reg fromInMemory[3];
-    for (int k = 0; k < 3; ++k) fromInMemory[k] = Interleave(fromBytes, k);
-#endif
     Long x = 0;
     for (; x + kPixels <= width; x += kPixels, row += 3 * kPixels) {
-#if KELVARIN_SIMD_BITS == 512
-        if (!AnyPixelIs(row, fromInMemory)) [[likely]]
-            continue;
-#endif
         Reg ch[3];
         LoadChannels(row, ch);
         const Reg hit = Matches(ch, fromBytes);
@@ -327,6 +465,8 @@ KELVARIN_TARGET Long Replace(std::uint8_t* row, Long width, const std::uint8_t* 
     }
     return x;
 }
+
+#endif
 
 // Color_Invert: each byte XOR its byte of the pattern. Bytes stay where
 // they are, so the block is three registers in memory order at every width.

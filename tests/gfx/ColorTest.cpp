@@ -171,6 +171,9 @@ TEST(ColorKernels, MatchTheScalarLoopsOnRandomImages) {
             }
             test::ExpectKernelsAgree("Replace", gfx,
                                      [&](clsGFX_2D& g) { g.Color_Replace(c, 0xA1B2C3); });
+            // Magenta lies every third pixel, in every row's last block too.
+            test::ExpectKernelsAgree("Replace", gfx,
+                                     [&](clsGFX_2D& g) { g.Color_Replace(kMagenta, 0xA1B2C3); });
             for (bool weighted : {false, true}) {
                 for (Long mask : {kMagenta, c}) {
                     test::ExpectKernelsAgree("Gray", gfx,
@@ -188,6 +191,33 @@ TEST(ColorKernels, MatchTheScalarLoopsOnRandomImages) {
                         ErrorOf([&] { g.Color_FadeTo(mask, 0x00FF8001, weight); });
                     });
                 }
+            }
+        }
+    }
+}
+
+// Black and the mask in whole rows: the bytes past a row's last pixel,
+// padding or the next row, are never taken for a pixel to change, whatever
+// they hold and wherever the row's last block ends.
+TEST(ColorKernels, RowsOfOneColourChangeUpToTheirLastPixelOnly) {
+    std::uint32_t seed = 300;
+    for (Long w = 1; w <= 140; ++w) {
+        clsGFX_2D gfx;
+        ASSERT_TRUE(gfx.Create(w, 3));
+        RandomFill(gfx, ++seed);
+        gfx.Draw_StartSession();
+        for (Long x = 0; x < w; ++x) {
+            gfx.Draw_Pixel(x, 0, 0);
+            gfx.Draw_Pixel(x, 1, 0x00FF00FF);
+            if (x % 5 == 0) gfx.Draw_Pixel(x, 2, 0);
+        }
+        gfx.Draw_EndSession();
+        test::ExpectKernelsAgree("Replace", gfx,
+                                 [](clsGFX_2D& g) { g.Color_Replace(0, 0x010203); });
+        for (Long mask : {Long{0}, Long{0x00FF00FF}}) {
+            for (double weight : {1.0, 0.6}) {
+                test::ExpectKernelsAgree(
+                    "FadeTo", gfx, [&](clsGFX_2D& g) { g.Color_FadeTo(mask, 0x00FF8001, weight); });
             }
         }
     }

@@ -253,6 +253,9 @@ void AgreeOnRandomImages(const char* what, const Op& op,
     }
 }
 
+// Kernels whose sums fit 16 bits take the 16-bit kernel with 256-bit
+// vectors and the kernel for 32-bit sums with 128-bit and 512-bit ones, so
+// the kernel sets cover every route.
 TEST(FastPaths, MatchTheScalarLoopsOnRandomImages) {
     const struct {
         Long w, h;
