@@ -98,7 +98,8 @@ TEST(FormFile, NumbersJsonCannotHoldLoadBackAsTheyWere) {
     form.controls.push_back(c);
     const std::string text = WriteForm(form);
     EXPECT_NE(text.find(R"("number": "-nan")"), std::string::npos) << text;
-    const auto& out = ReadForm(text, "form.json", KnownClass).controls.at(0).properties.Entries();
+    const Form back = ReadForm(text, "form.json", KnownClass);
+    const auto& out = back.controls.at(0).properties.Entries();
     ASSERT_EQ(out.size(), std::size(values));
     for (std::size_t i = 0; i < out.size(); ++i) {
         ASSERT_EQ(out[i].second.Type(), VarType::Double) << i;
