@@ -55,6 +55,9 @@ std::string IsoText(Date d) {
     return buf;
 }
 
+// With the reading, below; a date written as text must read back as it was.
+Date ParseIso(const std::string& s, const std::string& place);
+
 constexpr char kBase64[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 
 std::string ToBase64(std::span<const std::uint8_t> bytes) {
@@ -147,6 +150,16 @@ Json EncodeNumber(double v) {
     return Json{{"number", std::string(sign) + (std::isnan(v) ? "nan" : "inf")}};
 }
 
+// A date is written as its text, unless the text would lose part of it (a
+// time of day finer than a second): then as the host's serial number,
+// {"dateSerial": days}. Either way it is a date of the host's range.
+Json EncodeDate(Date d, const std::string& place) {
+    if (!IsDateInRange(d)) Fail(place, "date out of range");
+    const std::string iso = IsoText(d);
+    if (ParseIso(iso, place) == d) return Json{{"date", iso}};
+    return Json{{"dateSerial", d}};
+}
+
 Json Encode(const Variant& v, const std::string& place) {
     switch (v.Type()) {
         case VarType::Empty: return Json{{"empty", true}};
@@ -156,7 +169,7 @@ Json Encode(const Variant& v, const std::string& place) {
         case VarType::Long: return v.ToLong();
         case VarType::Single:
         case VarType::Double: return EncodeNumber(v.ToDouble());
-        case VarType::Date: return Json{{"date", IsoText(v.ToDate())}};
+        case VarType::Date: return EncodeDate(v.ToDouble(), place);
         case VarType::String: return EncodeText(v.ToString());
         case VarType::Object: {
             const auto object = v.ToObject();
@@ -321,6 +334,11 @@ Variant Decode(const Json& j, const std::string& place) {
             const std::string inner = place + "." + key;
             if (key == "date") return Variant::FromDate(ParseIso(Text(value, inner), inner));
             if (key == "number") return Variant(NonFinite(Text(value, inner), inner));
+            if (key == "dateSerial") {
+                const double d = Number(value, inner);
+                if (!IsDateInRange(d)) Fail(inner, "out of range");
+                return Variant::FromDate(d);
+            }
             if (key == "bytes") return Variant(TextOrBytes(j, place, 1u << 20));
             if (key == "nothing") return Variant::Nothing();
             if (key == "empty") return Variant();

@@ -116,6 +116,44 @@ TEST(FormFile, NumbersJsonCannotHoldLoadBackAsTheyWere) {
               std::string::npos);
 }
 
+// Found by fuzzing: a date with a time of day finer than a second (a MinDate
+// of 1e-300) loaded back rounded to the second. Such a date is kept as its
+// serial number; one of a year a form cannot hold is refused on writing.
+TEST(FormFile, DatesLoadBackToTheLastBitOrAreRefusedOnWriting) {
+    const Date dates[] = {1e-300, DateSerial(2007, 12, 25) + 0.5 + 1e-9, -657434.999,
+                          DateSerial(2007, 12, 25) + 0.75};
+    Form form;
+    FormControl c{"DateBox", "d", 0, 0, 10, 10, {}};
+    for (std::size_t i = 0; i < std::size(dates); ++i)
+        c.properties.Set("D" + std::to_string(i), Variant::FromDate(dates[i]));
+    form.controls.push_back(c);
+    const std::string text = WriteForm(form);
+    EXPECT_NE(text.find(R"("date": "2007-12-25T18:00:00")"), std::string::npos) << text;
+    const Form back = ReadForm(text, "form.json", KnownClass);
+    const auto& out = back.controls.at(0).properties.Entries();
+    ASSERT_EQ(out.size(), std::size(dates));
+    for (std::size_t i = 0; i < out.size(); ++i) {
+        EXPECT_EQ(out[i].second.Type(), VarType::Date) << i;
+        EXPECT_EQ(out[i].second.ToDate(), dates[i]) << i;
+    }
+
+    form.controls[0].properties.Set("Late", Variant::FromDate(DateSerial(9999, 12, 31) + 1));
+    try {
+        WriteForm(form);
+        ADD_FAILURE() << "a date of the year 10000 was written";
+    } catch (const FormError& e) {
+        EXPECT_NE(std::string(e.what()).find("Late: date out of range"), std::string::npos)
+            << e.what();
+    }
+    const std::string head =
+        R"({"format":"kelvarin-form","version":1,"controls":[{"class":"DateBox",
+        "name":"d","left":0,"top":0,"width":1,"height":1,"properties":{"T":{"dateSerial":)";
+    EXPECT_NE(ReadError(head + "-657435}}}]}").find("T.dateSerial: out of range"),
+              std::string::npos);
+    EXPECT_NE(ReadError(head + "\"1\"}}}]}").find("T.dateSerial: expected a number"),
+              std::string::npos);
+}
+
 // Found by fuzzing: a text property or a font name that is not UTF-8 (the
 // controls' texts are bytes) made the writer throw its library's exception.
 // Such texts are kept as bytes and load back as they were.
