@@ -2,7 +2,6 @@
 #include "host/FormFile.h"
 
 #include <algorithm>
-#include <bit>
 #include <cctype>
 #include <cmath>
 #include <cstdio>
@@ -157,9 +156,7 @@ Json EncodeNumber(double v) {
 Json EncodeDate(Date d, const std::string& place) {
     if (!IsDateInRange(d)) Fail(place, "date out of range");
     const std::string iso = IsoText(d);
-    // Compared bit for bit: -0 reads back as 0.
-    if (std::bit_cast<std::uint64_t>(ParseIso(iso, place)) == std::bit_cast<std::uint64_t>(d))
-        return Json{{"date", iso}};
+    if (ParseIso(iso, place) == d) return Json{{"date", iso}};
     return Json{{"dateSerial", d}};
 }
 
@@ -324,9 +321,7 @@ Variant Decode(const Json& j, const std::string& place) {
         case Json::value_t::number_unsigned:
         case Json::value_t::number_float: {
             const double v = Number(j, place);
-            // A whole number is a Long, except -0, which no Long holds.
-            if (v == std::floor(v) && v >= -2147483648.0 && v <= 2147483647.0 &&
-                !(v == 0 && std::signbit(v)))
+            if (v == std::floor(v) && v >= -2147483648.0 && v <= 2147483647.0)
                 return Variant(static_cast<Long>(v));
             return Variant(v);
         }
