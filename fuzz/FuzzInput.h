@@ -157,9 +157,13 @@ inline std::string Describe(const Variant& v) {
     switch (v.Type()) {
         case VarType::Single:
         case VarType::Double:
-        case VarType::Date:
-            std::snprintf(buffer, sizeof buffer, "%s %a", VarTypeName(v.Type()), v.ToDouble());
+        case VarType::Date: {
+            // -0 is 0: a form does not write a value equal to its default,
+            // whatever the sign of its zero.
+            const double x = v.ToDouble();
+            std::snprintf(buffer, sizeof buffer, "%s %a", VarTypeName(v.Type()), x == 0 ? 0.0 : x);
             return buffer;
+        }
         case VarType::Object: {
             const auto o = v.ToObject();
             if (!o) return "Nothing";
