@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "common/Picture.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "common/HostError.h"
@@ -53,8 +54,9 @@ std::shared_ptr<Picture> Picture::MakeIcon(int width, int height, int hotSpotX, 
     picture->type_ = PictureType::Icon;
     picture->AllocatePixels(width, height, 24);
     picture->mask_.assign(static_cast<std::size_t>(width) * static_cast<std::size_t>(height), 0);
-    picture->hotSpotX_ = hotSpotX;
-    picture->hotSpotY_ = hotSpotY;
+    // The hot spot lies on the icon, its far edges included.
+    picture->hotSpotX_ = std::clamp(hotSpotX, 0, std::max(width, 0));
+    picture->hotSpotY_ = std::clamp(hotSpotY, 0, std::max(height, 0));
     return picture;
 }
 

@@ -53,7 +53,8 @@ public:
     // "Invalid procedure call or argument" (5).
     static std::shared_ptr<Picture> MakeBitmap(int width, int height, int bitsPerPixel,
                                                std::vector<RgbQuad> palette = {});
-    // A black, fully opaque icon; the hot spot of a standard icon is its centre.
+    // A black, fully opaque icon; the hot spot of a standard icon is its
+    // centre, and one off the icon is moved to its nearest edge.
     static std::shared_ptr<Picture> MakeIcon(int width, int height, int hotSpotX, int hotSpotY);
     static std::shared_ptr<Picture> MakeIcon(int width, int height) {
         return MakeIcon(width, height, width / 2, height / 2);

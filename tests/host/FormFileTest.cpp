@@ -82,6 +82,11 @@ TEST(FormFile, EveryKindOfValueSurvivesARoundTrip) {
         EXPECT_TRUE(SameValue(out[i].second, in[i].second)) << in[i].first;
     }
     EXPECT_EQ(out[0].second.Type(), VarType::Date);
+
+    // Found by fuzzing: an icon whose hot spot was off it was written, and
+    // its form refused on reading. The hot spot is moved onto the icon.
+    const auto off = Picture::MakeIcon(14, 18, 35, -4);
+    EXPECT_EQ(std::pair(off->HotSpotX(), off->HotSpotY()), std::pair(14, 0));
 }
 
 // Found by fuzzing: a Double property that dispatch had set to NaN was
