@@ -516,6 +516,26 @@ struct Plane {
 };
 
 #if KELVARIN_X86
+// Eight rows of eight 32-bit lanes across the diagonal, in place: v[i]
+// becomes lane i of rows 0..7 in order.
+KELVARIN_AVX2 inline void TransposeLanes8x8(__m256i (&v)[8]) {
+    __m256i t[8], u[8];
+    for (int j = 0; j < 8; j += 2) {
+        t[j] = _mm256_unpacklo_epi32(v[j], v[j + 1]);
+        t[j + 1] = _mm256_unpackhi_epi32(v[j], v[j + 1]);
+    }
+    for (int j = 0; j < 8; j += 4) {
+        u[j] = _mm256_unpacklo_epi64(t[j], t[j + 2]);
+        u[j + 1] = _mm256_unpackhi_epi64(t[j], t[j + 2]);
+        u[j + 2] = _mm256_unpacklo_epi64(t[j + 1], t[j + 3]);
+        u[j + 3] = _mm256_unpackhi_epi64(t[j + 1], t[j + 3]);
+    }
+    for (int i = 0; i < 8; ++i) {
+        v[i] = i < 4 ? _mm256_permute2x128_si256(u[i], u[i + 4], 0x20)
+                     : _mm256_permute2x128_si256(u[i - 4], u[i], 0x31);
+    }
+}
+
 // Eight pixels of eight rows across the diagonal: destination row i gets
 // pixel i of source rows 0..7 in order. Each row is read and written as
 // exactly its 24 bytes; a pixel travels as a 32-bit lane.
@@ -535,22 +555,9 @@ KELVARIN_AVX2 inline void Transpose8x8Px24(const std::uint8_t* src, std::ptrdiff
                               _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + 8))),
             widen);
     }
-    __m256i t[8], u[8];
-    for (int j = 0; j < 8; j += 2) {
-        t[j] = _mm256_unpacklo_epi32(v[j], v[j + 1]);
-        t[j + 1] = _mm256_unpackhi_epi32(v[j], v[j + 1]);
-    }
-    for (int j = 0; j < 8; j += 4) {
-        u[j] = _mm256_unpacklo_epi64(t[j], t[j + 2]);
-        u[j + 1] = _mm256_unpackhi_epi64(t[j], t[j + 2]);
-        u[j + 2] = _mm256_unpacklo_epi64(t[j + 1], t[j + 3]);
-        u[j + 3] = _mm256_unpackhi_epi64(t[j + 1], t[j + 3]);
-    }
+    TransposeLanes8x8(v);
     for (int i = 0; i < 8; ++i) {
-        const __m256i column = i < 4 ? _mm256_permute2x128_si256(u[i], u[i + 4], 0x20)
-                                     : _mm256_permute2x128_si256(u[i - 4], u[i], 0x31);
-        const __m256i packed =
-            _mm256_permutevar8x32_epi32(_mm256_shuffle_epi8(column, narrow), join);
+        const __m256i packed = _mm256_permutevar8x32_epi32(_mm256_shuffle_epi8(v[i], narrow), join);
         std::uint8_t* q = dst + i * dstStride;
         _mm_storeu_si128(reinterpret_cast<__m128i*>(q), _mm256_castsi256_si128(packed));
         _mm_storel_epi64(reinterpret_cast<__m128i*>(q + 16), _mm256_extracti128_si256(packed, 1));
@@ -560,25 +567,12 @@ KELVARIN_AVX2 inline void Transpose8x8Px24(const std::uint8_t* src, std::ptrdiff
 // The same for pixels of 32 bits, a pixel a lane.
 KELVARIN_AVX2 inline void Transpose8x8Px32(const std::uint8_t* src, std::ptrdiff_t srcStride,
                                            std::uint8_t* dst, std::ptrdiff_t dstStride) {
-    __m256i t[8], u[8];
-    for (int i = 0; i < 8; i += 2) {
-        const __m256i a = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(src + i * srcStride));
-        const __m256i b =
-            _mm256_loadu_si256(reinterpret_cast<const __m256i*>(src + (i + 1) * srcStride));
-        t[i] = _mm256_unpacklo_epi32(a, b);
-        t[i + 1] = _mm256_unpackhi_epi32(a, b);
-    }
-    for (int j = 0; j < 8; j += 4) {
-        u[j] = _mm256_unpacklo_epi64(t[j], t[j + 2]);
-        u[j + 1] = _mm256_unpackhi_epi64(t[j], t[j + 2]);
-        u[j + 2] = _mm256_unpacklo_epi64(t[j + 1], t[j + 3]);
-        u[j + 3] = _mm256_unpackhi_epi64(t[j + 1], t[j + 3]);
-    }
-    for (int i = 0; i < 8; ++i) {
-        const __m256i column = i < 4 ? _mm256_permute2x128_si256(u[i], u[i + 4], 0x20)
-                                     : _mm256_permute2x128_si256(u[i - 4], u[i], 0x31);
-        _mm256_storeu_si256(reinterpret_cast<__m256i*>(dst + i * dstStride), column);
-    }
+    __m256i v[8];
+    for (int i = 0; i < 8; ++i)
+        v[i] = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(src + i * srcStride));
+    TransposeLanes8x8(v);
+    for (int i = 0; i < 8; ++i)
+        _mm256_storeu_si256(reinterpret_cast<__m256i*>(dst + i * dstStride), v[i]);
 }
 
 // The same for pixels of 16 bits, in 128-bit registers.
